@@ -1,0 +1,117 @@
+/*
+ * comnlib: the conversion table, null substitution values and the conversion routines.
+ * Every conversion routine has the ComConvFunc signature and is named source "to"
+ * destination on the datatypes' short names.
+ */
+#ifndef COMNLIB_CONVERT_H
+#define COMNLIB_CONVERT_H
+
+#include "types.h"
+
+COMN_BEGIN_DECLS
+
+/* ---- Conversion table ---- */
+
+/* A user conversion for a pair in which either id is 24 or above. Heads of the list are
+   joined by next_src (one per source id); each head's chain runs through next_dest. */
+typedef struct UserConvEntry {
+    int32_t src_type;
+    int32_t dest_type;
+    ComConvFunc func; /* null after a reset to default */
+    struct UserConvEntry *next_dest;
+    struct UserConvEntry *next_src;
+} UserConvEntry;
+
+#define COMN_CONV_DIM 24
+
+/* The static default table, row = source id, column = destination id. */
+COMN_API extern const ComConvFunc Com__cnvrt_array[COMN_CONV_DIM * COMN_CONV_DIM];
+
+COMN_API void com__get_ctbl(const ComConvFunc **table, uint32_t *dim);
+COMN_API int32_t com_conv_init(ComContext *ctx);
+COMN_API int32_t com_conv_free(ComContext *ctx);
+COMN_API int32_t com__conv_usr_free(ComContext *ctx);
+COMN_API ComConvFunc com_conv_func(ComContext *ctx, int32_t srctype, int32_t desttype);
+COMN_API UserConvEntry *com__conv_usr_struct(ComContext *ctx, int32_t srctype, int32_t desttype);
+COMN_API ComConvFunc com__conv_usr_func(ComContext *ctx, int32_t srctype, int32_t desttype);
+COMN_API int32_t com_conv_install(ComContext *ctx, int32_t srctype, int32_t desttype,
+                                  ComConvFunc func);
+COMN_API int32_t com__conv_usr_install(ComContext *ctx, int32_t srctype, int32_t desttype,
+                                       ComConvFunc func);
+COMN_API int32_t com_conv_default(ComContext *ctx, int32_t srctype, int32_t desttype);
+
+/* ---- Null substitution values ---- */
+
+/* One per built-in datatype id; pad kind 1 pads like text, 2 like binary, 3 not at all. */
+typedef struct NullEntry {
+    void *value; /* owned copy; may be null after a set of length 0 */
+    int32_t length;
+    int32_t padkind;
+} NullEntry;
+
+typedef struct UserNullEntry {
+    int32_t type;
+    void *value; /* owned copy; null for length 0 */
+    int32_t length;
+    struct UserNullEntry *next;
+} UserNullEntry;
+
+COMN_API int32_t com_null_init(ComContext *ctx);
+COMN_API int32_t com_null_free(ComContext *ctx);
+COMN_API int32_t com_null_get(ComContext *ctx, DataFormat *fmt, void *dest, int32_t dstlen,
+                              int32_t *outlen);
+COMN_API int32_t com_null_set(ComContext *ctx, int32_t datatype, void *value, int32_t len);
+COMN_API int32_t com_null_reinstall(ComContext *ctx, int32_t datatype);
+COMN_API int32_t com__null_usr_get(ComContext *ctx, DataFormat *fmt, void *dest, int32_t dstlen,
+                                   int32_t *outlen);
+COMN_API int32_t com__null_usr_set(ComContext *ctx, int32_t datatype, void *value, int32_t len);
+COMN_API int32_t com__null_usr_reinstall(ComContext *ctx, int32_t datatype);
+COMN_API int32_t com__null_usr_free(ComContext *ctx);
+
+/* Declares one conversion routine. */
+#define COMN_DECLARE_CONV_(name)                                                                   \
+    COMN_API int32_t name(ComContext *ctx, DataFormat *srcfmt, void *src, DataFormat *destfmt,     \
+                          void *dest, int32_t *destlen);
+
+COMN_DECLARE_CONV_(comn_voidtoany)
+COMN_DECLARE_CONV_(comn_voidtovoid)
+
+/* ---- Integer, bit and float conversions ----
+   One row per (source, destination) short-name pair; the routine is comn_<src>to<dst>.
+   "i8" is the platform long integer, stored in 32 bits. */
+#define COMN_SCALAR_PAIRS(X)                                                                       \
+    X(i1, i1) X(i1, i2) X(i1, i4) X(i1, i8) X(i1, bit) X(i1, flt4) X(i1, flt8)                     \
+    X(i2, i1) X(i2, i2) X(i2, i4) X(i2, i8) X(i2, bit) X(i2, flt4) X(i2, flt8)                     \
+    X(i4, i1) X(i4, i2) X(i4, i4) X(i4, i8) X(i4, bit) X(i4, flt4) X(i4, flt8)                     \
+    X(i8, i4) X(i8, i8)                                                                            \
+    X(bit, i1) X(bit, i2) X(bit, i4) X(bit, i8) X(bit, bit) X(bit, flt4) X(bit, flt8)              \
+    X(flt4, i1) X(flt4, i2) X(flt4, i4) X(flt4, i8) X(flt4, bit) X(flt4, flt4) X(flt4, flt8)       \
+    X(flt8, i1) X(flt8, i2) X(flt8, i4) X(flt8, i8) X(flt8, bit) X(flt8, flt4) X(flt8, flt8)
+
+#define COMN_DECLARE_PAIR_(a, b) COMN_DECLARE_CONV_(comn_##a##to##b)
+COMN_SCALAR_PAIRS(COMN_DECLARE_PAIR_)
+
+/* ---- Padding and fixed-to-binary helpers shared by text and binary destinations ---- */
+
+/* Applies the destination's null-termination and padding flags to n produced bytes. */
+COMN_API int32_t comn__padchar(int32_t n, DataFormat *destfmt, void *dest, int32_t *destlen);
+COMN_API int32_t comn__padbin(int32_t n, DataFormat *destfmt, void *dest, int32_t *destlen);
+/* Copies a fixed-length value of size bytes into a binary / varbinary destination. */
+COMN_API int32_t comn_fixedtobin(const void *src, int32_t size, DataFormat *destfmt, void *dest,
+                                 int32_t *destlen);
+COMN_API int32_t comn_fixedtovarbin(const void *src, int32_t size, DataFormat *destfmt,
+                                    void *dest, int32_t *destlen);
+
+/* ---- Money conversions ---- */
+
+/* ---- Exact numeric conversions ---- */
+
+/* ---- Datetime conversions ---- */
+
+/* ---- Text input conversions ---- */
+
+/* ---- Text and binary output conversions ---- */
+
+COMN_END_DECLS
+
+#endif
