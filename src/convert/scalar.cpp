@@ -127,7 +127,7 @@ int32_t scalar_convert(const void *src, void *dest, int32_t *destlen) {
 } // namespace comn
 
 #define COMN_DEFINE_SCALAR_(a, b)                                                                  \
-    extern "C" COMN_API int32_t comn_##a##to##b(ComContext *, DataFormat *, void *src,            \
+    extern "C" COMN_API int32_t comn_##a##to##b(ComContext *, DataFormat *, void *src,             \
                                                 DataFormat *, void *dest, int32_t *destlen) {      \
         return comn::scalar_convert<comn::T_##a, comn::T_##b>(src, dest, destlen);                 \
     }

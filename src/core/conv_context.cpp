@@ -92,11 +92,13 @@ COMN_API int32_t com__conv_usr_install(ComContext *ctx, int32_t src, int32_t dst
     if (!ctx->conv.user_convs) {
         ctx->conv.user_convs = e;
     } else if (UserConvEntry *head = find_head(ctx, src)) {
-        while (head->next_dest) head = head->next_dest;
+        while (head->next_dest)
+            head = head->next_dest;
         head->next_dest = e;
     } else {
         UserConvEntry *last = ctx->conv.user_convs;
-        while (last->next_src) last = last->next_src;
+        while (last->next_src)
+            last = last->next_src;
         last->next_src = e;
     }
     return CS_SUCCEED;

@@ -19,7 +19,9 @@ namespace {
 #define PENDING(name) nullptr
 
 using Ids = uint32_t; // bit set of datatype ids
-constexpr Ids id(int i) { return Ids{1} << i; }
+constexpr Ids id(int i) {
+    return Ids{1} << i;
+}
 constexpr Ids CHARS = id(0) | id(2) | id(4);
 constexpr Ids BINS = id(1) | id(3) | id(5);
 constexpr Ids NUMS = id(16) | id(17);

@@ -51,7 +51,9 @@ constexpr DefaultNull Comv_values[COMN_CONV_DIM] = {
 };
 // clang-format on
 
-NullEntry *entry(ComContext *ctx, int32_t t) { return &ctx->conv.null_values[t]; }
+NullEntry *entry(ComContext *ctx, int32_t t) {
+    return &ctx->conv.null_values[t];
+}
 
 int32_t copy_value(void **dst, const void *src, int32_t len) {
     *dst = nullptr;
@@ -97,7 +99,8 @@ COMN_API int32_t com__null_usr_free(ComContext *ctx) {
 
 COMN_API int32_t com_null_free(ComContext *ctx) {
     if (NullEntry *arr = ctx->conv.null_values) {
-        for (int t = 0; t < ctx->null_count; ++t) std::free(arr[t].value);
+        for (int t = 0; t < ctx->null_count; ++t)
+            std::free(arr[t].value);
         std::free(arr);
         ctx->conv.null_values = nullptr;
     }

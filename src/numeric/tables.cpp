@@ -38,7 +38,8 @@ constexpr int bytes_of_pow10_minus_1(int p) {
 
 constexpr std::array<uint8_t, CS_MAX_PREC + 1> make_prec_to_len() {
     std::array<uint8_t, CS_MAX_PREC + 1> t{};
-    for (int p = 0; p <= CS_MAX_PREC; ++p) t[p] = static_cast<uint8_t>(1 + bytes_of_pow10_minus_1(p));
+    for (int p = 0; p <= CS_MAX_PREC; ++p)
+        t[p] = static_cast<uint8_t>(1 + bytes_of_pow10_minus_1(p));
     return t;
 }
 

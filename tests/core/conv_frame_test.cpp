@@ -87,14 +87,14 @@ TEST(ConvFrame, FreeLeavesNoTable) {
 TEST(ConvFrame, TypeLengths) {
     struct {
         int32_t id, len, want;
-    } cases[] = {{CS_CHAR, 10, 10},   {CS_VARCHAR, 3, 258},  {CS_VARBINARY, 0, 258},
-                 {CS_TINYINT, 9, 1},  {CS_BIT, 9, 1},        {CS_SMALLINT, 9, 2},
-                 {CS_INT, 9, 4},      {CS_REAL, 9, 4},       {CS_DATETIME4, 9, 4},
-                 {CS_MONEY4, 9, 4},   {CS_FLOAT, 9, 8},      {CS_DATETIME, 9, 8},
-                 {CS_MONEY, 9, 8},    {CS_NUMERIC, 9, 35},   {CS_DECIMAL, 9, 35},
-                 {CS_LONG, 9, 9},     {CS_VOID, 6, 6},       {-3, 11, 11},
-                 {100, 12, 12}};
-    for (const auto &c : cases) EXPECT_EQ(comn_typelen(c.id, c.len), c.want) << c.id;
+    } cases[] = {
+        {CS_CHAR, 10, 10},    {CS_VARCHAR, 3, 258}, {CS_VARBINARY, 0, 258}, {CS_TINYINT, 9, 1},
+        {CS_BIT, 9, 1},       {CS_SMALLINT, 9, 2},  {CS_INT, 9, 4},         {CS_REAL, 9, 4},
+        {CS_DATETIME4, 9, 4}, {CS_MONEY4, 9, 4},    {CS_FLOAT, 9, 8},       {CS_DATETIME, 9, 8},
+        {CS_MONEY, 9, 8},     {CS_NUMERIC, 9, 35},  {CS_DECIMAL, 9, 35},    {CS_LONG, 9, 9},
+        {CS_VOID, 6, 6},      {-3, 11, 11},         {100, 12, 12}};
+    for (const auto &c : cases)
+        EXPECT_EQ(comn_typelen(c.id, c.len), c.want) << c.id;
 }
 
 } // namespace
