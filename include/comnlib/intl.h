@@ -89,6 +89,74 @@ typedef struct LocaleHandle {
     struct LocaleHandle *next;
 } LocaleHandle;
 
+/* ---- Platform reader: installation home, environment, sectioned text files ----
+   The file syntax is described in docs/intl_files.md. Strings handed out by the reader stay
+   valid until intl_close. Failures are negative INTL_E_ statuses. */
+#define INTL_E_NOMEM (-1)   /* an allocation failed */
+#define INTL_E_OPEN (-2)    /* the file cannot be opened or read */
+#define INTL_E_SYNTAX (-3)  /* malformed line: header, entry without '=', open quote, ... */
+#define INTL_E_TOOBIG (-4)  /* file larger than INTL_FILE_MAX */
+#define INTL_E_BINARY (-5)  /* the file holds a NUL byte */
+#define INTL_E_NOHOME (-6)  /* neither VELDAR nor the home of the user veldar is known */
+#define INTL_E_TOOLONG (-7) /* a value does not fit the caller's buffer */
+#define INTL_E_ARG (-8)     /* a null handle, path or buffer */
+
+#define INTL_FILE_MAX (16L * 1024 * 1024)
+
+typedef struct IntlFile IntlFile;
+
+/* The installation home: VELDAR, else the home directory of the user veldar. Returns the
+   length (>= 0) with the path terminated in buf, or a negative status. */
+COMN_API int32_t intl_home(char *buf, int32_t size);
+/* A variable's value: its length (> 0) with the value in buf; 0 when unset, empty or name is
+   null; a negative status when it does not fit. */
+COMN_API int32_t intlgetenv(char *buf, int32_t size, const char *name);
+COMN_API int32_t intl_open(const char *path, IntlFile **handle);
+COMN_API char *intl_nextsection(IntlFile *handle, int32_t *status);
+COMN_API char *intl_nextentry(IntlFile *handle, int32_t *status);
+COMN_API char *intl_nextvalue(IntlFile *handle, int32_t *status);
+COMN_API int32_t intl_close(IntlFile *handle);
+
+/* ---- Unsigned byte comparisons ----
+   com_unsignstrncmp compares exactly n bytes and does not stop at a terminator. */
+COMN_API int32_t com_unsignstrcmp(const char *a, const char *b);
+COMN_API int32_t com_unsignstrncmp(const char *a, const char *b, int32_t n);
+
+/* ---- Installation paths, locale names and the locales file ----
+   Path routines answer 1, 0 when the path does not fit, or COM_INTL_ERROR. A path exactly as
+   long as size is accepted: the buffer must hold size + 1 bytes. */
+#define COM_INTL_PATH_SIZE 1025 /* a path of at most 1024 bytes and one byte of slack */
+#define COM_INTL_NAME_SIZE 256  /* buffers for language, charset and sort order names */
+
+COMN_API int32_t com_path_ifile(ComContext *ctx, char *buf, int32_t size);
+COMN_API int32_t com__path_locfile(ComContext *ctx, const char *language, const char *charset,
+                                   const char *file, char *buf, int32_t size);
+COMN_API int32_t com__path_charfile(ComContext *ctx, const char *charset, const char *file,
+                                    const char *extension, char *buf, int32_t size);
+COMN_API int32_t com__open_locfile(ComContext *ctx, const char *language, const char *charset,
+                                   const char *file, IntlFile **handle);
+COMN_API int32_t com__open_charfile(ComContext *ctx, const char *charset, const char *file,
+                                    const char *extension, IntlFile **handle);
+COMN_API int32_t com_intl_envloc(ComContext *ctx, int32_t category, char *buf, int32_t size);
+/* sortorder_out must hold COM_INTL_NAME_SIZE bytes. */
+COMN_API int32_t com__intl_lookup(ComContext *ctx, const char *locale, int32_t locale_length,
+                                  char *language_out, int32_t language_size, char *charset_out,
+                                  int32_t charset_size, char *sortorder_out);
+COMN_API int32_t com_intl_locname(ComContext *ctx, const char *language, int32_t language_length,
+                                  const char *charset, int32_t charset_length,
+                                  const char *sortorder, int32_t sortorder_length, char *name_out,
+                                  int32_t name_size, int32_t *name_length_out);
+COMN_API int32_t com__verify_msgfile(ComContext *ctx, const char *language, const char *charset,
+                                     const char *file, char *path_out, int32_t size);
+COMN_API int32_t com__verify_charfile(ComContext *ctx, const char *charset, const char *file,
+                                      const char *extension, char *path_out, int32_t size);
+COMN_API int32_t com_intl_verify_locfiles(ComContext *ctx, const char *language,
+                                          const char *charset, const char *sortorder,
+                                          char *path_out, int32_t size);
+COMN_API int32_t com_intl_verify_a_msgfile(ComContext *ctx, LocaleRecord *locale,
+                                           const char *file, char *path_out, int32_t size);
+COMN_API void com_intl_verify_ctxloc(ComContext *ctx);
+
 COMN_END_DECLS
 
 #endif
