@@ -155,7 +155,7 @@ inline void sub(Nat &r, const Nat &a, const Nat &b) {
     trim(r);
 }
 
-// x = x * m + add, in place. False when the capacity is exceeded.
+// x = x * m + addend, in place (m > 0). False when the capacity is exceeded.
 inline bool mul_small_add(Nat &x, u64 m, u64 addend) {
     u64 c = addend;
     for (int i = 0; i < x.n; ++i) {
@@ -167,7 +167,6 @@ inline bool mul_small_add(Nat &x, u64 m, u64 addend) {
         if (x.n == kCap) return false;
         x.w[x.n++] = c;
     }
-    if (m == 0) x.n = addend != 0, x.w[0] = addend;
     return true;
 }
 
