@@ -106,6 +106,8 @@ COMN_API int32_t comn_fixedtovarbin(const void *src, int32_t size, DataFormat *d
 
 /* ---- Exact numeric conversions ---- */
 
+COMN_DECLARE_CONV_(comn_numtonum)
+
 /* ---- Datetime conversions ---- */
 
 /* ---- Text input conversions ---- */

@@ -129,7 +129,7 @@ constexpr Cell kCells[] = {
     {NUMS, id(8), PENDING(comn_numtoi4)},          {NUMS, id(9), PENDING(comn_numtoflt4)},
     {NUMS, id(10), PENDING(comn_numtoflt8)},       {NUMS, id(11), PENDING(comn_numtobit)},
     {NUMS, id(14), PENDING(comn_numtomoney)},      {NUMS, id(15), PENDING(comn_numtomny4)},
-    {NUMS, NUMS, PENDING(comn_numtonum)},          {NUMS, id(18), PENDING(comn_numtovarchar)},
+    {NUMS, NUMS, comn_numtonum},                   {NUMS, id(18), PENDING(comn_numtovarchar)},
     {NUMS, id(19), PENDING(comn_numtovarbin)},
     // Varchar.
     {id(18), CHARS, PENDING(comn_varchartochar)},     {id(18), BINS, PENDING(comn_varchartobin)},
