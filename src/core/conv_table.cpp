@@ -56,7 +56,7 @@ constexpr Cell kCells[] = {
     {id(6), id(6), comn_i1toi1},                   {id(6), id(7), comn_i1toi2},
     {id(6), id(8), comn_i1toi4},                   {id(6), id(9), comn_i1toflt4},
     {id(6), id(10), comn_i1toflt8},                {id(6), id(11), comn_i1tobit},
-    {id(6), id(14), PENDING(comn_i1tomoney)},      {id(6), id(15), PENDING(comn_i1tomny4)},
+    {id(6), id(14), comn_i1tomoney},               {id(6), id(15), comn_i1tomny4},
     {id(6), NUMS, PENDING(comn_i1tonum)},          {id(6), id(18), PENDING(comn_i1tovarchar)},
     {id(6), id(19), PENDING(comn_i1tovarbin)},
     // Smallint.
@@ -64,7 +64,7 @@ constexpr Cell kCells[] = {
     {id(7), id(6), comn_i2toi1},                   {id(7), id(7), comn_i2toi2},
     {id(7), id(8), comn_i2toi4},                   {id(7), id(9), comn_i2toflt4},
     {id(7), id(10), comn_i2toflt8},                {id(7), id(11), comn_i2tobit},
-    {id(7), id(14), PENDING(comn_i2tomoney)},      {id(7), id(15), PENDING(comn_i2tomny4)},
+    {id(7), id(14), comn_i2tomoney},               {id(7), id(15), comn_i2tomny4},
     {id(7), NUMS, PENDING(comn_i2tonum)},          {id(7), id(18), PENDING(comn_i2tovarchar)},
     {id(7), id(19), PENDING(comn_i2tovarbin)},
     // Int.
@@ -72,7 +72,7 @@ constexpr Cell kCells[] = {
     {id(8), id(6), comn_i4toi1},                   {id(8), id(7), comn_i4toi2},
     {id(8), id(8), comn_i4toi4},                   {id(8), id(9), comn_i4toflt4},
     {id(8), id(10), comn_i4toflt8},                {id(8), id(11), comn_i4tobit},
-    {id(8), id(14), PENDING(comn_i4tomoney)},      {id(8), id(15), PENDING(comn_i4tomny4)},
+    {id(8), id(14), comn_i4tomoney},               {id(8), id(15), comn_i4tomny4},
     {id(8), NUMS, PENDING(comn_i4tonum)},          {id(8), id(18), PENDING(comn_i4tovarchar)},
     {id(8), id(19), PENDING(comn_i4tovarbin)},
     // Real.
@@ -80,7 +80,7 @@ constexpr Cell kCells[] = {
     {id(9), id(6), comn_flt4toi1},                 {id(9), id(7), comn_flt4toi2},
     {id(9), id(8), comn_flt4toi4},                 {id(9), id(9), comn_flt4toflt4},
     {id(9), id(10), comn_flt4toflt8},              {id(9), id(11), comn_flt4tobit},
-    {id(9), id(14), PENDING(comn_flt4tomoney)},    {id(9), id(15), PENDING(comn_flt4tomny4)},
+    {id(9), id(14), comn_flt4tomoney},             {id(9), id(15), comn_flt4tomny4},
     {id(9), NUMS, PENDING(comn_flt4tonum)},        {id(9), id(18), PENDING(comn_flt4tovarchar)},
     {id(9), id(19), PENDING(comn_flt4tovarbin)},
     // Float.
@@ -88,7 +88,7 @@ constexpr Cell kCells[] = {
     {id(10), id(6), comn_flt8toi1},                {id(10), id(7), comn_flt8toi2},
     {id(10), id(8), comn_flt8toi4},                {id(10), id(9), comn_flt8toflt4},
     {id(10), id(10), comn_flt8toflt8},             {id(10), id(11), comn_flt8tobit},
-    {id(10), id(14), PENDING(comn_flt8tomoney)},   {id(10), id(15), PENDING(comn_flt8tomny4)},
+    {id(10), id(14), comn_flt8tomoney},            {id(10), id(15), comn_flt8tomny4},
     {id(10), NUMS, PENDING(comn_flt8tonum)},       {id(10), id(18), PENDING(comn_flt8tovarchar)},
     {id(10), id(19), PENDING(comn_flt8tovarbin)},
     // Bit: no money destinations.
@@ -107,18 +107,18 @@ constexpr Cell kCells[] = {
     {id(13), id(19), PENDING(comn_date4tovarbin)},
     // Money.
     {id(14), CHARS, PENDING(comn_moneytochar)},    {id(14), BINS, PENDING(comn_moneytobin)},
-    {id(14), id(6), PENDING(comn_moneytoi1)},      {id(14), id(7), PENDING(comn_moneytoi2)},
-    {id(14), id(8), PENDING(comn_moneytoi4)},      {id(14), id(9), PENDING(comn_moneytoflt4)},
-    {id(14), id(10), PENDING(comn_moneytoflt8)},   {id(14), id(11), PENDING(comn_moneytobit)},
-    {id(14), id(14), PENDING(comn_moneytomoney)},  {id(14), id(15), PENDING(comn_moneytomny4)},
+    {id(14), id(6), comn_moneytoi1},               {id(14), id(7), comn_moneytoi2},
+    {id(14), id(8), comn_moneytoi4},               {id(14), id(9), comn_moneytoflt4},
+    {id(14), id(10), comn_moneytoflt8},            {id(14), id(11), comn_moneytobit},
+    {id(14), id(14), comn_moneytomoney},           {id(14), id(15), comn_moneytomny4},
     {id(14), NUMS, PENDING(comn_moneytonum)},      {id(14), id(18), PENDING(comn_moneytovarchar)},
     {id(14), id(19), PENDING(comn_moneytovarbin)},
     // Money4.
     {id(15), CHARS, PENDING(comn_mny4tochar)},     {id(15), BINS, PENDING(comn_mny4tobin)},
-    {id(15), id(6), PENDING(comn_mny4toi1)},       {id(15), id(7), PENDING(comn_mny4toi2)},
-    {id(15), id(8), PENDING(comn_mny4toi4)},       {id(15), id(9), PENDING(comn_mny4toflt4)},
-    {id(15), id(10), PENDING(comn_mny4toflt8)},    {id(15), id(11), PENDING(comn_mny4tobit)},
-    {id(15), id(14), PENDING(comn_mny4tomoney)},   {id(15), id(15), PENDING(comn_mny4tomny4)},
+    {id(15), id(6), comn_mny4toi1},                {id(15), id(7), comn_mny4toi2},
+    {id(15), id(8), comn_mny4toi4},                {id(15), id(9), comn_mny4toflt4},
+    {id(15), id(10), comn_mny4toflt8},             {id(15), id(11), comn_mny4tobit},
+    {id(15), id(14), comn_mny4tomoney},            {id(15), id(15), comn_mny4tomny4},
     {id(15), NUMS, PENDING(comn_mny4tonum)},       {id(15), id(18), PENDING(comn_mny4tovarchar)},
     {id(15), id(19), PENDING(comn_mny4tovarbin)},
     // Numeric and decimal.
