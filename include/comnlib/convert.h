@@ -115,8 +115,13 @@ COMN_API int32_t comn_fixedtovarbin(const void *src, int32_t size, DataFormat *d
     X(flt4, money) X(flt4, mny4) X(flt8, money) X(flt8, mny4)
 COMN_MONEY_SOURCE_PAIRS(COMN_DECLARE_PAIR_)
 COMN_INTO_MONEY_PAIRS(COMN_DECLARE_PAIR_)
+COMN_DECLARE_CONV_(comn_moneytonum)
+COMN_DECLARE_CONV_(comn_mny4tonum)
 
 /* ---- Exact numeric conversions ---- */
+
+COMN_DECLARE_CONV_(comn_numtomoney)
+COMN_DECLARE_CONV_(comn_numtomny4)
 
 /* ---- Datetime conversions ---- */
 

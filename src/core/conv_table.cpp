@@ -111,7 +111,7 @@ constexpr Cell kCells[] = {
     {id(14), id(8), comn_moneytoi4},               {id(14), id(9), comn_moneytoflt4},
     {id(14), id(10), comn_moneytoflt8},            {id(14), id(11), comn_moneytobit},
     {id(14), id(14), comn_moneytomoney},           {id(14), id(15), comn_moneytomny4},
-    {id(14), NUMS, PENDING(comn_moneytonum)},      {id(14), id(18), PENDING(comn_moneytovarchar)},
+    {id(14), NUMS, comn_moneytonum},               {id(14), id(18), PENDING(comn_moneytovarchar)},
     {id(14), id(19), PENDING(comn_moneytovarbin)},
     // Money4.
     {id(15), CHARS, PENDING(comn_mny4tochar)},     {id(15), BINS, PENDING(comn_mny4tobin)},
@@ -119,14 +119,14 @@ constexpr Cell kCells[] = {
     {id(15), id(8), comn_mny4toi4},                {id(15), id(9), comn_mny4toflt4},
     {id(15), id(10), comn_mny4toflt8},             {id(15), id(11), comn_mny4tobit},
     {id(15), id(14), comn_mny4tomoney},            {id(15), id(15), comn_mny4tomny4},
-    {id(15), NUMS, PENDING(comn_mny4tonum)},       {id(15), id(18), PENDING(comn_mny4tovarchar)},
+    {id(15), NUMS, comn_mny4tonum},                {id(15), id(18), PENDING(comn_mny4tovarchar)},
     {id(15), id(19), PENDING(comn_mny4tovarbin)},
     // Numeric and decimal.
     {NUMS, CHARS, PENDING(comn_numtochar)},        {NUMS, BINS, PENDING(comn_numtobin)},
     {NUMS, id(6), PENDING(comn_numtoi1)},          {NUMS, id(7), PENDING(comn_numtoi2)},
     {NUMS, id(8), PENDING(comn_numtoi4)},          {NUMS, id(9), PENDING(comn_numtoflt4)},
     {NUMS, id(10), PENDING(comn_numtoflt8)},       {NUMS, id(11), PENDING(comn_numtobit)},
-    {NUMS, id(14), PENDING(comn_numtomoney)},      {NUMS, id(15), PENDING(comn_numtomny4)},
+    {NUMS, id(14), comn_numtomoney},               {NUMS, id(15), comn_numtomny4},
     {NUMS, NUMS, PENDING(comn_numtonum)},          {NUMS, id(18), PENDING(comn_numtovarchar)},
     {NUMS, id(19), PENDING(comn_numtovarbin)},
     // Varchar.
