@@ -61,10 +61,20 @@ int32_t double_to_money4(const double *value, int32_t len, Money4Value *dst) {
     return com__mnytomny4(&wide, dst) == 4 ? 4 : -1;
 }
 
-// The money value as extended precision: low word / 10000 + high word * 2^32 / 10000.
-long double money_to_long_double(const MoneyValue &m) {
-    return static_cast<long double>(m.low) / 10000.0L +
-           static_cast<long double>(m.high) * 429496.7296L;
+// The money value in currency units: (high * 2^32 + low) / 10000. It is computed as one
+// division of the exact 64-bit count rather than as low / 10000 + high * 429496.7296, which
+// denotes the same number but loses up to hundreds of ulps to cancellation when a small
+// negative value pairs a high word of -1 with a large low word. Below 2^53 units the double
+// division is exact-then-rounded once; above, the extended division keeps 64 bits.
+double money_to_double(const MoneyValue &m) {
+    const int64_t v = mny_get(m);
+    constexpr int64_t kExact = int64_t{1} << 53;
+    if (v > -kExact && v < kExact) return static_cast<double>(v) / 10000.0;
+    return static_cast<double>(static_cast<long double>(v) / 10000.0L);
+}
+
+float money_to_float(const MoneyValue &m) {
+    return static_cast<float>(static_cast<long double>(mny_get(m)) / 10000.0L);
 }
 
 } // namespace
@@ -118,12 +128,12 @@ COMN_API int32_t com__inttomny4(Money4Value *dst, int32_t value) {
 }
 
 COMN_API int32_t com__mnytoflt8(const MoneyValue *value, int32_t, double *dst) {
-    *dst = static_cast<double>(money_to_long_double(*value));
+    *dst = money_to_double(*value);
     return 8;
 }
 
 COMN_API int32_t com__mnytoflt4(const MoneyValue *value, int32_t, float *dst) {
-    *dst = static_cast<float>(money_to_long_double(*value));
+    *dst = money_to_float(*value);
     return 4;
 }
 
