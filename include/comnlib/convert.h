@@ -126,6 +126,17 @@ COMN_DECLARE_CONV_(comn_numtomny4)
 
 /* ---- Datetime conversions ---- */
 
+#define COMN_DATE_CONVS(X)                                                                         \
+    X(comn_datetodate) X(comn_datetodate4) X(comn_datetochar) X(comn_datetovarchar)                \
+    X(comn_datetobin) X(comn_datetovarbin)                                                         \
+    X(comn_date4todate4) X(comn_date4todate) X(comn_date4tochar) X(comn_date4tovarchar)            \
+    X(comn_date4tobin) X(comn_date4tovarbin)
+COMN_DATE_CONVS(COMN_DECLARE_CONV_)
+
+/* The output style of a datetime-to-text conversion: the locale's, if the formatter knows it,
+   else 9. */
+COMN_API int32_t comn_get_datetochar_fmt(ComContext *ctx, DataFormat *fmt);
+
 /* ---- Text input conversions ---- */
 
 /* ---- Text and binary output conversions ---- */

@@ -101,12 +101,12 @@ constexpr Cell kCells[] = {
     {id(11), NUMS, PENDING(comn_bittonum)},        {id(11), id(18), PENDING(comn_bittovarchar)},
     {id(11), id(19), PENDING(comn_bittovarbin)},
     // Datetime and datetime4: text, each other, varchar and varbinary only.
-    {id(12), CHARS, PENDING(comn_datetochar)},     {id(12), id(12), PENDING(comn_datetodate)},
-    {id(12), id(13), PENDING(comn_datetodate4)},   {id(12), id(18), PENDING(comn_datetovarchar)},
-    {id(12), id(19), PENDING(comn_datetovarbin)},
-    {id(13), CHARS, PENDING(comn_date4tochar)},    {id(13), id(12), PENDING(comn_date4todate)},
-    {id(13), id(13), PENDING(comn_date4todate4)},  {id(13), id(18), PENDING(comn_date4tovarchar)},
-    {id(13), id(19), PENDING(comn_date4tovarbin)},
+    {id(12), CHARS, comn_datetochar},     {id(12), id(12), comn_datetodate},
+    {id(12), id(13), comn_datetodate4},   {id(12), id(18), comn_datetovarchar},
+    {id(12), id(19), comn_datetovarbin},
+    {id(13), CHARS, comn_date4tochar},    {id(13), id(12), comn_date4todate},
+    {id(13), id(13), comn_date4todate4},  {id(13), id(18), comn_date4tovarchar},
+    {id(13), id(19), comn_date4tovarbin},
     // Money.
     {id(14), CHARS, PENDING(comn_moneytochar)},    {id(14), BINS, PENDING(comn_moneytobin)},
     {id(14), id(6), comn_moneytoi1},               {id(14), id(7), comn_moneytoi2},
