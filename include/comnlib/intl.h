@@ -157,6 +157,57 @@ COMN_API int32_t com_intl_verify_a_msgfile(ComContext *ctx, LocaleRecord *locale
                                            const char *file, char *path_out, int32_t size);
 COMN_API void com_intl_verify_ctxloc(ComContext *ctx);
 
+/* ---- Character attributes and classification ----
+   Each comn_ routine takes an attribute record (null: the built-in "iso_1" record) and the
+   first byte of a character. */
+COMN_API const uint8_t *com_get_typemap(void);
+COMN_API const CharAttrib *com_get_charattrib(void);
+COMN_API CharAttrib *com_alloc_char_attrib(void);
+COMN_API void com_free_char_attrib(CharAttrib *rec);
+/* kind COM_CHARATTR_TYPEMAP (a 1024-byte map) or COM_CHARATTR_IMAGE (a loader's image, whose
+   big-endian header words are converted in place). Returns 1, or 0 for a bad kind or null. */
+COMN_API int32_t com_build_char_attrib(int32_t kind, int32_t xlate_id, const char *name,
+                                       void *table, CharAttrib *rec);
+
+COMN_API int32_t comn_isalpha(const CharAttrib *attr, const char *c);
+COMN_API int32_t comn_isupper(const CharAttrib *attr, const char *c);
+COMN_API int32_t comn_islower(const CharAttrib *attr, const char *c);
+COMN_API int32_t comn_isdigit(const CharAttrib *attr, const char *c);
+COMN_API int32_t comn_isxdigit(const CharAttrib *attr, const char *c);
+COMN_API int32_t comn_isspace(const CharAttrib *attr, const char *c);
+COMN_API int32_t comn_ispunct(const CharAttrib *attr, const char *c);
+COMN_API int32_t comn_isgraph(const CharAttrib *attr, const char *c);
+COMN_API int32_t comn_get_lex(const CharAttrib *attr, const char *c);
+COMN_API int32_t comn_char_width(const CharAttrib *attr, const char *c);
+COMN_API int32_t comn_disp_width(const CharAttrib *attr, const char *c);
+/* The position of the next character. */
+COMN_API const char *comn_inc_char(const CharAttrib *attr, const char *c);
+COMN_API const uint8_t *comn_get_widthmap(const CharAttrib *attr);
+/* Write the mapped character to dest (up to the character's byte length) and return the
+   number of bytes written. */
+COMN_API int32_t comn_toupper(const CharAttrib *attr, const char *src, char *dest);
+COMN_API int32_t comn_tolower(const CharAttrib *attr, const char *src, char *dest);
+COMN_API int32_t comn_whole_char(const CharAttrib *attr, const char *start, const char *end,
+                                 int32_t *chars, int32_t *whole_bytes, int32_t *cut_bytes,
+                                 int32_t *overrun);
+COMN_API int32_t comn_to_ascii(const CharAttrib *attr, const char *c);
+/* dest must hold length bytes; *count receives the bytes written. Returns CS_SUCCEED. */
+COMN_API int32_t comn_str_to_ascii(const char *src, int32_t length, char *dest, int32_t *count,
+                                   const CharAttrib *attr);
+
+/* The older single-byte family, reading the global map (by default Com_Iso1_charmap). */
+COMN_API extern const uint8_t *const Com_Iso1_charmap;
+COMN_API extern const uint8_t *Com_charmap;
+COMN_API int32_t com_toupper(int32_t c);
+COMN_API int32_t com_tolower(int32_t c);
+COMN_API int32_t com_isalpha(int32_t c);
+COMN_API int32_t com_isupper(int32_t c);
+COMN_API int32_t com_islower(int32_t c);
+COMN_API int32_t com_isdigit(int32_t c);
+COMN_API int32_t com_isxdigit(int32_t c);
+COMN_API int32_t com_isspace(int32_t c);
+COMN_API int32_t com_isgraph(int32_t c);
+
 COMN_END_DECLS
 
 #endif
