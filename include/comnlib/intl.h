@@ -208,6 +208,48 @@ COMN_API int32_t com_isxdigit(int32_t c);
 COMN_API int32_t com_isspace(int32_t c);
 COMN_API int32_t com_isgraph(int32_t c);
 
+/* ---- Character set and sort order descriptions ----
+   One description per (character set, sort order) pair, loaded from the set's "charset.loc"
+   and "<sort order>.srt" and kept in the context's list, shared by every locale record with
+   that pair, freed by com__charset_drop_all when the context goes. */
+#define COM_XLATE_UNKNOWN 254 /* translation id of a set that translation does not know */
+#define COM_SORT_HEADER 4     /* weight table: header, 256 weight words, special nodes */
+#define COM_SORT_NODE 12
+
+typedef struct ComCharsetDesc {
+    char *charset;
+    char *sortorder;
+    CharAttrib *attr;     /* the set's attribute record, pointing into image */
+    uint8_t *image;       /* the character set image */
+    uint8_t *sort_table;  /* the sort order's weight table */
+    int32_t sort_size;    /* its size in bytes */
+    struct ComCharsetDesc *next;
+} ComCharsetDesc;
+
+/* Find or load the description of a pair. Returns 1, 0 (a path that does not fit),
+   CS_MEM_ERROR, or COM_INTL_ERROR (missing or malformed file; status in ctx->intl_status). */
+COMN_API int32_t com__charset_desc_get(ComContext *ctx, const char *charset, const char *sortorder,
+                                       ComCharsetDesc **desc_out);
+/* The same for a locale record's charset and sort order; sets rec->charset_desc. */
+COMN_API int32_t com__charset_load(ComContext *ctx, LocaleRecord *rec);
+COMN_API void com__charset_drop_all(ComContext *ctx);
+
+/* ---- Collation under a sort order's weight table ---- */
+/* Resolves one special character from node start: 1 with *weight, 2 with *weight and a
+   pending *second (an expansion), 0 when no weight results (outputs unchanged). */
+COMN_API int32_t com__smel_lsc(const uint8_t *list, int32_t start, const uint8_t **pos,
+                               const uint8_t *end, uint32_t *weight, uint32_t *second);
+/* Primary comparison with secondary tie-break: a signed difference; the com_ form its sign. */
+COMN_API int32_t com__ps_dl_sqlhilo(const uint8_t *table, const char *a, int32_t alen,
+                                    const char *b, int32_t blen);
+COMN_API int32_t com_ps_dl_sqlhilo(const uint8_t *table, const char *a, int32_t alen,
+                                   const char *b, int32_t blen);
+/* Tertiary comparison: a signed difference; the com_ form its sign. */
+COMN_API int32_t com__spec_tord(const uint8_t *table, const char *a, int32_t alen, const char *b,
+                                int32_t blen);
+COMN_API int32_t com_spec_tord(const uint8_t *table, const char *a, int32_t alen, const char *b,
+                               int32_t blen);
+
 COMN_END_DECLS
 
 #endif
