@@ -159,4 +159,6 @@ COMN_API void com_intl_verify_ctxloc(ComContext *ctx);
 
 COMN_END_DECLS
 
+#include "xlate.h" /* character set translation */
+
 #endif
