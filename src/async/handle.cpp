@@ -70,6 +70,7 @@ COMN_API int32_t com_async_alloc(ComAsyncManager *m, ComAsyncHandle **out, int32
     auto *h = new (mem) ComAsyncHandle{};
     h->stack = reinterpret_cast<ComAsyncStateFunc *>(h + 1);
     h->manager = h->home = m;
+    h->callbacks = m->callbacks;
     h->next_index = depth;
     h->top_index = depth - 1;
     h->status = CS_SUCCEED;
