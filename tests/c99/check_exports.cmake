@@ -7,7 +7,7 @@ string(REPLACE "\n" ";" lines "${out}")
 set(bad "")
 foreach(line ${lines})
   string(REGEX REPLACE "^[0-9a-fA-F]* +[A-Za-z] +" "" sym "${line}")
-  if(sym STREQUAL "" OR sym MATCHES "^(_init|_fini|_edata|_end|__bss_start)$" OR sym MATCHES "^__odr_asan[.]" OR sym MATCHES "^__(asan|ubsan|tsan|sanitizer)_")
+  if(sym STREQUAL "" OR sym MATCHES "^(_init|_fini|_edata|_end|__bss_start)$" OR sym MATCHES "^__(asan|ubsan|tsan|sanitizer)_")
     continue()
   endif()
   # AddressSanitizer adds an ODR marker beside each exported global of the library.
