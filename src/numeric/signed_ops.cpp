@@ -24,8 +24,9 @@ int32_t com__exctnume_addorsub(const ExactNumericRef *a, const ExactNumericRef *
     const bool na = negative(a);
     const bool nb = negative(b) != (op == COMN_NUME_SUB);
     const int scale = a->scale > b->scale ? a->scale : b->scale;
-    if (a->scale < scale) wide::mul_pow10(x, scale - a->scale); // < 2^256 * 10^77: fits
-    if (b->scale < scale) wide::mul_pow10(y, scale - b->scale);
+    // Below 2^256 * 10^77 for ordinary scales; only nonsense scales exceed the limbs.
+    if (!wide::mul_pow10(x, scale - a->scale) || !wide::mul_pow10(y, scale - b->scale))
+        return kOverflow;
     bool neg;
     if (na == nb) {
         wide::add(x, x, y);
@@ -44,7 +45,7 @@ int32_t com__exctnume_mul(const ExactNumericRef *a, const ExactNumericRef *b, Ex
     Nat x, y, p;
     load(a, x);
     load(b, y);
-    wide::mul(p, x, y); // at most 8 limbs
+    if (!wide::mul(p, x, y)) return kOverflow; // at most 8 limbs for real descriptors
     return finish(r, p, a->scale + b->scale, negative(a) != negative(b));
 }
 
@@ -62,10 +63,7 @@ int32_t com__exctnume_div(const ExactNumericRef *a, const ExactNumericRef *b, Ex
     // q = a * 10^shift / b with shift = q.scale - a.scale + b.scale in [-77, 154]; the
     // dividend stays below 10^232 and the divisor below 10^155.
     const int shift = q->scale - a->scale + b->scale;
-    if (shift > 0)
-        wide::mul_pow10(x, shift);
-    else if (shift < 0)
-        wide::mul_pow10(y, -shift);
+    if (!wide::mul_pow10(shift > 0 ? x : y, shift > 0 ? shift : -shift)) return kOverflow;
     Nat quot, r;
     wide::divmod(x, y, quot, r);
     const bool exact = wide::is_zero(r);
