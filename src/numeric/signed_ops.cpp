@@ -14,10 +14,126 @@
 using namespace comn::nume;
 namespace wide = comn::wide;
 
-extern "C" {
+namespace {
 
-int32_t com__exctnume_addorsub(const ExactNumericRef *a, const ExactNumericRef *b,
-                               ExactNumericRef *r, int32_t op) {
+using wide::u128;
+using wide::u64;
+
+// Fixed-width path: when no rescaling is needed, operands and results of at most 32
+// magnitude bytes are handled as four 64-bit limbs without the general loops.
+struct U256 {
+    u64 w[4];
+};
+
+// False when the magnitude is longer than 32 bytes.
+inline bool load256(const ExactNumericRef *x, U256 &v) {
+    const uint8_t *p = mag(x);
+    int n = x->length - 1;
+    if (n < 0 || n > 32) return false;
+    v = U256{};
+    int i = 0;
+    for (; n >= 8; n -= 8)
+        v.w[i++] = wide::load_be64(p + n - 8);
+    for (int j = 0; j < n; ++j)
+        v.w[i] = (v.w[i] << 8) | p[j];
+    return true;
+}
+
+inline bool is_zero(const U256 &v) {
+    return (v.w[0] | v.w[1] | v.w[2] | v.w[3]) == 0;
+}
+
+inline bool less(const U256 &a, const U256 &b) {
+    // Subtract with borrow: branch-free, in registers.
+    u64 borrow = 0;
+#pragma GCC unroll 4
+    for (int i = 0; i < 4; ++i) {
+        const u64 d = a.w[i] - b.w[i];
+        borrow = (a.w[i] < b.w[i]) | (d < borrow);
+    }
+    return borrow != 0;
+}
+
+// a + b; false on a carry out of 256 bits.
+inline bool add256(const U256 &a, const U256 &b, U256 &r) {
+    u64 c = 0;
+#pragma GCC unroll 4
+    for (int i = 0; i < 4; ++i) {
+        const u128 t = static_cast<u128>(a.w[i]) + b.w[i] + c;
+        r.w[i] = static_cast<u64>(t);
+        c = static_cast<u64>(t >> 64);
+    }
+    return c == 0;
+}
+
+// a - b for a >= b.
+inline void sub256(const U256 &a, const U256 &b, U256 &r) {
+    u64 borrow = 0;
+#pragma GCC unroll 4
+    for (int i = 0; i < 4; ++i) {
+        const u64 d = a.w[i] - b.w[i];
+        const u64 nb = (a.w[i] < b.w[i]) | (d < borrow);
+        r.w[i] = d - borrow;
+        borrow = nb;
+    }
+}
+
+// Stores v into r (magnitude of at most 32 bytes) after the precision and length tests.
+inline int32_t store256(ExactNumericRef *r, const U256 &v, bool neg) {
+    if (r->precision >= 1 && r->precision <= CS_MAX_PREC) {
+        const wide::Pow10Limbs &lim = wide::kPow10Limbs.e[r->precision];
+        const U256 bound{{lim.w[0], lim.w[1], lim.w[2], lim.w[3]}};
+        if (!less(v, bound)) return kOverflow;
+    }
+    uint8_t *p = mag(r);
+    int n = r->length - 1;
+    int i = 0;
+    for (; n >= 8; n -= 8)
+        wide::store_be64(p + n - 8, v.w[i++]);
+    if (i < 4) {
+        u64 top = v.w[i];
+        for (int j = n - 1; j >= 0; --j, top >>= 8)
+            p[j] = static_cast<uint8_t>(top);
+        if (top != 0) return kOverflow;
+        for (int k = i + 1; k < 4; ++k)
+            if (v.w[k] != 0) return kOverflow;
+    }
+    r->bytes[0] = neg && !is_zero(v) ? 1 : 0;
+    return kOk;
+}
+
+inline bool fits_result(const ExactNumericRef *r) {
+    return r->length >= 1 && r->length <= 33;
+}
+
+} // namespace
+
+namespace comn::nume {
+
+// The general forms, kept out of line so that the fixed-width paths stay small.
+[[gnu::noinline]] int32_t addorsub_general(const ExactNumericRef *a, const ExactNumericRef *b,
+                                           ExactNumericRef *r, int32_t op);
+[[gnu::noinline]] int32_t mul_general(const ExactNumericRef *a, const ExactNumericRef *b,
+                                      ExactNumericRef *r);
+
+int32_t addorsub(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef *r,
+                 int32_t op) {
+    if (U256 fx, fy, fz; a->scale == b->scale && r->scale == a->scale && fits_result(r) &&
+                         load256(a, fx) && load256(b, fy)) {
+        const bool na = negative(a), nb = negative(b) != (op == COMN_NUME_SUB);
+        if (na == nb) return add256(fx, fy, fz) ? store256(r, fz, na) : kOverflow;
+        if (less(fx, fy)) {
+            sub256(fy, fx, fz);
+            return store256(r, fz, nb);
+        }
+        sub256(fx, fy, fz);
+        return store256(r, fz, na);
+    }
+    return addorsub_general(a, b, r, op);
+}
+
+int32_t addorsub_general(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef *r,
+                         int32_t op) {
     Nat x, y;
     load(a, x);
     load(b, y);
@@ -41,7 +157,24 @@ int32_t com__exctnume_addorsub(const ExactNumericRef *a, const ExactNumericRef *
     return finish(r, x, scale, neg);
 }
 
-int32_t com__exctnume_mul(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef *r) {
+int32_t mul(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef *r) {
+    if (U256 fx, fy; r->scale == a->scale + b->scale && fits_result(r) && load256(a, fx) &&
+                     load256(b, fy) && (fx.w[2] | fx.w[3] | fy.w[2] | fy.w[3]) == 0) {
+        // 128 x 128 bits: four partial products.
+        const u128 ll = static_cast<u128>(fx.w[0]) * fy.w[0];
+        const u128 lh = static_cast<u128>(fx.w[0]) * fy.w[1];
+        const u128 hl = static_cast<u128>(fx.w[1]) * fy.w[0];
+        const u128 hh = static_cast<u128>(fx.w[1]) * fy.w[1];
+        const u128 mid = (ll >> 64) + static_cast<u64>(lh) + static_cast<u64>(hl);
+        const u128 high = hh + (lh >> 64) + (hl >> 64) + (mid >> 64);
+        const U256 z{{static_cast<u64>(ll), static_cast<u64>(mid), static_cast<u64>(high),
+                      static_cast<u64>(high >> 64)}};
+        return store256(r, z, negative(a) != negative(b));
+    }
+    return mul_general(a, b, r);
+}
+
+int32_t mul_general(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef *r) {
     Nat x, y, p;
     load(a, x);
     load(b, y);
@@ -49,8 +182,8 @@ int32_t com__exctnume_mul(const ExactNumericRef *a, const ExactNumericRef *b, Ex
     return finish(r, p, a->scale + b->scale, negative(a) != negative(b));
 }
 
-int32_t com__exctnume_div(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef *q,
-                          ExactNumericRef *rem) {
+int32_t div(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef *q,
+            ExactNumericRef *rem) {
     Nat x, y;
     load(a, x);
     load(b, y);
@@ -86,6 +219,24 @@ int32_t com__exctnume_div(const ExactNumericRef *a, const ExactNumericRef *b, Ex
         }
     }
     return store(q, quot, neg);
+}
+
+} // namespace comn::nume
+
+extern "C" {
+
+int32_t com__exctnume_addorsub(const ExactNumericRef *a, const ExactNumericRef *b,
+                               ExactNumericRef *r, int32_t op) {
+    return addorsub(a, b, r, op);
+}
+
+int32_t com__exctnume_mul(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef *r) {
+    return mul(a, b, r);
+}
+
+int32_t com__exctnume_div(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef *q,
+                          ExactNumericRef *rem) {
+    return div(a, b, q, rem);
 }
 
 int32_t com__exctnume_round(const ExactNumericRef *x, ExactNumericRef *r, int32_t places) {

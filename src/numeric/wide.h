@@ -225,15 +225,6 @@ inline u64 div128(u64 hi, u64 lo, u64 d, u64 &rem) {
 #endif
 }
 
-// x = x / d in place (d > 0); returns the remainder.
-inline u64 div_small(Nat &x, u64 d) {
-    u64 r = 0;
-    for (int i = x.n - 1; i >= 0; --i)
-        x.w[i] = div128(r, x.w[i], d, r);
-    trim(x);
-    return r;
-}
-
 // Division by an invariant normalised divisor (top bit set) with a precomputed reciprocal
 // (Moller and Granlund, "Improved division by invariant integers", algorithm 4): one
 // multiplication instead of a hardware division per limb.
@@ -265,6 +256,12 @@ inline u64 div_preinv(u64 u1, u64 u0, const Reciprocal &rc, u64 &rem) {
     return q1;
 }
 
+// The reciprocal of a normalised d: one hardware division, then one multiplication per limb.
+inline Reciprocal reciprocal(u64 d) {
+    u64 ignored;
+    return {d, div128(~d, ~static_cast<u64>(0), d, ignored)};
+}
+
 inline constexpr Reciprocal kTen19 = make_reciprocal(kPow10[19]);
 static_assert(kPow10[19] >> 63 == 1, "10^19 is already normalised");
 
@@ -275,6 +272,25 @@ inline u64 div_ten19(Nat &x) {
         x.w[i] = div_preinv(r, x.w[i], kTen19, r);
     trim(x);
     return r;
+}
+
+// x = x / d in place (d > 0); returns the remainder. The divisor is normalised (shifted so
+// that its top bit is set) and the dividend shifted with it on the fly.
+inline u64 div_small(Nat &x, u64 d) {
+    if (x.n <= 1) {
+        const u64 v = x.n ? x.w[0] : 0;
+        set_u64(x, v / d);
+        return v % d;
+    }
+    const int s = __builtin_clzll(d);
+    const Reciprocal rc = reciprocal(d << s);
+    u64 r = s ? x.w[x.n - 1] >> (64 - s) : 0; // < 2^s <= normalised d
+    for (int i = x.n - 1; i >= 0; --i) {
+        const u64 lo = (x.w[i] << s) | (s && i > 0 ? x.w[i - 1] >> (64 - s) : 0);
+        x.w[i] = div_preinv(r, lo, rc, r);
+    }
+    trim(x);
+    return r >> s;
 }
 
 // q = a / b, r = a % b for b != 0 (schoolbook division on normalised limbs, Knuth's
@@ -302,6 +318,7 @@ inline void divmod(const Nat &a, const Nat &b, Nat &q, Nat &r) {
     u[0] = a.w[0] << s;
 
     const u64 vtop = v[n - 1], vnext = v[n - 2];
+    const Reciprocal rtop = reciprocal(vtop);
     for (int j = m; j >= 0; --j) {
         u128 qh, rh;
         if (u[j + n] >= vtop) {
@@ -310,7 +327,7 @@ inline void divmod(const Nat &a, const Nat &b, Nat &q, Nat &r) {
             rh = num - qh * vtop;
         } else {
             u64 r64;
-            qh = div128(u[j + n], u[j + n - 1], vtop, r64);
+            qh = div_preinv(u[j + n], u[j + n - 1], rtop, r64);
             rh = r64;
         }
         while (rh >> 64 == 0 && qh * vnext > ((rh << 64) | u[j + n - 2])) {
