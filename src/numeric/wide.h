@@ -53,6 +53,13 @@ inline bool is_zero(const Nat &x) {
     return x.n == 0;
 }
 
+// Copies the significant limbs only.
+inline void copy(Nat &dst, const Nat &src) {
+    for (int i = 0; i < src.n; ++i)
+        dst.w[i] = src.w[i];
+    dst.n = src.n;
+}
+
 inline void set_u64(Nat &x, u64 v) {
     x.w[0] = v;
     x.n = v != 0;
@@ -256,10 +263,33 @@ inline u64 div_preinv(u64 u1, u64 u0, const Reciprocal &rc, u64 &rem) {
     return q1;
 }
 
-// The reciprocal of a normalised d: one hardware division, then one multiplication per limb.
+// Seed table of the reciprocal: floor((2^19 - 3 * 2^8) / d9) for the top nine bits d9 of a
+// normalised divisor (256..511).
+inline constexpr auto kReciprocalSeed = [] {
+    struct {
+        uint16_t v[256];
+    } t{};
+    for (int i = 0; i < 256; ++i)
+        t.v[i] = static_cast<uint16_t>((524288 - 768) / (256 + i));
+    return t;
+}();
+
+inline u64 mul_high(u64 a, u64 b) {
+    return static_cast<u64>((static_cast<u128>(a) * b) >> 64);
+}
+
+// The reciprocal of a normalised d without a hardware division: a table seed refined by
+// Newton steps (Moller and Granlund, algorithm 3); equal to floor((2^128 - 1) / d) - 2^64.
 inline Reciprocal reciprocal(u64 d) {
-    u64 ignored;
-    return {d, div128(~d, ~static_cast<u64>(0), d, ignored)};
+    const u64 d0 = d & 1, d9 = d >> 55, d40 = (d >> 24) + 1, d63 = (d >> 1) + d0;
+    const u64 v0 = kReciprocalSeed.v[d9 - 256];
+    const u64 v1 = (v0 << 11) - ((v0 * v0 * d40) >> 40) - 1;
+    const u64 v2 = (v1 << 13) + ((v1 * ((u64{1} << 60) - v1 * d40)) >> 47);
+    const u64 e = ((v2 >> 1) & (0 - d0)) - v2 * d63;
+    const u64 v3 = (v2 << 31) + (mul_high(v2, e) >> 1);
+    const u128 t = static_cast<u128>(v3) * d + d;
+    const u64 v4 = v3 - static_cast<u64>(t >> 64) - d;
+    return {d, v4};
 }
 
 inline constexpr Reciprocal kTen19 = make_reciprocal(kPow10[19]);
@@ -298,11 +328,11 @@ inline u64 div_small(Nat &x, u64 d) {
 inline void divmod(const Nat &a, const Nat &b, Nat &q, Nat &r) {
     if (cmp(a, b) < 0) {
         q.n = 0;
-        r = a;
+        copy(r, a);
         return;
     }
     if (b.n == 1) {
-        q = a;
+        copy(q, a);
         set_u64(r, div_small(q, b.w[0]));
         return;
     }
