@@ -106,6 +106,44 @@ inline bool fits_result(const ExactNumericRef *r) {
     return r->length >= 1 && r->length <= 33;
 }
 
+// Up to 38 digits: one 128-bit word (magnitudes of at most 16 bytes).
+inline bool load128(const ExactNumericRef *x, u128 &v) {
+    const uint8_t *p = mag(x);
+    const int n = x->length - 1;
+    if (n == 16) {
+        v = (static_cast<u128>(wide::load_be64(p)) << 64) | wide::load_be64(p + 8);
+        return true;
+    }
+    if (n < 0 || n > 16) return false;
+    v = 0;
+    for (int i = 0; i < n; ++i)
+        v = (v << 8) | p[i];
+    return true;
+}
+
+// Stores v into r (magnitude of at most 32 bytes). Below 2^128 a value passes any precision
+// of 39 digits or more unchecked.
+inline int32_t store128(ExactNumericRef *r, u128 v, bool neg) {
+    if (r->precision >= 1 && r->precision <= 38) {
+        const wide::Pow10Limbs &lim = wide::kPow10Limbs.e[r->precision];
+        if (v >= ((static_cast<u128>(lim.w[1]) << 64) | lim.w[0])) return kOverflow;
+    }
+    uint8_t *p = mag(r);
+    const int n = r->length - 1;
+    if (n >= 16) {
+        std::memset(p, 0, static_cast<size_t>(n - 16));
+        wide::store_be64(p + n - 16, static_cast<u64>(v >> 64));
+        wide::store_be64(p + n - 8, static_cast<u64>(v));
+    } else {
+        u128 rest = v;
+        for (int i = n - 1; i >= 0; --i, rest >>= 8)
+            p[i] = static_cast<uint8_t>(rest);
+        if (rest != 0) return kOverflow;
+    }
+    r->bytes[0] = neg && v != 0 ? 1 : 0;
+    return kOk;
+}
+
 } // namespace
 
 namespace comn::nume {
@@ -118,6 +156,13 @@ namespace comn::nume {
 
 int32_t addorsub(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef *r,
                  int32_t op) {
+    if (u128 x, y; a->scale == b->scale && r->scale == a->scale && fits_result(r) &&
+                   load128(a, x) && load128(b, y)) {
+        const bool na = negative(a), nb = negative(b) != (op == COMN_NUME_SUB);
+        if (na != nb) return x >= y ? store128(r, x - y, na) : store128(r, y - x, nb);
+        if (x + y >= x) return store128(r, x + y, na);
+        // A carry out of 128 bits: the four-limb path below takes it.
+    }
     if (U256 fx, fy, fz; a->scale == b->scale && r->scale == a->scale && fits_result(r) &&
                          load256(a, fx) && load256(b, fy)) {
         const bool na = negative(a), nb = negative(b) != (op == COMN_NUME_SUB);
