@@ -7,6 +7,9 @@
 // Digits dropped there are rounded half away from zero on the first dropped digit, and the
 // result must fit the descriptor's precision and length, else the code is 1. Rounding is not
 // reported as an error: the result descriptor's scale is the caller's request.
+//
+// Sums and products that need no rescaling take fixed-width paths first: one 128-bit word
+// for operands of up to 38 digits, four 64-bit limbs for up to 32 magnitude bytes.
 #include <cstring>
 
 #include "numeric/descriptor.h"

@@ -16,8 +16,8 @@
 //
 // Runs of digits are converted eight at a time (SWAR) and folded into a wide magnitude
 // nineteen at a time, so a long number costs a few limb multiplications rather than one
-// pass over the area per digit. The magnitude cannot outgrow the area: at most `limit` significant
-// digits are taken, and 10^limit itself still fits.
+// pass over the area per digit. The magnitude cannot outgrow the area: at most `limit`
+// significant digits are taken, and 10^limit itself still fits.
 #include <algorithm>
 #include <cstring>
 
@@ -48,7 +48,7 @@ constexpr int32_t kExponentCap = 100000000; // far beyond any exponent that can 
 wide::u64 load_le64(const unsigned char *p) {
     wide::u64 v;
     std::memcpy(&v, p, 8);
-    return v; // the library targets little-endian machines (as the limb code does)
+    return v; // little-endian: the first character lands in the low byte
 }
 
 // True when all eight bytes are ASCII digits.

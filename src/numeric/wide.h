@@ -7,10 +7,14 @@
 #ifndef COMN_NUMERIC_WIDE_H
 #define COMN_NUMERIC_WIDE_H
 
+#include <bit>
 #include <cstdint>
 #include <cstring>
 
 namespace comn::wide {
+
+// Byte images are read and written with byte swaps of native 64-bit words.
+static_assert(std::endian::native == std::endian::little, "little-endian hosts only");
 
 using u64 = uint64_t;
 __extension__ using u128 = unsigned __int128;
