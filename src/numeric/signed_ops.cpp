@@ -32,6 +32,11 @@ struct U256 {
 inline bool load256(const ExactNumericRef *x, U256 &v) {
     const uint8_t *p = mag(x);
     int n = x->length - 1;
+    if (n == 32) { // precisions 75 to 77
+        v = U256{{wide::load_be64(p + 24), wide::load_be64(p + 16), wide::load_be64(p + 8),
+                  wide::load_be64(p)}};
+        return true;
+    }
     if (n < 0 || n > 32) return false;
     v = U256{};
     int i = 0;
@@ -90,6 +95,12 @@ inline int32_t store256(ExactNumericRef *r, const U256 &v, bool neg) {
     }
     uint8_t *p = mag(r);
     int n = r->length - 1;
+    if (n == 32) {
+        for (int k = 0; k < 4; ++k)
+            wide::store_be64(p + 24 - 8 * k, v.w[k]);
+        r->bytes[0] = neg && !is_zero(v) ? 1 : 0;
+        return kOk;
+    }
     int i = 0;
     for (; n >= 8; n -= 8)
         wide::store_be64(p + n - 8, v.w[i++]);
