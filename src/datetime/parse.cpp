@@ -257,15 +257,17 @@ const StyleRule *find_style(int32_t style) {
 }
 
 // The token list being parsed, with consumption helpers.
+// Only the tokens up to the end token are ever read: the slots after it hold nothing.
 struct Tokens {
     DateToken t[kMaxDateTokens];
+    int end = 0; // index of the end token
 
-    int32_t cls(int i) const { return i >= 0 && i < kMaxDateTokens ? t[i].cls : TOK_END; }
+    int32_t cls(int i) const { return i >= 0 && i < end ? t[i].cls : TOK_END; }
     bool is(int i, int32_t c) const { return cls(i) == c; }
     void use(int i) { t[i].cls = TOK_USED; }
     // First token of class c at index from or later, before the end token.
     int find_from(int from, int32_t c) const {
-        for (int i = from; i < kMaxDateTokens && t[i].cls != TOK_END; ++i)
+        for (int i = from; i < end; ++i)
             if (t[i].cls == c) return i;
         return -1;
     }
@@ -404,7 +406,10 @@ bool tokenize(const char *text, int32_t len, const char *const *months, const ch
     for (int i = 0; i < kMaxDateTokens; ++i) {
         tokenize_one(p, rem, tk.t[i], months, shorts, ch);
         if (tk.t[i].cls == TOK_ERROR) return false;
-        if (tk.t[i].cls == TOK_END) return true;
+        if (tk.t[i].cls == TOK_END) {
+            tk.end = i;
+            return true;
+        }
     }
     return false;
 }

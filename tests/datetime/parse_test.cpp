@@ -169,6 +169,18 @@ TEST(DateParse, HostileBytesStayWithinTheLength) {
     EXPECT_EQ(com__datefromchar_mb(&dt, "x", -5, 0, 1, nullptr, nullptr, nullptr), 0);
 }
 
+TEST(DateParse, NothingBeyondTheEndTokenIsRead) {
+    // A parse that leaves colons and numbers in the token slots, then texts with fewer
+    // tokens: the slots after their end token must not be taken for theirs.
+    const std::string cases[] = {"", "1999", "PM", "10"};
+    for (const std::string &s : cases) {
+        EXPECT_EQ(parse("1:2:3:4:5:6:7:8:9").rc, -2);
+        const int32_t want = s == "PM" || s == "10" ? -2 : 0;
+        EXPECT_EQ(parse(s).rc, want) << '"' << s << '"';
+        EXPECT_EQ(parse(s, 101).rc, want) << '"' << s << '"';
+    }
+}
+
 TEST(DateParse, TimeOnlyAndSmallDatetime) {
     DateTimeValue dt{5, 5};
     EXPECT_EQ(com__timefromchar_mb(&dt, "10:30:15.5 PM", 13, 0, nullptr), 0);
