@@ -289,25 +289,4 @@ TEST(DateParse, CharacterAttributesDecideClassesAndFolding) {
               -1);
 }
 
-TEST(DateParse, HelperRules) {
-    struct {
-        int in, rc, out;
-    } years[] = {{0, 0, 2000}, {49, 0, 2049}, {50, 0, 1950}, {99, 0, 1999}, {100, 1, 100}};
-    for (auto y : years) {
-        int32_t v = y.in;
-        EXPECT_EQ(com__year2digit(&v), y.rc);
-        EXPECT_EQ(v, y.out);
-    }
-    struct {
-        int hour, pm, rc, out;
-    } hours[] = {{0, 1, 9, 0}, {1, 1, 0, 13}, {11, 1, 0, 23}, {12, 1, 0, 12}, {13, 1, 0, 13},
-                 {0, 0, 0, 0}, {12, 0, 0, 0}, {13, 0, 9, 13}, {11, 0, 0, 11}};
-    for (auto h : hours) {
-        DateRec r{};
-        r.hour = h.hour;
-        EXPECT_EQ(com__amcheck(&r, h.pm), h.rc) << h.hour << h.pm;
-        EXPECT_EQ(r.hour, h.out) << h.hour << h.pm;
-    }
-}
-
 } // namespace
