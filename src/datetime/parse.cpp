@@ -206,9 +206,9 @@ void tokenize_one(const uint8_t *&p, int32_t &rem, DateToken &tok, const char *c
         // A word: letters while they last.
         const uint8_t *start = p;
         int32_t chars = 0;
-        for (;;) {
+        while (rem > 0) {
             const int32_t m = ch.length(p);
-            if (rem <= 0 || m > rem || !(ch.bits(p, m) & (COM_CT_UPPER | COM_CT_LOWER))) break;
+            if (m > rem || !(ch.bits(p, m) & (COM_CT_UPPER | COM_CT_LOWER))) break;
             p += m;
             rem -= m;
             ++chars;
