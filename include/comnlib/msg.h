@@ -62,7 +62,7 @@ COMN_API char *com_getenv(const char *name);
 /* ---- State tables ----
    A verification list is a run of token bytes ended by a byte of 255 or more; a transition
    list a run of (event, next state) pairs ended by an event byte of 255. */
-#define COM_ST_SAME 149   /* next state: stay where you are */
+#define COM_ST_SAME 149    /* next state: stay where you are */
 #define COM_ST_NOTRANS 254 /* no transition for the event */
 
 COMN_API int32_t com_st_ver(const uint8_t *const *table, int32_t state, int32_t token);

@@ -54,21 +54,23 @@ void store(void *p, T v) {
     std::memcpy(p, &v, sizeof v);
 }
 
-// Float source to integer destination: bounds compared exactly in long double, then
-// truncation toward zero. [lo, float_hi] is the accepted range.
+// Float source to integer destination: bounds compared, then truncation toward zero.
+// [lo, float_hi] is the accepted range. Every bound is an integer of at most 2^31 in
+// magnitude, exact in a double, and a single widens to double exactly, so comparing in
+// double is as exact as comparing in extended precision.
 template <typename D, typename F>
 int32_t float_to_int(F x, void *dest) {
     using T = typename D::type;
-    const long double v = x;
+    const double v = x;
     if (std::isnan(v)) {
         store<T>(dest, 0);
         return CS_CONV_OVERFLOW;
     }
-    if (v < static_cast<long double>(D::lo)) {
+    if (v < static_cast<double>(D::lo)) {
         store<T>(dest, static_cast<T>(D::lo));
         return CS_CONV_OVERFLOW;
     }
-    if (v > static_cast<long double>(D::float_hi)) {
+    if (v > static_cast<double>(D::float_hi)) {
         store<T>(dest, static_cast<T>(D::hi));
         return CS_CONV_OVERFLOW;
     }

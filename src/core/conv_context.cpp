@@ -66,14 +66,16 @@ COMN_API ComConvFunc com__conv_usr_func(ComContext *ctx, int32_t src, int32_t ds
 }
 
 COMN_API ComConvFunc com_conv_func(ComContext *ctx, int32_t src, int32_t dst) {
-    if (src < 0 || dst < 0) return nullptr;
-    if (src < COMN_CONV_DIM && dst < COMN_CONV_DIM) {
+    // The hot path of every conversion: negative ids wrap to huge unsigned values and so
+    // fall through to the test below.
+    const auto s = static_cast<uint32_t>(src), d = static_cast<uint32_t>(dst);
+    if (s < COMN_CONV_DIM && d < COMN_CONV_DIM) {
         // A context whose table was freed (or never made) has no conversions.
-        if (!ctx->conv.conv_table || static_cast<uint32_t>(src) >= ctx->conv.conv_dim ||
-            static_cast<uint32_t>(dst) >= ctx->conv.conv_dim)
-            return nullptr;
-        return ctx->conv.conv_table[src * ctx->conv.conv_dim + dst];
+        const uint32_t dim = ctx->conv.conv_dim;
+        if (s >= dim || d >= dim || !ctx->conv.conv_table) return nullptr;
+        return ctx->conv.conv_table[s * dim + d];
     }
+    if (src < 0 || dst < 0) return nullptr;
     return com__conv_usr_func(ctx, src, dst);
 }
 

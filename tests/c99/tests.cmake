@@ -8,3 +8,10 @@ add_test(NAME c99_consumer COMMAND comn_c99_consumer)
 # Only the library's own names may leave libcomn.so.
 add_test(NAME exported_symbols
   COMMAND ${CMAKE_COMMAND} -DLIB=$<TARGET_FILE:comn> -P ${CMAKE_CURRENT_LIST_DIR}/check_exports.cmake)
+
+# The installed package works from CMake and from pkg-config (not under sanitizers, whose
+# runtime the plain consumer would not link).
+if(NOT COMN_SANITIZE)
+  add_test(NAME install_and_consume
+    COMMAND ${CMAKE_CURRENT_LIST_DIR}/install_check.sh ${PROJECT_BINARY_DIR} ${CMAKE_CURRENT_LIST_DIR})
+endif()

@@ -1,0 +1,77 @@
+// The default conversion table, cell by cell, against the reference table by routine name.
+// A cell must hold exactly the routine the library exports under that name; a routine the
+// library does not (yet) export must leave its cell empty rather than hold something else.
+#include <gtest/gtest.h>
+
+#include <dlfcn.h>
+
+#include "comnlib.h"
+
+namespace {
+
+const char *const kExpected[24][24] = {
+#include "core/expected_conv_table.inc"
+};
+
+class ConvTable : public testing::Test {
+  protected:
+    void SetUp() override {
+        lib_ = dlopen(COMN_SHARED_LIB, RTLD_NOW | RTLD_LOCAL);
+        ASSERT_NE(lib_, nullptr) << dlerror();
+        auto get = reinterpret_cast<void (*)(const ComConvFunc **, uint32_t *)>(
+            dlsym(lib_, "com__get_ctbl"));
+        ASSERT_NE(get, nullptr);
+        get(&table_, &dim_);
+    }
+    void TearDown() override {
+        if (lib_) dlclose(lib_);
+    }
+    void *lib_ = nullptr;
+    const ComConvFunc *table_ = nullptr;
+    uint32_t dim_ = 0;
+};
+
+TEST_F(ConvTable, EveryCellMatchesTheReference) {
+    ASSERT_EQ(dim_, 24u);
+    int present = 0, missing = 0;
+    for (int s = 0; s < 24; ++s) {
+        for (int d = 0; d < 24; ++d) {
+            const void *cell = reinterpret_cast<const void *>(table_[s * 24 + d]);
+            const char *name = kExpected[s][d];
+            if (!name) {
+                EXPECT_EQ(cell, nullptr) << "(" << s << ", " << d << ") should be empty";
+                continue;
+            }
+            void *sym = dlsym(lib_, name);
+            if (sym) {
+                ++present;
+                EXPECT_EQ(cell, sym) << "(" << s << ", " << d << ") should be " << name;
+            } else {
+                ++missing;
+                EXPECT_EQ(cell, nullptr) << "(" << s << ", " << d << ") holds a routine but "
+                                         << name << " is not exported";
+            }
+        }
+    }
+    // Shown in the test log, so the state of the table is visible until it is complete.
+    std::printf("conversion table: %d cells wired, %d routines not yet in the library\n", present,
+                missing);
+}
+
+TEST_F(ConvTable, DocumentedGapsStayEmpty) {
+    auto at = [&](int s, int d) { return table_[s * 24 + d]; };
+    EXPECT_EQ(at(CS_BIT, CS_MONEY), nullptr);
+    EXPECT_EQ(at(CS_BIT, CS_MONEY4), nullptr);
+    EXPECT_EQ(at(CS_DATETIME, CS_BINARY), nullptr);
+    EXPECT_EQ(at(CS_INT, CS_DATETIME), nullptr);
+    EXPECT_EQ(at(CS_BINARY, CS_SENSITIVITY), nullptr);
+    EXPECT_EQ(at(CS_SENSITIVITY, CS_BOUNDARY), nullptr);
+    for (int i = 0; i < 24; ++i) {
+        EXPECT_EQ(at(CS_LONG, i), nullptr);
+        if (i != CS_VOID) {
+            EXPECT_EQ(at(i, CS_LONG), nullptr);
+        }
+    }
+}
+
+} // namespace
