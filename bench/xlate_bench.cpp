@@ -87,6 +87,50 @@ size_t run_comn(const Bytes &in, Bytes &out, size_t piece, const void *arg) {
     return done;
 }
 
+// The same through the public driver, as a character conversion calls it: each piece is a
+// CS_CHAR value whose format carries a locale handle of the set.
+struct Locale {
+    CharAttrib attr{};
+    ComCharsetDesc desc{};
+    LocaleRecord rec{};
+    LocaleHandle handle{};
+    explicit Locale(uint8_t id) {
+        attr.xlate_id = id;
+        desc.attr = &attr;
+        rec.charset_desc = &desc;
+        handle.ctype = &rec;
+    }
+};
+
+struct DriverPair {
+    Locale *from, *to;
+};
+
+size_t run_driver(const Bytes &in, Bytes &out, size_t piece, const void *arg) {
+    const auto *p = static_cast<const DriverPair *>(arg);
+    DataFormat sf{}, df{};
+    sf.datatype = df.datatype = CS_CHAR;
+    sf.locale = &p->from->handle;
+    df.locale = &p->to->handle;
+    size_t pos = 0, done = 0;
+    while (pos < in.size()) {
+        const size_t n = piece ? std::min(piece, in.size() - pos) : in.size() - pos;
+        sf.maxlength = static_cast<int32_t>(n);
+        df.maxlength = static_cast<int32_t>(out.size() - done);
+        int32_t len, state[2];
+        com_intl_xlate(nullptr, &sf, const_cast<uint8_t *>(in.data() + pos), &df, out.data() + done,
+                       &len, state);
+        if (state[0] == 0) break;
+        pos += static_cast<size_t>(state[0]);
+        done += static_cast<size_t>(state[1]);
+    }
+    return done;
+}
+
+Locale k_iso1(COM_XLT_ISO1), k_cp850(COM_XLT_CP850), k_euc(COM_XLT_EUCJIS), k_sjis(COM_XLT_SJIS);
+const DriverPair k_drv_iso1_cp850{&k_iso1, &k_cp850};
+const DriverPair k_drv_euc_sjis{&k_euc, &k_sjis};
+
 struct IconvPair {
     const char *to, *from;
 };
@@ -203,12 +247,14 @@ void register_all() {
             benchmark::RegisterBenchmark(name, bench, text, t, arg, piece, expect);
         };
         add("iso1_to_cp850/comnlib", iso1_text, run_comn, iso, nullptr);
+        add("iso1_to_cp850/comnlib_driver", iso1_text, run_driver, &k_drv_iso1_cp850, iso_ref);
         add("iso1_to_cp850/iconv", iso1_text, run_iconv, &k_iso1_cp850, iso_ref);
 #ifdef HAVE_ICU
         add("iso1_to_cp850/icu", iso1_text, run_icu, &k_icu_iso1_cp850, iso_ref);
 #endif
         if (!piece) add("iso1_to_cp850/plain_table", iso1_text, run_plain_table, nullptr, iso_ref);
         add("euc_to_sjis/comnlib", euc_text, run_comn, euc, nullptr);
+        add("euc_to_sjis/comnlib_driver", euc_text, run_driver, &k_drv_euc_sjis, euc_ref);
         add("euc_to_sjis/iconv", euc_text, run_iconv, &k_euc_sjis, euc_ref);
 #ifdef HAVE_ICU
         add("euc_to_sjis/icu", euc_text, run_icu, &k_icu_euc_sjis, nullptr);

@@ -13,8 +13,14 @@ const LocaleHandle *handle_of(const ComContext *ctx, const DataFormat *fmt) {
     return ctx != nullptr ? ctx->conv.default_locale : nullptr;
 }
 
+int32_t record_csid(const LocaleRecord *rec) {
+    if (rec != nullptr && rec->charset_desc != nullptr && rec->charset_desc->attr != nullptr)
+        return rec->charset_desc->attr->xlate_id;
+    return com_get_charattrib()->xlate_id;
+}
+
 int32_t handle_csid(const LocaleHandle *h) {
-    return com__intl_get_csid(h != nullptr ? h->ctype : nullptr);
+    return record_csid(h != nullptr ? h->ctype : nullptr);
 }
 
 struct Pair {
@@ -37,10 +43,7 @@ Pair resolve(const ComContext *ctx, const DataFormat *srcfmt, const DataFormat *
 extern "C" {
 
 COMN_API int32_t com__intl_get_csid(LocaleRecord *rec) {
-    const CharAttrib *attr = com_get_charattrib();
-    if (rec != nullptr && rec->charset_desc != nullptr && rec->charset_desc->attr != nullptr)
-        attr = rec->charset_desc->attr;
-    return attr->xlate_id;
+    return record_csid(rec);
 }
 
 COMN_API int32_t com_intl_will_xlate(ComContext *ctx, DataFormat *srcfmt, DataFormat *destfmt,

@@ -171,10 +171,9 @@ int32_t convert(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstlen
         // Fast loop over ASCII bytes and ordinary pairs. In it a byte from 80 always leads a
         // valid pair, so the step is 1 + its top bit: the only dependency from one character
         // to the next is that byte, and the validity test is a branch that holds until an
-        // unusual character comes. Both output bytes are stored every time (an ASCII byte's
-        // second store is overwritten by the next character); stopping three bytes short of
-        // the end keeps every store inside the characters taken, whatever follows.
-        while (i + 3 < n) {
+        // unusual character comes. The stores are free of branches too: an ASCII byte is
+        // stored twice at its own place, a pair at its two places.
+        while (i + 1 < n) {
             const unsigned b0 = src[i], b1 = src[i + 1];
             const unsigned hi = b0 >> 7; // 1: b0 leads a pair
             if (hi & ~(leads[b0] & trails[b1])) break;
@@ -187,7 +186,7 @@ int32_t convert(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstlen
             }
             const unsigned keep = hi - 1; // all ones for an ASCII byte
             dst[i] = static_cast<uint8_t>((b0 & keep) | (c1 & ~keep));
-            dst[i + 1] = static_cast<uint8_t>(c2);
+            dst[i + hi] = static_cast<uint8_t>((b0 & keep) | (c2 & ~keep));
             i += 1 + static_cast<int32_t>(hi);
         }
         if (i >= n) break;
