@@ -14,95 +14,184 @@
 // character cut by the end of the source or of the destination is left for the next call.
 #include "xlate_internal.h"
 
+#include <array>
+
 namespace comn {
 namespace {
 
 // One source character.
 struct Char {
-    enum Kind : uint8_t { Ascii, Jis, Other, Cut } kind;
+    enum Kind : uint8_t { Jis, Other, Cut } kind;
     uint8_t len; // bytes it takes (for Cut: bytes it needs)
-    uint8_t c1;  // Ascii: the byte; Jis: A0 + row
-    uint8_t c2;  //                  Jis: A0 + cell
+    uint8_t c1;  // Jis: A0 + row
+    uint8_t c2;  // Jis: A0 + cell
 };
 
 constexpr bool in(unsigned b, unsigned lo, unsigned hi) {
     return b >= lo && b <= hi;
 }
 
-// Reads a pair whose lead byte is an A1-FE row, as eucjis and deckanji share it.
+// A 256-entry byte table of f over every byte, so that the fast loop takes no branch on the
+// character it translates.
+template <class F>
+constexpr std::array<uint8_t, 256> table(F f) {
+    std::array<uint8_t, 256> t{};
+    for (unsigned b = 0; b < 256; ++b)
+        t[b] = static_cast<uint8_t>(f(b));
+    return t;
+}
+
+// ---- The byte arithmetic of each set ----
+
+constexpr bool euc_byte(unsigned b) {
+    return in(b, 0xA1, 0xFE);
+}
+
+// Shift-JIS leads F0-FC (user-defined) are not JIS X 0208; read() makes them "??".
+constexpr bool sjis_lead(unsigned b) {
+    return in(b, 0x81, 0x9F) || in(b, 0xE0, 0xEF);
+}
+constexpr bool sjis_trail(unsigned b) {
+    return in(b, 0x40, 0x7E) || in(b, 0x80, 0xFC);
+}
+// Row pair of a lead byte: 81-9F hold pairs 1..31, E0-EF pairs 32..47.
+constexpr unsigned sjis_row_pair(unsigned s1) {
+    return s1 <= 0x9F ? s1 - 0x80 : s1 - 0xC0;
+}
+// A second byte from 9F is in the even row of the pair, cells numbered from 9F; below it the
+// odd row, cells numbered from 40 skipping 7F.
+constexpr unsigned sjis_cell(unsigned s2) {
+    return s2 >= 0x9F ? s2 - 0x9E : s2 - (s2 < 0x80 ? 0x3F : 0x40); // [1, 94]
+}
+// The other way: h = (c1 + 1) / 2 plus 30, or plus 70 from h = 70 on; an odd row's cells go to
+// 40-7E and 80-9E, an even row's to 9F-FC.
+constexpr unsigned sjis_lead_of(unsigned c1) {
+    const unsigned h = (c1 + 1) / 2; // [51, 7F]
+    return h < 0x70 ? h + 0x30 : h + 0x70;
+}
+constexpr unsigned sjis_trail_of(unsigned odd, unsigned c2) {
+    return odd ? (c2 < 0xE0 ? c2 - 0x61 : c2 - 0x60) : c2 - 2;
+}
+
+constexpr auto Sjis_pairs = table([](unsigned b) { return sjis_lead(b) ? sjis_row_pair(b) : 0; });
+constexpr auto Sjis_cells =
+    table([](unsigned b) { return sjis_trail(b) ? 0xA0 + sjis_cell(b) : 0; });
+constexpr auto Sjis_leads_of = table(sjis_lead_of);
+// Second bytes of even rows (0-FF), then of odd rows (100-1FF).
+constexpr auto Sjis_trails_of = [] {
+    std::array<uint8_t, 512> t{};
+    for (unsigned b = 0; b < 512; ++b)
+        t[b] = static_cast<uint8_t>(sjis_trail_of(b >> 8, b & 0xFF));
+    return t;
+}();
+
+// ---- Readers: lead() and trail() accept exactly the pairs that read() returns as Jis, and
+// jis() gives that pair as A0 + row, A0 + cell. read() sees a first byte from 80. ----
+
+// A pair led by an A1-FE row byte, as eucjis and deckanji share it.
 constexpr Char euc_pair(const uint8_t *p, int32_t left) {
     if (left < 2) return {Char::Cut, 2, 0, 0};
-    if (in(p[1], 0xA1, 0xFE)) return {Char::Jis, 2, p[0], p[1]};
+    if (euc_byte(p[1])) return {Char::Jis, 2, p[0], p[1]};
     return {Char::Other, 2, 0, 0};
 }
 
 struct FromEuc {
+    static constexpr bool lead(unsigned b) { return euc_byte(b); }
+    static constexpr bool trail(unsigned b) { return euc_byte(b); }
+    static constexpr void jis(unsigned b0, unsigned b1, unsigned &c1, unsigned &c2) {
+        c1 = b0;
+        c2 = b1;
+    }
     static constexpr Char read(const uint8_t *p, int32_t left) {
         const unsigned b = p[0];
         if (b == 0x8E) return {left < 2 ? Char::Cut : Char::Other, 2, 0, 0};
         if (b == 0x8F) return {left < 3 ? Char::Cut : Char::Other, 3, 0, 0};
-        if (in(b, 0xA1, 0xFE)) return euc_pair(p, left);
+        if (euc_byte(b)) return euc_pair(p, left);
         return {Char::Other, 1, 0, 0};
     }
 };
 
-struct FromDecKanji {
+struct FromDecKanji : FromEuc {
     static constexpr Char read(const uint8_t *p, int32_t left) {
-        if (in(p[0], 0xA1, 0xFE)) return euc_pair(p, left);
+        if (euc_byte(p[0])) return euc_pair(p, left);
         return {Char::Other, 1, 0, 0};
     }
 };
 
 struct FromSjis {
+    static constexpr bool lead(unsigned b) { return sjis_lead(b); }
+    static constexpr bool trail(unsigned b) { return sjis_trail(b); }
+    static constexpr void jis(unsigned s1, unsigned s2, unsigned &c1, unsigned &c2) {
+        const unsigned even = s2 >= 0x9F;
+        c1 = 0xA0 + 2 * Sjis_pairs[s1] - 1 + even; // A0 + [1, 94]
+        c2 = Sjis_cells[s2];
+    }
     static constexpr Char read(const uint8_t *p, int32_t left) {
         const unsigned s1 = p[0];
         if (!in(s1, 0x81, 0x9F) && !in(s1, 0xE0, 0xFC)) return {Char::Other, 1, 0, 0};
         if (left < 2) return {Char::Cut, 2, 0, 0};
         const unsigned s2 = p[1];
-        if (s1 > 0xEF || !(in(s2, 0x40, 0x7E) || in(s2, 0x80, 0xFC))) return {Char::Other, 2, 0, 0};
-        // Row pair of the lead byte: 81-9F hold pairs 1..31, E0-EF pairs 32..47.
-        const unsigned pair = s1 <= 0x9F ? s1 - 0x80 : s1 - 0xC0; // [1, 47]
-        const bool even = s2 >= 0x9F;
-        const unsigned row = 2 * pair - (even ? 0 : 1);                          // [1, 94]
-        const unsigned cell = even ? s2 - 0x9E : s2 - (s2 < 0x80 ? 0x3F : 0x40); // [1, 94]
-        return {Char::Jis, 2, static_cast<uint8_t>(0xA0 + row), static_cast<uint8_t>(0xA0 + cell)};
+        if (!sjis_lead(s1) || !sjis_trail(s2)) return {Char::Other, 2, 0, 0};
+        unsigned c1 = 0, c2 = 0;
+        jis(s1, s2, c1, c2);
+        return {Char::Jis, 2, static_cast<uint8_t>(c1), static_cast<uint8_t>(c2)};
     }
 };
 
-// Writers of a JIS X 0208 character, given as A0 + row, A0 + cell.
+// ---- Writers of a JIS X 0208 pair given as A0 + row, A0 + cell ----
+
 struct ToEuc {
     static constexpr bool has_jis = true;
-    static void write(uint8_t *d, unsigned c1, unsigned c2) {
-        d[0] = static_cast<uint8_t>(c1);
-        d[1] = static_cast<uint8_t>(c2);
-    }
+    static constexpr void pair(unsigned &, unsigned &) {}
 };
 
 struct ToSjis {
     static constexpr bool has_jis = true;
-    static void write(uint8_t *d, unsigned c1, unsigned c2) {
-        const unsigned h = (c1 + 1) / 2; // [51, 7F]
-        d[0] = static_cast<uint8_t>(h < 0x70 ? h + 0x30 : h + 0x70);
-        if (c1 & 1)
-            d[1] = static_cast<uint8_t>(c2 < 0xE0 ? c2 - 0x61 : c2 - 0x60);
-        else
-            d[1] = static_cast<uint8_t>(c2 - 2);
+    static constexpr void pair(unsigned &c1, unsigned &c2) {
+        c2 = Sjis_trails_of[(c1 & 1) << 8 | (c2 & 0xFF)];
+        c1 = Sjis_leads_of[c1 & 0xFF];
     }
 };
 
 struct ToAscii {
     static constexpr bool has_jis = false;
-    static void write(uint8_t *, unsigned, unsigned) {}
+    static constexpr void pair(unsigned &, unsigned &) {}
 };
 
 template <class From, class To>
 int32_t convert(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstlen, int32_t *consumed,
                 int32_t *produced) {
+    static constexpr auto leads = table(From::lead);
+    static constexpr auto trails = table(From::trail);
     const XlateSpan span = xlate_span(srclen, dstlen);
     const int32_t n = span.n;
-    int32_t bits = span.bits;
+    unsigned bad = 0;
     int32_t i = 0;
-    while (i < n) {
+    for (;;) {
+        // Fast loop over ASCII bytes and ordinary pairs. In it a byte from 80 always leads a
+        // valid pair, so the step is 1 + its top bit: the only dependency from one character
+        // to the next is that byte, and the validity test is a branch that holds until an
+        // unusual character comes. The stores are free of branches too: an ASCII byte is
+        // stored twice at its own place, a pair at its two places.
+        while (i + 1 < n) {
+            const unsigned b0 = src[i], b1 = src[i + 1];
+            const unsigned hi = b0 >> 7; // 1: b0 leads a pair
+            if (hi & ~(leads[b0] & trails[b1])) break;
+            unsigned c1 = 0, c2 = 0;
+            From::jis(b0, b1, c1, c2);
+            To::pair(c1, c2);
+            if constexpr (!To::has_jis) {
+                c1 = c2 = '?';
+                bad |= hi;
+            }
+            const unsigned keep = hi - 1; // all ones for an ASCII byte
+            dst[i] = static_cast<uint8_t>((b0 & keep) | (c1 & ~keep));
+            dst[i + hi] = static_cast<uint8_t>((b0 & keep) | (c2 & ~keep));
+            i += 1 + static_cast<int32_t>(hi);
+        }
+        if (i >= n) break;
+
+        // One character the careful way: the end of the text, or an unusual character.
         if (src[i] < 0x80) {
             dst[i] = src[i];
             ++i;
@@ -111,17 +200,20 @@ int32_t convert(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstlen
         const Char c = From::read(src + i, n - i);
         if (c.kind == Char::Cut) break; // leave it for the next call
         if (To::has_jis && c.kind == Char::Jis) {
-            To::write(dst + i, c.c1, c.c2);
+            unsigned c1 = c.c1, c2 = c.c2;
+            To::pair(c1, c2);
+            dst[i] = static_cast<uint8_t>(c1);
+            dst[i + 1] = static_cast<uint8_t>(c2);
         } else {
             for (int k = 0; k < c.len; ++k)
                 dst[i + k] = '?';
-            bits |= COM_XLT_BADCHAR;
+            bad = 1;
         }
         i += c.len;
     }
     *consumed = i;
     *produced = i;
-    return bits;
+    return span.bits | (bad ? COM_XLT_BADCHAR : 0);
 }
 
 } // namespace

@@ -8,6 +8,8 @@
 #include "xlate_internal.h"
 #include "xlate_dispatch.h"
 
+#include <array>
+
 namespace {
 
 constexpr uint8_t NONE = COM_XLT_MODE_NONE, COPY = COM_XLT_MODE_COPY, ASC = COM_XLT_MODE_ASCII,
@@ -90,15 +92,34 @@ extern "C" COMN_API constinit const ComXltRow Com_fou_xlt_map[COM_XLT_NSETS] = {
 // clang-format on
 
 namespace comn {
+namespace {
+
+// Position of each set id among the rows and cells, or -1 for an id the table does not know.
+constexpr int8_t k_nowhere = -1;
+constexpr auto k_position = [] {
+    constexpr uint8_t ids[COM_XLT_NSETS] = {
+        COM_XLT_ASCII8, COM_XLT_ISO1,   COM_XLT_CP850, COM_XLT_CP437,    COM_XLT_ROMAN8,
+        COM_XLT_MAC,    COM_XLT_EUCJIS, COM_XLT_SJIS,  COM_XLT_DECKANJI, COM_XLT_CASESWAP};
+    std::array<int8_t, 256> pos{};
+    pos.fill(k_nowhere);
+    for (int i = 0; i < COM_XLT_NSETS; ++i)
+        pos[ids[i]] = static_cast<int8_t>(i);
+    return pos;
+}();
+
+} // namespace
 
 const ComXltCell *xlate_cell(int32_t src_id, int32_t dst_id) {
-    for (const ComXltRow &row : Com_fou_xlt_map) {
-        if (row.src_id != src_id) continue;
-        for (const ComXltCell &cell : row.cells)
-            if (cell.dest_id == dst_id) return &cell;
-        return nullptr;
-    }
-    return nullptr;
+    if (src_id < 0 || src_id > 255 || dst_id < 0 || dst_id > 255) return nullptr;
+    const int r = k_position[static_cast<size_t>(src_id)];
+    const int c = k_position[static_cast<size_t>(dst_id)];
+    if (r == k_nowhere || c == k_nowhere) return nullptr;
+    const ComXltRow &row = Com_fou_xlt_map[r];
+    const ComXltCell &cell = row.cells[c];
+    // Rows and cells are laid out in id order; the check keeps a slip in the table from
+    // handing out the wrong converter.
+    if (row.src_id != src_id || cell.dest_id != dst_id) return nullptr;
+    return &cell;
 }
 
 } // namespace comn

@@ -170,6 +170,20 @@ TEST(XlateJapanese, Cases) {
         EXPECT_EQ(o.bits, c.bits);
         EXPECT_EQ(o.consumed, static_cast<int32_t>(c.out.size()));
         EXPECT_EQ(o.produced, static_cast<int32_t>(c.out.size()));
+        // The same characters inside a longer text, where the converters take their fast path.
+        if (c.room != c.in.size() || c.out.size() != c.in.size()) continue;
+        Bytes in = {'a', 'b', 'c', 'd'}, want = in;
+        in.insert(in.end(), c.in.begin(), c.in.end());
+        want.insert(want.end(), c.out.begin(), c.out.end());
+        for (int k = 0; k < 4; ++k) {
+            in.insert(in.end(), c.in.begin(), c.in.end());
+            want.insert(want.end(), c.out.begin(), c.out.end());
+        }
+        in.insert(in.end(), {'w', 'x', 'y', 'z'});
+        want.insert(want.end(), {'w', 'x', 'y', 'z'});
+        const Out e = run(c.f, in);
+        EXPECT_EQ(e.text, want);
+        EXPECT_EQ(e.bits, c.bits);
     }
 }
 
