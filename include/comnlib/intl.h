@@ -89,6 +89,34 @@ typedef struct LocaleHandle {
     struct LocaleHandle *next;
 } LocaleHandle;
 
+/* ---- Platform reader: installation home, environment, sectioned text files ----
+   The file syntax is described in docs/intl_files.md. Strings handed out by the reader stay
+   valid until intl_close. Failures are negative INTL_E_ statuses. */
+#define INTL_E_NOMEM (-1)   /* an allocation failed */
+#define INTL_E_OPEN (-2)    /* the file cannot be opened or read */
+#define INTL_E_SYNTAX (-3)  /* malformed line: header, entry without '=', open quote, ... */
+#define INTL_E_TOOBIG (-4)  /* file larger than INTL_FILE_MAX */
+#define INTL_E_BINARY (-5)  /* the file holds a NUL byte */
+#define INTL_E_NOHOME (-6)  /* neither VELDAR nor the home of the user veldar is known */
+#define INTL_E_TOOLONG (-7) /* a value does not fit the caller's buffer */
+#define INTL_E_ARG (-8)     /* a null handle, path or buffer */
+
+#define INTL_FILE_MAX (16L * 1024 * 1024)
+
+typedef struct IntlFile IntlFile;
+
+/* The installation home: VELDAR, else the home directory of the user veldar. Returns the
+   length (>= 0) with the path terminated in buf, or a negative status. */
+COMN_API int32_t intl_home(char *buf, int32_t size);
+/* A variable's value: its length (> 0) with the value in buf; 0 when unset, empty or name is
+   null; a negative status when it does not fit. */
+COMN_API int32_t intlgetenv(char *buf, int32_t size, const char *name);
+COMN_API int32_t intl_open(const char *path, IntlFile **handle);
+COMN_API char *intl_nextsection(IntlFile *handle, int32_t *status);
+COMN_API char *intl_nextentry(IntlFile *handle, int32_t *status);
+COMN_API char *intl_nextvalue(IntlFile *handle, int32_t *status);
+COMN_API int32_t intl_close(IntlFile *handle);
+
 COMN_END_DECLS
 
 #endif
