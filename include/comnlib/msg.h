@@ -76,6 +76,190 @@ COMN_API int32_t com_st_depend(const ComStDepend *record, int32_t key, int32_t *
 COMN_API int32_t com_st_trans(const uint8_t *const *table, int32_t state, int32_t event);
 COMN_API int32_t com_ns_trans(const uint8_t *const *table, int32_t state, int32_t event);
 
+/* ---- Message files and the error cache ----
+   A message file ("cslib.loc", "ctlib.loc", ...) lies in the directory of a locale and is read
+   through the platform reader: named sections of entries "number = sqlstate, text". The
+   messages loaded from it are cached per locale record (LocaleRecord.msgcache), at most
+   COM_ERR_CACHE_MAX of them; a message that is not cached is read from the file on demand. */
+#define COM_ERR_CACHE_MAX 100
+#define COM_ERR_SQLSTATE_SIZE 8 /* at most seven characters and a terminator */
+
+struct LocaleRecord;
+struct IntlFile;
+
+/* A section the caller needs: its id and its name in the file (exact, case-sensitive). */
+typedef struct ComErrSection {
+    int32_t id;
+    const char *name;
+} ComErrSection;
+
+/* A message: its section id and its number within the section. Preload lists and lookups
+   use the same pair. */
+typedef struct ComErrKey {
+    int32_t section;
+    int32_t number;
+} ComErrKey;
+
+/* Who owns the loaded messages and where the file is: the locale record names the language
+   and charset directory and holds the cache; file is the message file's name. */
+typedef struct ComErrCtx {
+    struct LocaleRecord *locale;
+    const char *file;
+} ComErrCtx;
+
+/* One cached message. */
+typedef struct ComErrEntry {
+    char sqlstate[COM_ERR_SQLSTATE_SIZE];
+    int32_t number;
+    char *text;                      /* owned, escapes resolved */
+    struct ComErrSect *section;      /* the section record it belongs to */
+    struct ComErrEntry *next_loaded; /* the owner's load-order list, newest first */
+    struct ComErrEntry *next;        /* the section's list */
+} ComErrEntry;
+
+/* One section of a loaded file. */
+typedef struct ComErrSect {
+    int32_t id;
+    char *name; /* owned */
+    ComErrEntry *entries;
+    struct ComErrSect *next;
+} ComErrSect;
+
+/* One loaded message file. */
+typedef struct ComErrFile {
+    char *name; /* owned */
+    ComErrSect *sections;
+    struct ComErrFile *next;
+} ComErrFile;
+
+/* The message cache of a locale record. */
+typedef struct ComMsgCache {
+    ComErrFile *files;
+    ComErrEntry *loaded; /* every cached entry, newest first */
+    int32_t count;
+} ComMsgCache;
+
+COMN_API int32_t com_err_init(ComContext *ctx, ComErrCtx *errctx, const ComErrSection *sections,
+                              int32_t section_count, const ComErrKey *preloads,
+                              int32_t preload_count);
+/* The text of a message, loading it on demand. The text belongs to the cache and stays valid
+   until the cache drops the entry (a later load may evict it). */
+COMN_API int32_t com_err_msg(ComContext *ctx, ComErrCtx *errctx, const ComErrKey *key,
+                             const char **text);
+/* Copies the SQL state (terminated when there is room); CS_FAIL when it is longer than
+   buflen, with its length in *outlen. */
+COMN_API int32_t com_err_sqlstate(ComContext *ctx, ComErrCtx *errctx, int32_t number,
+                                  int32_t section, char *buf, int32_t buflen, int32_t *outlen);
+COMN_API int32_t com__err_getcache(ComContext *ctx, ComErrCtx *errctx, int32_t number,
+                                   int32_t section, ComErrEntry **entry);
+/* Steps of loading, for the routines above. handle is an open platform reader. */
+COMN_API int32_t com__err_load_sections(ComContext *ctx, struct IntlFile *handle,
+                                        ComMsgCache *cache, ComErrFile *file,
+                                        const ComErrSection *sections, int32_t section_count,
+                                        const ComErrKey *preloads, int32_t preload_count);
+COMN_API int32_t com__err_load_errors(ComContext *ctx, struct IntlFile *handle,
+                                      ComMsgCache *cache, ComErrSect *section,
+                                      const ComErrKey *preloads, int32_t preload_count);
+/* Adds an entry (evicting the oldest loaded one when the cache is full). */
+COMN_API int32_t com__update_cache(ComMsgCache *cache, ComErrSect *section, int32_t number,
+                                   const char *sqlstate, const char *text);
+COMN_API ComErrEntry *com__scan_cache(const ComErrSect *section, int32_t number);
+/* Resolves backslash escapes in place. */
+COMN_API int32_t com__err_filterescape(char *text);
+/* Frees a chain of file records with their sections and entries. */
+COMN_API void com__errfile_cache_drop(ComErrFile *files);
+/* Frees a locale record's message cache and everything in it (null is allowed). */
+COMN_API void com__msgcache_drop(ComMsgCache *cache);
+
+/* ---- Error message assembly ----
+   A message number: bits 31..24 the layer, 23..16 the origin (COM_ORIGIN_INTL: an error of
+   the internationalisation library, whose status is the negated low byte), 15..8 the section
+   of this library's message files, 7..0 the number within the section. */
+#define COM_ERRNUM(layer, origin, section, number)                                                \
+    ((uint32_t)(layer) << 24 | (uint32_t)(origin) << 16 | (uint32_t)(section) << 8 |             \
+     (uint32_t)(number))
+#define COM_ERR_LAYER(n) ((int32_t)(((uint32_t)(n) >> 24) & 0xff))
+#define COM_ERR_ORIGIN(n) ((int32_t)(((uint32_t)(n) >> 16) & 0xff))
+#define COM_ERR_SECTION(n) ((int32_t)(((uint32_t)(n) >> 8) & 0xff))
+#define COM_ERR_NUMBER(n) ((int32_t)((uint32_t)(n) & 0xff))
+#define COM_ORIGIN_INTL 5
+
+/* Sections of the message files (ids used with ComErrKey). */
+#define COM_ERRSEC_FALLBACK 1 /* localized fallback texts, entries 1..4 */
+#define COM_ERRSEC_LAYERS 2   /* layer names by layer number */
+#define COM_ERRSEC_ORIGINS 3  /* origin names by origin number */
+
+/* Kinds of parameter value. */
+#define COM_EP_STRING 0
+#define COM_EP_LONG 8 /* the value points to a long */
+
+/* The values of a message: value 1 is the prefix (the calling routine's name), values 2 and 3
+   fill the message template as format describes. Filled by the com_ep_ builders. */
+typedef struct ComErrParams {
+    int32_t count; /* 1, 2 or 3 */
+    const char *format;
+    int32_t type1;
+    const void *value1;
+    int32_t type2;
+    const void *value2;
+    int32_t type3;
+    const void *value3;
+} ComErrParams;
+
+COMN_API int32_t com_ep_s(ComErrParams *rec, const char *s1);
+COMN_API int32_t com_ep_sd(ComErrParams *rec, const char *s1, const long *d2);
+COMN_API int32_t com_ep_ss(ComErrParams *rec, const char *s1, const char *s2);
+COMN_API int32_t com_ep_sss(ComErrParams *rec, const char *s1, const char *s2, const char *s3);
+COMN_API int32_t com_ep_sds(ComErrParams *rec, const char *s1, const long *d2, const char *s3);
+COMN_API int32_t com_ep_sdd(ComErrParams *rec, const char *s1, const long *d2, const long *d3);
+COMN_API int32_t com_ep_ssd(ComErrParams *rec, const char *s1, const char *s2, const long *d3);
+
+/* English texts used when the message file cannot help, ended by number -99999. */
+typedef struct ComMsgFailure {
+    int32_t number;
+    const char *text;
+} ComMsgFailure;
+#define COM_MSGFAIL_NOMEM 1
+#define COM_MSGFAIL_LAYER 2
+#define COM_MSGFAIL_ORIGIN 3
+#define COM_MSGFAIL_ERROR 4
+#define COM_MSGFAIL_END (-99999)
+COMN_API extern const ComMsgFailure Msgfailures[5];
+
+/* Builds "prefix: layer: origin: message" into buf (no terminator) and stores the bytes
+   written in *outlen. msgtext, when given, is the message itself (msglen bytes). With
+   notrunc set, a short buf gives CS_FAIL, nothing written and the needed length in *outlen;
+   otherwise the text is cut to buflen. */
+COMN_API int32_t com_notrunc_errmsg(ComContext *ctx, ComErrCtx *errctx, uint32_t msgnum,
+                                    const ComErrParams *params, const char *msgtext,
+                                    int32_t msglen, int32_t section, int32_t notrunc, char *buf,
+                                    int32_t buflen, int32_t *outlen);
+COMN_API int32_t com_build_errmsg(ComContext *ctx, ComErrCtx *errctx, uint32_t msgnum,
+                                  const ComErrParams *params, const char *msgtext, int32_t msglen,
+                                  int32_t section, char *buf, int32_t buflen, int32_t *outlen);
+/* One entry's text, or the fallback text for fallback number (never fails). */
+COMN_API int32_t com__get_errstr(ComContext *ctx, ComErrCtx *errctx, int32_t section,
+                                 int32_t number, int32_t fallback, const char **text,
+                                 int32_t *len);
+/* The localized fallback text (section 1), else the Msgfailures text. */
+COMN_API int32_t com__get_failerr(ComContext *ctx, ComErrCtx *errctx, int32_t fallback,
+                                  const char **text);
+/* The message itself. *filled receives a buffer to free when a template was filled. */
+COMN_API int32_t com__get_errmsg(ComContext *ctx, ComErrCtx *errctx, uint32_t msgnum,
+                                 const ComErrParams *params, int32_t section, const char **text,
+                                 int32_t *len, char **filled);
+COMN_API int32_t com__get_intlerr(uint32_t msgnum, const char **text, int32_t *len);
+/* Fills a template with values 2 and 3; CS_FAIL (and *filled null) when it cannot. */
+COMN_API int32_t com__call_strbuild(const ComErrParams *params, const char *tmpl, int32_t tmpl_len,
+                                    char **filled, int32_t *len);
+/* Copies min(*room, len) bytes to *dest, advancing it and lowering *room. */
+COMN_API void com__copy_bytes(char **dest, int32_t *room, const char *src, int32_t len);
+/* Writes the four pieces joined by ": " into buf, each cut to the room left; returns the
+   bytes written. */
+COMN_API int32_t com__fill_climsg(char *buf, int32_t buflen, const char *const pieces[4],
+                                  const int32_t lens[4]);
+
+
 /* ---- Version ---- */
 
 /* Stores the major and minor version numbers (either pointer may be null) and returns the
