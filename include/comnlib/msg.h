@@ -184,10 +184,78 @@ COMN_API void com__msgcache_drop(ComMsgCache *cache);
 #define COM_ERR_NUMBER(n) ((int32_t)((uint32_t)(n) & 0xff))
 #define COM_ORIGIN_INTL 5
 
-/* Sections of the message files (ids used with ComErrKey). */
-#define COM_ERRSEC_FALLBACK 1 /* localized fallback texts, entries 1..4 */
-#define COM_ERRSEC_LAYERS 2   /* layer names by layer number */
-#define COM_ERRSEC_ORIGINS 3  /* origin names by origin number */
+/* Sections of this library's message files: id and name in the file. Sections 1 to 3 hold
+   the localized fallback texts (entries 1..4), the layer names and the origin names; the
+   others hold messages. "ctlib.loc" has sections 1 to 4, 7 and 8; "cslib.loc" all of them. */
+#define COMN_MSG_SECTIONS(X)                                                                       \
+    X(COM_ERRSEC_FALLBACK, 1, "fallback")                                                          \
+    X(COM_ERRSEC_LAYERS, 2, "layers")                                                              \
+    X(COM_ERRSEC_ORIGINS, 3, "origins")                                                            \
+    X(COM_ERRSEC_STATUS, 4, "status")                                                              \
+    X(COM_ERRSEC_TDS_INPUT, 5, "tds_input")                                                        \
+    X(COM_ERRSEC_TDS_OUTPUT, 6, "tds_output")                                                      \
+    X(COM_ERRSEC_CONVERSION, 7, "conversion")                                                      \
+    X(COM_ERRSEC_LOCALE, 8, "localisation")                                                        \
+    X(COM_ERRSEC_MESSAGES, 9, "messages")
+
+#define COMN_MSG_SECTION_ROW_(name, id, text) name = (id),
+enum { COMN_MSG_SECTIONS(COMN_MSG_SECTION_ROW_) COM_MSG_SECTION_COUNT = 9 };
+/* The section table of "cslib.loc", for com_err_init. */
+COMN_API extern const ComErrSection Com_msg_sections[COM_MSG_SECTION_COUNT];
+
+/* Layers and origins named in sections 2 and 3. */
+#define COM_LAYER_CLIENT 1
+#define COM_LAYER_BULK 2
+#define COM_LAYER_OLDCLIENT 3
+#define COM_LAYER_COMMON 4
+#define COM_ORIGIN_EXTERNAL 1 /* bad data from outside: the server, a file */
+#define COM_ORIGIN_USAGE 2    /* a bad argument or call sequence */
+#define COM_ORIGIN_RESOURCE 3 /* memory and other resources */
+#define COM_ORIGIN_CONVERT 4  /* a value that cannot be converted */
+#define COM_ORIGIN_CONFIG 6   /* installation home, locales and their files */
+
+/* This library's messages: name, origin, section, number within the section, and the values
+   the message takes (the com_ep_ builder that fills its parameter record). The bundled
+   message files hold a text for every row; tools/gen/gen_msgfiles.py writes them. */
+#define COMN_MESSAGES(X)                                                                           \
+    X(COM_MSG_FAILED, COM_ORIGIN_USAGE, COM_ERRSEC_STATUS, 0, s)                                   \
+    X(COM_MSG_NOMEM, COM_ORIGIN_RESOURCE, COM_ERRSEC_STATUS, 1, s)                                 \
+    X(COM_MSG_PENDING, COM_ORIGIN_USAGE, COM_ERRSEC_STATUS, 2, s)                                  \
+    X(COM_MSG_QUIET, COM_ORIGIN_USAGE, COM_ERRSEC_STATUS, 3, s)                                    \
+    X(COM_MSG_BUSY, COM_ORIGIN_USAGE, COM_ERRSEC_STATUS, 4, s)                                     \
+    X(COM_MSG_INTERRUPT, COM_ORIGIN_USAGE, COM_ERRSEC_STATUS, 5, s)                                \
+    X(COM_MSG_CANCELED, COM_ORIGIN_EXTERNAL, COM_ERRSEC_STATUS, 202, s)                            \
+    X(COM_MSG_ROW_FAIL, COM_ORIGIN_EXTERNAL, COM_ERRSEC_STATUS, 203, s)                            \
+    X(COM_MSG_NOMSG, COM_ORIGIN_USAGE, COM_ERRSEC_STATUS, 207, s)                                  \
+    X(COM_MSG_TIMED_OUT, COM_ORIGIN_EXTERNAL, COM_ERRSEC_STATUS, 208, s)                           \
+    X(COM_MSG_TDS_BADTYPE, COM_ORIGIN_EXTERNAL, COM_ERRSEC_TDS_INPUT, 41, sd)                      \
+    X(COM_MSG_TDS_BADDATATYPE, COM_ORIGIN_USAGE, COM_ERRSEC_TDS_OUTPUT, 41, sd)                    \
+    X(COM_MSG_CONV_OVERFLOW, COM_ORIGIN_CONVERT, COM_ERRSEC_CONVERSION, 101, sss)                  \
+    X(COM_MSG_CONV_UNDERFLOW, COM_ORIGIN_CONVERT, COM_ERRSEC_CONVERSION, 102, sss)                 \
+    X(COM_MSG_CONV_PRECISION, COM_ORIGIN_CONVERT, COM_ERRSEC_CONVERSION, 103, sss)                 \
+    X(COM_MSG_CONV_SCALE, COM_ORIGIN_CONVERT, COM_ERRSEC_CONVERSION, 104, sss)                     \
+    X(COM_MSG_CONV_SYNTAX, COM_ORIGIN_CONVERT, COM_ERRSEC_CONVERSION, 105, sss)                    \
+    X(COM_MSG_CONV_FORMAT, COM_ORIGIN_USAGE, COM_ERRSEC_CONVERSION, 106, s)                        \
+    X(COM_MSG_CONV_DOMAIN, COM_ORIGIN_CONVERT, COM_ERRSEC_CONVERSION, 107, ss)                     \
+    X(COM_MSG_CONV_DIVZERO, COM_ORIGIN_CONVERT, COM_ERRSEC_CONVERSION, 108, s)                     \
+    X(COM_MSG_CONV_TRUNCATED, COM_ORIGIN_CONVERT, COM_ERRSEC_CONVERSION, 113, sd)                  \
+    X(COM_MSG_CONV_STYLE, COM_ORIGIN_USAGE, COM_ERRSEC_CONVERSION, 114, sd)                        \
+    X(COM_MSG_CONV_BADXLT, COM_ORIGIN_CONVERT, COM_ERRSEC_CONVERSION, 115, sss)                    \
+    X(COM_MSG_CONV_NOXLT, COM_ORIGIN_CONVERT, COM_ERRSEC_CONVERSION, 116, sss)                     \
+    X(COM_MSG_INTL_FAILED, COM_ORIGIN_CONFIG, COM_ERRSEC_LOCALE, 1, ss)                            \
+    X(COM_MSG_LOCALE_UNKNOWN, COM_ORIGIN_CONFIG, COM_ERRSEC_LOCALE, 2, ss)                         \
+    X(COM_MSG_LOCFILE_UNREADABLE, COM_ORIGIN_CONFIG, COM_ERRSEC_LOCALE, 3, ss)                     \
+    X(COM_MSG_LOCNAME_TOOLONG, COM_ORIGIN_USAGE, COM_ERRSEC_LOCALE, 4, s)                          \
+    X(COM_MSG_NO_DATETIME, COM_ORIGIN_CONFIG, COM_ERRSEC_LOCALE, 5, ss)                            \
+    X(COM_MSG_NO_HOME, COM_ORIGIN_CONFIG, COM_ERRSEC_LOCALE, 6, s)                                 \
+    X(COM_MSG_CHARSET_UNLOADABLE, COM_ORIGIN_CONFIG, COM_ERRSEC_LOCALE, 7, ss)                     \
+    X(COM_MSG_MSGFILE_NOSECTION, COM_ORIGIN_CONFIG, COM_ERRSEC_MESSAGES, 1, ss)                    \
+    X(COM_MSG_MSGFILE_NOMESSAGE, COM_ORIGIN_CONFIG, COM_ERRSEC_MESSAGES, 2, sds)                   \
+    X(COM_MSG_MSGFILE_BADENTRY, COM_ORIGIN_CONFIG, COM_ERRSEC_MESSAGES, 3, sds)
+
+#define COMN_MSG_ROW_(name, origin, section, number, values)                                       \
+    name = (int32_t)COM_ERRNUM(COM_LAYER_COMMON, origin, section, number),
+enum { COMN_MESSAGES(COMN_MSG_ROW_) };
 
 /* Kinds of parameter value. */
 #define COM_EP_STRING 0
