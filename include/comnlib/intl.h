@@ -261,4 +261,6 @@ COMN_API int32_t intl_strbuild(char *buf, int32_t size, const char *tmpl, const 
 
 COMN_END_DECLS
 
+#include "xlate.h" /* character set translation */
+
 #endif
