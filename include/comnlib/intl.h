@@ -250,6 +250,15 @@ COMN_API int32_t com__spec_tord(const uint8_t *table, const char *a, int32_t ale
 COMN_API int32_t com_spec_tord(const uint8_t *table, const char *a, int32_t alen, const char *b,
                                int32_t blen);
 
+/* ---- Platform message text (kept last: the message layer's calls) ----
+   intl_errstr names a negative INTL_E_ status ("unknown" texts for other numbers).
+   intl_strbuild fills a message template into buf (size bytes, terminator included) and
+   returns the length written, or a negative INTL_E_ status. format lists the values that
+   follow it, blank-separated: %s (a string), %d (an int), %ld (a long); the template names
+   them by position as %1! .. %9! and writes a percent sign as %%. Syntax: docs/messages.md. */
+COMN_API const char *intl_errstr(int32_t status);
+COMN_API int32_t intl_strbuild(char *buf, int32_t size, const char *tmpl, const char *format, ...);
+
 COMN_END_DECLS
 
 #include "xlate.h" /* character set translation */
