@@ -117,6 +117,139 @@ COMN_API char *intl_nextentry(IntlFile *handle, int32_t *status);
 COMN_API char *intl_nextvalue(IntlFile *handle, int32_t *status);
 COMN_API int32_t intl_close(IntlFile *handle);
 
+/* ---- Unsigned byte comparisons ----
+   com_unsignstrncmp compares exactly n bytes and does not stop at a terminator. */
+COMN_API int32_t com_unsignstrcmp(const char *a, const char *b);
+COMN_API int32_t com_unsignstrncmp(const char *a, const char *b, int32_t n);
+
+/* ---- Installation paths, locale names and the locales file ----
+   Path routines answer 1, 0 when the path does not fit, or COM_INTL_ERROR. A path exactly as
+   long as size is accepted: the buffer must hold size + 1 bytes. */
+#define COM_INTL_PATH_SIZE 1025 /* a path of at most 1024 bytes and one byte of slack */
+#define COM_INTL_NAME_SIZE 256  /* buffers for language, charset and sort order names */
+
+COMN_API int32_t com_path_ifile(ComContext *ctx, char *buf, int32_t size);
+COMN_API int32_t com__path_locfile(ComContext *ctx, const char *language, const char *charset,
+                                   const char *file, char *buf, int32_t size);
+COMN_API int32_t com__path_charfile(ComContext *ctx, const char *charset, const char *file,
+                                    const char *extension, char *buf, int32_t size);
+COMN_API int32_t com__open_locfile(ComContext *ctx, const char *language, const char *charset,
+                                   const char *file, IntlFile **handle);
+COMN_API int32_t com__open_charfile(ComContext *ctx, const char *charset, const char *file,
+                                    const char *extension, IntlFile **handle);
+COMN_API int32_t com_intl_envloc(ComContext *ctx, int32_t category, char *buf, int32_t size);
+/* sortorder_out must hold COM_INTL_NAME_SIZE bytes. */
+COMN_API int32_t com__intl_lookup(ComContext *ctx, const char *locale, int32_t locale_length,
+                                  char *language_out, int32_t language_size, char *charset_out,
+                                  int32_t charset_size, char *sortorder_out);
+COMN_API int32_t com_intl_locname(ComContext *ctx, const char *language, int32_t language_length,
+                                  const char *charset, int32_t charset_length,
+                                  const char *sortorder, int32_t sortorder_length, char *name_out,
+                                  int32_t name_size, int32_t *name_length_out);
+COMN_API int32_t com__verify_msgfile(ComContext *ctx, const char *language, const char *charset,
+                                     const char *file, char *path_out, int32_t size);
+COMN_API int32_t com__verify_charfile(ComContext *ctx, const char *charset, const char *file,
+                                      const char *extension, char *path_out, int32_t size);
+COMN_API int32_t com_intl_verify_locfiles(ComContext *ctx, const char *language,
+                                          const char *charset, const char *sortorder,
+                                          char *path_out, int32_t size);
+COMN_API int32_t com_intl_verify_a_msgfile(ComContext *ctx, LocaleRecord *locale,
+                                           const char *file, char *path_out, int32_t size);
+COMN_API void com_intl_verify_ctxloc(ComContext *ctx);
+
+/* ---- Character attributes and classification ----
+   Each comn_ routine takes an attribute record (null: the built-in "iso_1" record) and the
+   first byte of a character. */
+COMN_API const uint8_t *com_get_typemap(void);
+COMN_API const CharAttrib *com_get_charattrib(void);
+COMN_API CharAttrib *com_alloc_char_attrib(void);
+COMN_API void com_free_char_attrib(CharAttrib *rec);
+/* kind COM_CHARATTR_TYPEMAP (a 1024-byte map) or COM_CHARATTR_IMAGE (a loader's image, whose
+   big-endian header words are converted in place). Returns 1, or 0 for a bad kind or null. */
+COMN_API int32_t com_build_char_attrib(int32_t kind, int32_t xlate_id, const char *name,
+                                       void *table, CharAttrib *rec);
+
+COMN_API int32_t comn_isalpha(const CharAttrib *attr, const char *c);
+COMN_API int32_t comn_isupper(const CharAttrib *attr, const char *c);
+COMN_API int32_t comn_islower(const CharAttrib *attr, const char *c);
+COMN_API int32_t comn_isdigit(const CharAttrib *attr, const char *c);
+COMN_API int32_t comn_isxdigit(const CharAttrib *attr, const char *c);
+COMN_API int32_t comn_isspace(const CharAttrib *attr, const char *c);
+COMN_API int32_t comn_ispunct(const CharAttrib *attr, const char *c);
+COMN_API int32_t comn_isgraph(const CharAttrib *attr, const char *c);
+COMN_API int32_t comn_get_lex(const CharAttrib *attr, const char *c);
+COMN_API int32_t comn_char_width(const CharAttrib *attr, const char *c);
+COMN_API int32_t comn_disp_width(const CharAttrib *attr, const char *c);
+/* The position of the next character. */
+COMN_API const char *comn_inc_char(const CharAttrib *attr, const char *c);
+COMN_API const uint8_t *comn_get_widthmap(const CharAttrib *attr);
+/* Write the mapped character to dest (up to the character's byte length) and return the
+   number of bytes written. */
+COMN_API int32_t comn_toupper(const CharAttrib *attr, const char *src, char *dest);
+COMN_API int32_t comn_tolower(const CharAttrib *attr, const char *src, char *dest);
+COMN_API int32_t comn_whole_char(const CharAttrib *attr, const char *start, const char *end,
+                                 int32_t *chars, int32_t *whole_bytes, int32_t *cut_bytes,
+                                 int32_t *overrun);
+COMN_API int32_t comn_to_ascii(const CharAttrib *attr, const char *c);
+/* dest must hold length bytes; *count receives the bytes written. Returns CS_SUCCEED. */
+COMN_API int32_t comn_str_to_ascii(const char *src, int32_t length, char *dest, int32_t *count,
+                                   const CharAttrib *attr);
+
+/* The older single-byte family, reading the global map (by default Com_Iso1_charmap). */
+COMN_API extern const uint8_t *const Com_Iso1_charmap;
+COMN_API extern const uint8_t *Com_charmap;
+COMN_API int32_t com_toupper(int32_t c);
+COMN_API int32_t com_tolower(int32_t c);
+COMN_API int32_t com_isalpha(int32_t c);
+COMN_API int32_t com_isupper(int32_t c);
+COMN_API int32_t com_islower(int32_t c);
+COMN_API int32_t com_isdigit(int32_t c);
+COMN_API int32_t com_isxdigit(int32_t c);
+COMN_API int32_t com_isspace(int32_t c);
+COMN_API int32_t com_isgraph(int32_t c);
+
+/* ---- Character set and sort order descriptions ----
+   One description per (character set, sort order) pair, loaded from the set's "charset.loc"
+   and "<sort order>.srt" and kept in the context's list, shared by every locale record with
+   that pair, freed by com__charset_drop_all when the context goes. */
+#define COM_XLATE_UNKNOWN 254 /* translation id of a set that translation does not know */
+#define COM_SORT_HEADER 4     /* weight table: header, 256 weight words, special nodes */
+#define COM_SORT_NODE 12
+
+typedef struct ComCharsetDesc {
+    char *charset;
+    char *sortorder;
+    CharAttrib *attr;     /* the set's attribute record, pointing into image */
+    uint8_t *image;       /* the character set image */
+    uint8_t *sort_table;  /* the sort order's weight table */
+    int32_t sort_size;    /* its size in bytes */
+    struct ComCharsetDesc *next;
+} ComCharsetDesc;
+
+/* Find or load the description of a pair. Returns 1, 0 (a path that does not fit),
+   CS_MEM_ERROR, or COM_INTL_ERROR (missing or malformed file; status in ctx->intl_status). */
+COMN_API int32_t com__charset_desc_get(ComContext *ctx, const char *charset, const char *sortorder,
+                                       ComCharsetDesc **desc_out);
+/* The same for a locale record's charset and sort order; sets rec->charset_desc. */
+COMN_API int32_t com__charset_load(ComContext *ctx, LocaleRecord *rec);
+COMN_API void com__charset_drop_all(ComContext *ctx);
+
+/* ---- Collation under a sort order's weight table ---- */
+/* Resolves one special character from node start: 1 with *weight, 2 with *weight and a
+   pending *second (an expansion), 0 when no weight results (outputs unchanged). */
+COMN_API int32_t com__smel_lsc(const uint8_t *list, int32_t start, const uint8_t **pos,
+                               const uint8_t *end, uint32_t *weight, uint32_t *second);
+/* Primary comparison with secondary tie-break: a signed difference; the com_ form its sign. */
+COMN_API int32_t com__ps_dl_sqlhilo(const uint8_t *table, const char *a, int32_t alen,
+                                    const char *b, int32_t blen);
+COMN_API int32_t com_ps_dl_sqlhilo(const uint8_t *table, const char *a, int32_t alen,
+                                   const char *b, int32_t blen);
+/* Tertiary comparison: a signed difference; the com_ form its sign. */
+COMN_API int32_t com__spec_tord(const uint8_t *table, const char *a, int32_t alen, const char *b,
+                                int32_t blen);
+COMN_API int32_t com_spec_tord(const uint8_t *table, const char *a, int32_t alen, const char *b,
+                               int32_t blen);
+
 COMN_END_DECLS
 
 #endif

@@ -1,0 +1,29 @@
+// Lookups shared by the routines that read a character attribute record.
+#pragma once
+
+#include "comnlib/intl.h"
+
+namespace comn {
+
+inline const CharAttrib *attr_or_builtin(const CharAttrib *a) {
+    return a ? a : com_get_charattrib();
+}
+
+// The 4-byte type map entry of the character at p: a lead byte's entry names the page that
+// holds the entry of the pair, indexed by the second byte.
+inline const uint8_t *type_entry(const CharAttrib *a, const char *p) {
+    const uint8_t *map = a->typemap;
+    const uint8_t *e = map + 4 * static_cast<uint8_t>(p[0]);
+    if (e[3] & COM_CT_LEAD)
+        e = map + 1024 * static_cast<size_t>(e[0]) + 4 * static_cast<uint8_t>(p[1]);
+    return e;
+}
+
+// Byte length of the character that begins with p; never 0, so that walks always advance.
+inline int32_t char_len(const CharAttrib *a, const char *p) {
+    if (!a->widthmap) return 1;
+    const int32_t n = a->widthmap[static_cast<uint8_t>(p[0])] & 0x0F;
+    return n ? n : 1;
+}
+
+} // namespace comn

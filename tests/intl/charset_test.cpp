@@ -1,0 +1,231 @@
+// The character set and sort order loaders over the bundled home and over broken files in
+// temporary homes; the description list shared between locales.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "comnlib.h"
+#include "intl/charset_internal.h"
+#include "intl_test_util.h"
+
+namespace {
+
+struct Ctx {
+    ComContext c{};
+    ~Ctx() { com__charset_drop_all(&c); }
+};
+
+TEST(CharsetLoader, EveryBundledSetLoadsWithItsTranslationId) {
+    EnvGuard veldar("VELDAR");
+    veldar.set(COMN_TEST_HOME);
+    Ctx ctx;
+    struct Row {
+        const char *set;
+        int xlate, level;
+    } rows[] = {{"ascii8", 0, 1},   {"iso_1", 1, 1},  {"cp850", 2, 1},
+                {"cp437", 3, 1},    {"roman8", 4, 1}, {"mac", 5, 1},
+                {"eucjis", 140, 3}, {"sjis", 141, 2}, {"deckanji", 142, 2}};
+    for (const auto &r : rows) {
+        ComCharsetDesc *d = nullptr;
+        ASSERT_EQ(com__charset_desc_get(&ctx.c, r.set, "binary", &d), 1) << r.set;
+        EXPECT_EQ(d->attr->xlate_id, r.xlate) << r.set;
+        EXPECT_EQ(d->attr->mb_level, r.level) << r.set;
+        EXPECT_EQ(std::string(d->attr->name, d->attr->namelen), r.set);
+        EXPECT_EQ(d->attr->widthmap != nullptr, r.level > 1) << r.set;
+        EXPECT_EQ(d->sort_size, COM_SORT_HEADER + 1024);
+    }
+}
+
+TEST(CharsetLoader, LoadedIso1IsTheBuiltInRecord) {
+    EnvGuard veldar("VELDAR");
+    veldar.set(COMN_TEST_HOME);
+    Ctx ctx;
+    ComCharsetDesc *d = nullptr;
+    ASSERT_EQ(com__charset_desc_get(&ctx.c, "iso_1", "dict", &d), 1);
+    const CharAttrib *builtin = com_get_charattrib();
+    EXPECT_EQ(std::memcmp(d->attr->typemap, builtin->typemap, 1024), 0);
+    EXPECT_EQ(std::memcmp(d->attr->second, builtin->second, 256), 0);
+    EXPECT_EQ(std::memcmp(d->attr->flags, builtin->flags, 5), 0);
+    EXPECT_EQ(d->attr->asciimap, nullptr);
+}
+
+TEST(CharsetLoader, JapaneseSetsReduceFullWidthTextToAscii) {
+    EnvGuard veldar("VELDAR");
+    veldar.set(COMN_TEST_HOME);
+    Ctx ctx;
+    struct Row {
+        const char *set;
+        std::string text; // full-width "１２．５Ａｂ", an ideographic space and a kanji (日)
+        std::string kanji;
+    } rows[] = {
+        {"eucjis", "\xa3\xb1\xa3\xb2\xa1\xa5\xa3\xb5\xa3\xc1\xa3\xe2\xa1\xa1\xc6\xfc", "\xc6\xfc"},
+        {"deckanji", "\xa3\xb1\xa3\xb2\xa1\xa5\xa3\xb5\xa3\xc1\xa3\xe2\xa1\xa1\xc6\xfc",
+         "\xc6\xfc"},
+        {"sjis", "\x82\x50\x82\x51\x81\x44\x82\x54\x82\x60\x82\x82\x81\x40\x93\xfa", "\x93\xfa"},
+    };
+    for (const auto &r : rows) {
+        ComCharsetDesc *d = nullptr;
+        ASSERT_EQ(com__charset_desc_get(&ctx.c, r.set, "binary", &d), 1);
+        const CharAttrib *a = d->attr;
+        char out[32];
+        int32_t n = 0;
+        comn_str_to_ascii(r.text.data(), static_cast<int32_t>(r.text.size()), out, &n, a);
+        EXPECT_EQ(std::string(out, n), "12.5Ab " + r.kanji) << r.set;
+        EXPECT_NE(comn_isdigit(a, r.text.data()), 0) << r.set;
+        EXPECT_NE(comn_isupper(a, r.text.data() + 8), 0) << r.set;
+        EXPECT_NE(comn_islower(a, r.text.data() + 10), 0) << r.set;
+        EXPECT_NE(comn_isspace(a, r.text.data() + 12), 0) << r.set;
+        EXPECT_EQ(comn_char_width(a, r.text.data()), 2);
+        EXPECT_EQ(comn_disp_width(a, r.text.data()), 2);
+        char up[2];
+        EXPECT_EQ(comn_toupper(a, r.text.data() + 10, up), 2); // ｂ -> Ｂ
+        EXPECT_EQ(comn_isupper(a, up), COM_CT_UPPER) << r.set;
+        EXPECT_EQ(comn_to_ascii(a, up), 'B');
+    }
+    ComCharsetDesc *euc = nullptr, *sjis = nullptr;
+    ASSERT_EQ(com__charset_desc_get(&ctx.c, "eucjis", "binary", &euc), 1);
+    ASSERT_EQ(com__charset_desc_get(&ctx.c, "sjis", "binary", &sjis), 1);
+    EXPECT_EQ(comn_char_width(euc->attr, "\x8f\xb0\xa1"), 3);
+    EXPECT_EQ(comn_disp_width(euc->attr, "\x8e\xb1"), 1); // half-width katakana
+    EXPECT_EQ(comn_char_width(sjis->attr, "\xb1"), 1);
+    char copy[4];
+    EXPECT_EQ(comn_toupper(euc->attr, "\x8f\xb0\xa1", copy), 3); // copied whole
+    EXPECT_EQ(std::string(copy, 3), "\x8f\xb0\xa1");
+}
+
+TEST(CharsetLoader, DescriptionsAreSharedPerPairAndFreedWithTheContext) {
+    EnvGuard veldar("VELDAR");
+    veldar.set(COMN_TEST_HOME);
+    Ctx ctx;
+    LocaleRecord a{}, b{}, c{};
+    char iso[] = "iso_1", cp[] = "cp850", bin[] = "binary", nocase[] = "nocase";
+    a.charset = b.charset = iso;
+    c.charset = cp;
+    a.sortorder = b.sortorder = bin;
+    c.sortorder = nocase;
+    ASSERT_EQ(com__charset_load(&ctx.c, &a), 1);
+    ASSERT_EQ(com__charset_load(&ctx.c, &b), 1);
+    ASSERT_EQ(com__charset_load(&ctx.c, &c), 1);
+    EXPECT_EQ(a.charset_desc, b.charset_desc);
+    EXPECT_NE(a.charset_desc, c.charset_desc);
+    EXPECT_EQ(ctx.c.charset_descs, c.charset_desc);
+    EXPECT_EQ(c.charset_desc->next, a.charset_desc);
+    EXPECT_EQ(a.charset_desc->next, nullptr);
+}
+
+// A minimal valid pair of files, which the failure cases below spoil one at a time.
+const std::string Good_charset = "[charset]\nid = 7\nlevel = 1\n[typemap]\n00 = 00000008\n";
+std::string good_sort() {
+    std::string s = "[sortorder]\nid = 3\n[weights]\n";
+    for (int row = 0; row < 256; row += 16) {
+        char line[200];
+        int n = std::snprintf(line, sizeof line, "%02X =", row);
+        for (int i = 0; i < 16; ++i)
+            n += std::snprintf(line + n, sizeof line - n, "%s %02X000100", i ? "," : "", row + i);
+        s += std::string(line) + "\n";
+    }
+    return s;
+}
+
+TEST(CharsetLoader, BrokenFilesGiveCleanStatuses) {
+    EnvGuard veldar("VELDAR");
+    TempHome home;
+    veldar.set(home.path);
+    struct Case {
+        std::string charset, sort;
+        int32_t rc, status;
+    } cases[] = {
+        {Good_charset, good_sort(), 1, 0},
+        {"", good_sort(), COM_INTL_ERROR, INTL_E_SYNTAX}, // no type map
+        {Good_charset + "00 = 0000008\n", good_sort(), COM_INTL_ERROR, INTL_E_SYNTAX},
+        {Good_charset + "F8 = 0,0,0,0,0,0,0,0,0\n", good_sort(), COM_INTL_ERROR, INTL_E_SYNTAX},
+        {Good_charset + "41 = 02000080\n", good_sort(), COM_INTL_ERROR, INTL_E_SYNTAX},
+        {Good_charset + "[typemap 2]\n41 = 02000080\n", good_sort(), COM_INTL_ERROR, INTL_E_SYNTAX},
+        {Good_charset + "[typemap x]\n", good_sort(), COM_INTL_ERROR, INTL_E_SYNTAX},
+        {Good_charset + "[widthmap]\n00 = 10\n", good_sort(), COM_INTL_ERROR, INTL_E_SYNTAX},
+        {Good_charset + "[widthmap]\n00 = 15\n", good_sort(), COM_INTL_ERROR, INTL_E_SYNTAX},
+        {"[charset]\nlevel = 9\n[typemap]\n", good_sort(), COM_INTL_ERROR, INTL_E_SYNTAX},
+        {"[charset]\nflags = 1, 2\n[typemap]\n", good_sort(), COM_INTL_ERROR, INTL_E_SYNTAX},
+        {Good_charset + "\"\n", good_sort(), COM_INTL_ERROR, INTL_E_SYNTAX},
+        {Good_charset, "", COM_INTL_ERROR, INTL_E_SYNTAX}, // no weights
+        {Good_charset, good_sort().substr(0, good_sort().size() - 30), COM_INTL_ERROR,
+         INTL_E_SYNTAX},                                                                // truncated
+        {Good_charset, good_sort() + "41 = 00000000\n", COM_INTL_ERROR, INTL_E_SYNTAX}, // node 0?
+        {Good_charset, good_sort() + "41 = 00000000\n[specials]\n0 = 1, 0, 00000000, 00000000\n",
+         COM_INTL_ERROR, INTL_E_SYNTAX}, // next names no node
+        {Good_charset,
+         good_sort() + "[specials]\n0 = 1, 2, 00000000, 00000000\n1 = 0, 2, 00000000, 00000000\n",
+         COM_INTL_ERROR, INTL_E_SYNTAX}, // a loop
+        {Good_charset, good_sort() + "[specials]\n0 = 255, 4, 00000000, 00000000\n", COM_INTL_ERROR,
+         INTL_E_SYNTAX}, // unknown kind
+        {Good_charset, good_sort() + "41 = 00000000\n[specials]\n0 = 255, 3, 01020304, 05060708\n",
+         1, 0},
+    };
+    int i = 0;
+    for (const auto &c : cases) {
+        home.write("charsets/t/charset.loc", c.charset);
+        home.write("charsets/t/o.srt", c.sort);
+        ComContext ctx{};
+        ComCharsetDesc *d = nullptr;
+        EXPECT_EQ(com__charset_desc_get(&ctx, "t", "o", &d), c.rc) << "case " << i;
+        if (c.rc != 1) {
+            EXPECT_EQ(ctx.intl_status, c.status) << "case " << i;
+            EXPECT_EQ(ctx.charset_descs, nullptr);
+        }
+        com__charset_drop_all(&ctx);
+        ++i;
+    }
+    ComContext ctx{};
+    ComCharsetDesc *d = nullptr;
+    home.remove("charsets/t/o.srt");
+    EXPECT_EQ(com__charset_desc_get(&ctx, "t", "o", &d), COM_INTL_ERROR);
+    EXPECT_EQ(ctx.intl_status, INTL_E_OPEN);
+    EXPECT_EQ(com__charset_desc_get(&ctx, std::string(2000, 'x').c_str(), "o", &d), 0);
+    EXPECT_EQ(ctx.charset_descs, nullptr);
+}
+
+// A width map of one-byte characters except the two-byte lead 80.
+std::string width_rows() {
+    std::string s = "[widthmap]\n";
+    for (int row = 0; row < 256; row += 16) {
+        s += (row < 16 ? "0" : "") +
+             [](int v) {
+                 char b[4];
+                 std::snprintf(b, sizeof b, "%X", v);
+                 return std::string(b);
+             }(row) +
+             " = ";
+        for (int i = 0; i < 16; ++i)
+            s += std::string(i ? ", " : "") + (row + i == 0x80 ? "22" : "11");
+        s += "\n";
+    }
+    return s;
+}
+
+TEST(CharsetLoader, ImageHeaderFromFile) {
+    EnvGuard veldar("VELDAR");
+    TempHome home;
+    veldar.set(home.path);
+    home.write("charsets/t/charset.loc",
+               std::string("[charset]\nid = 513\nlevel = 2\nflags = 1, 2, 3, 4, 5\nxlate = 255\n") +
+                   std::string("[typemap]\n80 = 01000080\n[typemap 1]\n41 = 41610151\n") +
+                   width_rows() + "[second]\n0100 = AB\n");
+    home.write("charsets/t/o.srt", good_sort());
+    Ctx ctx;
+    ComCharsetDesc *d = nullptr;
+    ASSERT_EQ(com__charset_desc_get(&ctx.c, "t", "o", &d), 1);
+    const CharAttrib *a = d->attr;
+    EXPECT_EQ(a->image_id, 513);
+    EXPECT_EQ(a->mb_level, 2);
+    EXPECT_EQ(a->xlate_id, 255);
+    const uint8_t flags[5] = {1, 2, 3, 4, 5};
+    EXPECT_EQ(std::memcmp(a->flags, flags, 5), 0);
+    EXPECT_EQ(a->second[0x100], 0xAB);
+    EXPECT_EQ(comn_char_width(a, "\x80\x41"), 2);
+    EXPECT_EQ(comn_get_lex(a, "\x80\x41"), 1);
+    EXPECT_NE(comn_isupper(a, "\x80\x41"), 0);
+    EXPECT_EQ(d->sort_table[0], 3);
+}
+
+} // namespace

@@ -1,0 +1,292 @@
+// Installation paths, the locale name of a category, the locales file translations and the
+// readability checks, over temporary installation homes.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "comnlib.h"
+#include "intl_test_util.h"
+
+namespace {
+
+const char *Locales = "; test locales\n"
+                      "[other]\nlocale = fr, german, iso_1\n"
+                      "[linux]\n"
+                      "locale = default, us_english, iso_1\n"
+                      "locale = french, french, iso_1, dict\n"
+                      "locale = fr, wrong, iso_1\n"
+                      "locale = short, lang\n"
+                      "locale = ja, japanese, eucjis\n"
+                      "locale = us_english.cp850, us_english, cp850, nocase\n"
+                      "alias = hidden, german, iso_1\n"
+                      "locale = hidden, german, iso_1\n";
+
+struct Home {
+    TempHome home;
+    EnvGuard veldar{"VELDAR"};
+    ComContext ctx{};
+    explicit Home(const char *locales = Locales) {
+        veldar.set(home.path);
+        if (locales) home.write("locales/locales.dat", locales);
+    }
+};
+
+std::string lookup(ComContext *ctx, const char *name, int32_t *rc) {
+    char lang[256] = "", cs[256] = "", so[256] = "";
+    *rc = com__intl_lookup(ctx, name, static_cast<int32_t>(strlen(name)), lang, 256, cs, 256, so);
+    return std::string(lang) + "/" + cs + "/" + so;
+}
+
+TEST(IntlPaths, BuildsEveryPathAndAppliesTheFittingRule) {
+    Home h;
+    const std::string p = h.home.path;
+    char buf[2048];
+    EXPECT_EQ(com_path_ifile(&h.ctx, buf, 2000), 1);
+    EXPECT_EQ(buf, p + "/interfaces");
+    EXPECT_EQ(com__path_locfile(&h.ctx, nullptr, "iso_1", "locales.dat", buf, 2000), 1);
+    EXPECT_EQ(buf, p + "/locales/locales.dat");
+    EXPECT_EQ(com__path_locfile(&h.ctx, "french", nullptr, "x.loc", buf, 2000), 1);
+    EXPECT_EQ(buf, p + "/locales/french/x.loc");
+    EXPECT_EQ(com__path_locfile(&h.ctx, "us_english", "iso_1", "common.loc", buf, 2000), 1);
+    EXPECT_EQ(buf, p + "/locales/us_english/iso_1/common.loc");
+    EXPECT_EQ(com__path_charfile(&h.ctx, "cp850", "nocase", "srt", buf, 2000), 1);
+    EXPECT_EQ(buf, p + "/charsets/cp850/nocase.srt");
+    EXPECT_EQ(com__path_charfile(&h.ctx, "cp850", "charset.loc", nullptr, buf, 2000), 1);
+    EXPECT_EQ(buf, p + "/charsets/cp850/charset.loc");
+
+    // A path exactly as long as the size fits (the buffer holds one more byte); one less fails.
+    const int32_t len = static_cast<int32_t>(p.size() + sizeof "/interfaces" - 1);
+    std::string exact(len + 1, '#');
+    EXPECT_EQ(com_path_ifile(&h.ctx, exact.data(), len), 1);
+    EXPECT_EQ(exact.c_str(), p + "/interfaces");
+    EXPECT_EQ(com_path_ifile(&h.ctx, buf, len - 1), 0);
+    EXPECT_EQ(com__verify_charfile(&h.ctx, "iso_1", "charset.loc", nullptr, buf, 10), 0);
+    EXPECT_STREQ(buf, "*");
+}
+
+TEST(IntlPaths, HomeOf1024BytesLeavesNoRoomAndNoHomeIsAnIntlError) {
+    EnvGuard veldar("VELDAR");
+    ComContext ctx{};
+    veldar.set("/" + std::string(1023, 'h'));
+    char buf[COM_INTL_PATH_SIZE + 1];
+    EXPECT_EQ(com_path_ifile(&ctx, buf, COM_INTL_PATH_SIZE), 0);
+    EXPECT_EQ(com__path_locfile(&ctx, nullptr, nullptr, "locales.dat", buf, COM_INTL_PATH_SIZE), 0);
+    EXPECT_EQ(com__path_charfile(&ctx, "x", "y", nullptr, buf, COM_INTL_PATH_SIZE), 0);
+    IntlFile *f = nullptr;
+    EXPECT_EQ(com__open_locfile(&ctx, nullptr, nullptr, "locales.dat", &f), 0);
+
+    veldar.set("/" + std::string(5000, 'h')); // longer than any home the layer will hold
+    EXPECT_EQ(com_path_ifile(&ctx, buf, COM_INTL_PATH_SIZE), COM_INTL_ERROR);
+    EXPECT_EQ(ctx.intl_status, INTL_E_TOOLONG);
+    EXPECT_EQ(com__verify_msgfile(&ctx, "a", "b", "c", buf, COM_INTL_PATH_SIZE), COM_INTL_ERROR);
+    EXPECT_STREQ(buf, "*");
+}
+
+TEST(IntlNames, EnvironmentLocaleOfEachCategory) {
+    ComContext ctx{};
+    const char *vars[] = {"LC_COLLATE", "LC_CTYPE", "LC_MESSAGE", "LC_MONETARY",
+                          "LC_NUMERIC", "LC_TIME",  "LC_ALL",     "LANG"};
+    EnvGuard guards[] = {EnvGuard(vars[0]), EnvGuard(vars[1]), EnvGuard(vars[2]),
+                         EnvGuard(vars[3]), EnvGuard(vars[4]), EnvGuard(vars[5]),
+                         EnvGuard(vars[6]), EnvGuard(vars[7])};
+    EnvGuard messages("LC_MESSAGES");
+    for (auto &g : guards)
+        g.unset();
+    messages.set("not_this_one");
+    char buf[64];
+    for (int32_t cat = 0; cat <= 8; ++cat) {
+        EXPECT_EQ(com_intl_envloc(&ctx, cat, buf, sizeof buf), 1);
+        EXPECT_STREQ(buf, "default") << cat;
+    }
+    guards[7].set("lang_value");
+    for (int32_t cat = 1; cat <= 7; ++cat) {
+        guards[cat - 1].set(std::string("v") + std::to_string(cat));
+        EXPECT_EQ(com_intl_envloc(&ctx, cat, buf, sizeof buf), 1);
+        EXPECT_EQ(std::string(buf), "v" + std::to_string(cat));
+    }
+    EXPECT_EQ(com_intl_envloc(&ctx, 8, buf, sizeof buf), 1);
+    EXPECT_STREQ(buf, "lang_value");
+    guards[7].set(std::string(300, 'x')); // an absurd value is an intl error, not a crash
+    EXPECT_EQ(com_intl_envloc(&ctx, 0, buf, sizeof buf), COM_INTL_ERROR);
+    EXPECT_EQ(ctx.intl_status, INTL_E_TOOLONG);
+}
+
+TEST(IntlNames, ForwardTranslation) {
+    Home h;
+    int32_t rc = 0;
+    struct Case {
+        const char *name;
+        int32_t rc;
+        const char *want;
+    } cases[] = {
+        {"default", 1, "us_english/iso_1/binary"},
+        {"french", 1, "french/iso_1/dict"},
+        {"fr", 1, "french/iso_1/dict"}, // two bytes compared: the first entry beginning "fr"
+        {"ja", 1, "japanese/eucjis/binary"},
+        {"short", 0, "//"},  // too few values
+        {"hidden", 0, "//"}, // behind an entry with another key
+        {"nosuch", 0, "//"},
+        {"us_english.cp850", 1, "us_english/cp850/nocase"},
+    };
+    for (const auto &c : cases) {
+        EXPECT_EQ(lookup(&h.ctx, c.name, &rc), c.want) << c.name;
+        EXPECT_EQ(rc, c.rc) << c.name;
+    }
+    char small[4];
+    char cs[256], so[256];
+    EXPECT_EQ(com__intl_lookup(&h.ctx, "french", 6, small, sizeof small, cs, 256, so), 0);
+}
+
+TEST(IntlNames, ForwardTranslationFailures) {
+    int32_t rc = 0;
+    {
+        Home h(nullptr); // no locales file at all
+        lookup(&h.ctx, "default", &rc);
+        EXPECT_EQ(rc, COM_INTL_ERROR);
+        EXPECT_EQ(h.ctx.intl_status, INTL_E_OPEN);
+    }
+    {
+        Home h("[unix]\nlocale = default, us_english, iso_1\n");
+        lookup(&h.ctx, "default", &rc);
+        EXPECT_EQ(rc, 0);
+    }
+    {
+        Home h("[linux]\nlocale = x, y, z\nbroken line\nlocale = default, a, b\n");
+        lookup(&h.ctx, "default", &rc);
+        EXPECT_EQ(rc, COM_INTL_ERROR);
+        EXPECT_EQ(h.ctx.intl_status, INTL_E_SYNTAX);
+    }
+    {
+        Home h(("[linux]\nlocale = default, " + std::string(400, 'l') + ", iso_1\n").c_str());
+        lookup(&h.ctx, "default", &rc);
+        EXPECT_EQ(rc, 0);
+    }
+}
+
+TEST(IntlNames, ReverseTranslation) {
+    Home h;
+    char name[64];
+    int32_t len = -1;
+    EXPECT_EQ(com_intl_locname(&h.ctx, "", 0, nullptr, 0, nullptr, 0, name, 64, &len), 1);
+    EXPECT_EQ(std::string(name, len), "default");
+    EXPECT_EQ(com_intl_locname(&h.ctx, "french", 6, "iso_1", 5, "dict", 4, name, 64, &len), 1);
+    EXPECT_EQ(std::string(name, len), "french");
+    EXPECT_EQ(com_intl_locname(&h.ctx, "japanese", 8, "eucjis", 6, nullptr, 0, name, 64, &len), 1);
+    EXPECT_EQ(std::string(name, len), "ja");
+    EXPECT_EQ(com_intl_locname(&h.ctx, "us_english", 10, "cp850", 5, "nocase", 6, name, 5, &len),
+              CS_CONV_OVERFLOW);
+    EXPECT_EQ(std::string(name, len), "us_en");
+    EXPECT_EQ(com_intl_locname(&h.ctx, "german", 6, "iso_1", 5, nullptr, 0, name, 64, &len), 0);
+    EXPECT_EQ(com_intl_locname(&h.ctx, "french", 6, "iso_1", 5, nullptr, 0, name, 64, &len), 0);
+}
+
+TEST(IntlVerify, LocaleFilesInOrder) {
+    Home h;
+    const std::string p = h.home.path;
+    char path[COM_INTL_PATH_SIZE + 1];
+    auto verify = [&] {
+        return com_intl_verify_locfiles(&h.ctx, "french", "iso_1", "dict", path,
+                                        COM_INTL_PATH_SIZE);
+    };
+    EXPECT_EQ(verify(), 0);
+    EXPECT_EQ(path, p + "/locales/french/iso_1/common.loc");
+    h.home.write("locales/french/iso_1/common.loc", "");
+    EXPECT_EQ(verify(), 0);
+    EXPECT_EQ(path, p + "/locales/french/iso_1/cslib.loc");
+    h.home.write("locales/french/iso_1/cslib.loc", "");
+    EXPECT_EQ(verify(), 0);
+    EXPECT_EQ(path, p + "/charsets/iso_1/dict.srt");
+    h.home.write("charsets/iso_1/dict.srt", "");
+    EXPECT_EQ(verify(), 0);
+    EXPECT_EQ(path, p + "/charsets/iso_1/charset.loc");
+    h.home.write("charsets/iso_1/charset.loc", "");
+    EXPECT_EQ(verify(), 1);
+    h.ctx.flags = COM_CTX_CLIENT_LAYER;
+    EXPECT_EQ(verify(), 0);
+    EXPECT_EQ(path, p + "/locales/french/iso_1/ctlib.loc");
+
+    LocaleRecord rec{};
+    rec.language = const_cast<char *>("french");
+    rec.charset = const_cast<char *>("iso_1");
+    EXPECT_EQ(com_intl_verify_a_msgfile(&h.ctx, &rec, "cslib.loc", path, COM_INTL_PATH_SIZE), 1);
+    EXPECT_EQ(com_intl_verify_a_msgfile(&h.ctx, &rec, "other.loc", path, COM_INTL_PATH_SIZE), 0);
+}
+
+// Runs the diagnostic and returns what it printed.
+std::string diagnose(ComContext *ctx) {
+    testing::internal::CaptureStderr();
+    com_intl_verify_ctxloc(ctx);
+    return testing::internal::GetCapturedStderr();
+}
+
+TEST(IntlVerify, ContextDiagnosticForEveryFailure) {
+    const std::string head =
+        "\n\nThe context allocation routine failed when it tried to load localization files!!\n"
+        "One or more following problems may caused the failure\n\n";
+    EnvGuard all("LC_ALL"), lang("LANG");
+    all.unset();
+    lang.unset();
+    {
+        EnvGuard veldar("VELDAR");
+        veldar.set("/" + std::string(1100, 'h'));
+        ComContext ctx{};
+        EXPECT_EQ(diagnose(&ctx), head + "Cannot access the veldar home directory, please check "
+                                         "environment variable VELDAR or ~veldar\n");
+    }
+    Home h(nullptr);
+    const std::string p = h.home.path;
+    const std::string homeline = "Your veldar home directory is " + p +
+                                 ". Check the environment variable VELDAR if it is not the one "
+                                 "you want!\n";
+    const std::string locfile = p + "/locales/locales.dat";
+    EXPECT_EQ(diagnose(&h.ctx), head + homeline + "Cannot access file " + locfile + "\n");
+
+    h.home.write("locales/locales.dat", "[linux]\nlocale = default, us_english, iso_1\n");
+    lang.set(std::string(300, 'x'));
+    EXPECT_EQ(diagnose(&h.ctx), head + homeline +
+                                    "An intl library error occurs when trying to get locale "
+                                    "name from environment variable LANG\n");
+    lang.set("fr%s_FR");
+    EXPECT_EQ(diagnose(&h.ctx),
+              head + homeline +
+                  "Using locale name \"fr%s_FR\" defined in environment variable LANG\n" +
+                  "Locale name \"fr%s_FR\" doesn't exist in your " + locfile + " file\n");
+    lang.unset();
+    all.set("default");
+    const std::string all_line = "Using locale name \"default\" defined in environment variable "
+                                 "LC_ALL\n";
+    const std::string missing = "Cannot access " + p +
+                                "/locales/us_english/iso_1/common.loc file\n" + "Cannot access " +
+                                p + "/locales/us_english/iso_1/cslib.loc file\n" +
+                                "Cannot access " + p + "/charsets/iso_1/binary.srt file\n" +
+                                "Cannot access " + p + "/charsets/iso_1/charset.loc file\n";
+    EXPECT_EQ(diagnose(&h.ctx), head + homeline + all_line + missing);
+    all.unset();
+    h.home.write("locales/us_english/iso_1/common.loc", "");
+    h.home.write("locales/us_english/iso_1/cslib.loc", "");
+    h.home.write("charsets/iso_1/binary.srt", "");
+    h.home.write("charsets/iso_1/charset.loc", "");
+    EXPECT_EQ(diagnose(&h.ctx), head + homeline + "Using default locale name: \"default\"\n");
+
+    h.home.write("locales/locales.dat", "[linux]\nlocale = \"default\n");
+    EXPECT_EQ(diagnose(&h.ctx),
+              head + homeline + "Using default locale name: \"default\"\n" +
+                  "An intl library error occurs when trying to get lang, charset and sortorder "
+                  "from file: " +
+                  locfile + ", can't continue!\n");
+}
+
+TEST(IntlStrcmp, UnsignedAndCounted) {
+    EXPECT_EQ(com_unsignstrcmp("abc", "abc"), 0);
+    EXPECT_GT(com_unsignstrcmp("\xe9", "z"), 0); // unsigned: é after z
+    EXPECT_EQ(com_unsignstrcmp("ab", "abc"), -'c');
+    EXPECT_EQ(com_unsignstrncmp("abX", "abY", 2), 0);
+    EXPECT_EQ(com_unsignstrncmp("abX", "abY", 0), 0);
+    EXPECT_EQ(com_unsignstrncmp("abX", "abY", -3), 0);
+    // Past both terminators the comparison goes on.
+    const char a[] = {'a', 'b', 0, 'x', 0}, b[] = {'a', 'b', 0, 'y', 0};
+    EXPECT_EQ(com_unsignstrncmp(a, b, 5), 'x' - 'y');
+    EXPECT_EQ(com_unsignstrncmp(a, b, 3), 0);
+}
+
+} // namespace

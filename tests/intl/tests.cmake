@@ -1,0 +1,8 @@
+# Differential check of the loaded single-byte character sets against Python's codecs.
+find_package(Python3 COMPONENTS Interpreter QUIET)
+if(Python3_FOUND AND NOT COMN_SANITIZE)
+  add_test(NAME intl_charsets_vs_python
+    COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_LIST_DIR}/check_charsets.py $<TARGET_FILE:comn>)
+  set_tests_properties(intl_charsets_vs_python PROPERTIES
+    ENVIRONMENT "VELDAR=${COMN_TEST_HOME}" LABELS intl)
+endif()
