@@ -102,11 +102,40 @@ COMN_API int32_t comn_fixedtobin(const void *src, int32_t size, DataFormat *dest
 COMN_API int32_t comn_fixedtovarbin(const void *src, int32_t size, DataFormat *destfmt,
                                     void *dest, int32_t *destlen);
 
-/* ---- Money conversions ---- */
+/* ---- Money conversions ----
+   Money sources to integers, floats, bit and money, and integers and floats into money;
+   the routine is comn_<src>to<dst>. */
+#define COMN_MONEY_SOURCE_PAIRS(X)                                                                 \
+    X(money, i1) X(money, i2) X(money, i4) X(money, i8) X(money, bit) X(money, flt4)               \
+    X(money, flt8) X(money, money) X(money, mny4)                                                  \
+    X(mny4, i1) X(mny4, i2) X(mny4, i4) X(mny4, i8) X(mny4, bit) X(mny4, flt4) X(mny4, flt8)       \
+    X(mny4, money) X(mny4, mny4)
+#define COMN_INTO_MONEY_PAIRS(X)                                                                   \
+    X(i1, money) X(i1, mny4) X(i2, money) X(i2, mny4) X(i4, money) X(i4, mny4)                     \
+    X(flt4, money) X(flt4, mny4) X(flt8, money) X(flt8, mny4)
+COMN_MONEY_SOURCE_PAIRS(COMN_DECLARE_PAIR_)
+COMN_INTO_MONEY_PAIRS(COMN_DECLARE_PAIR_)
+COMN_DECLARE_CONV_(comn_moneytonum)
+COMN_DECLARE_CONV_(comn_mny4tonum)
 
 /* ---- Exact numeric conversions ---- */
 
+COMN_DECLARE_CONV_(comn_numtonum)
+COMN_DECLARE_CONV_(comn_numtomoney)
+COMN_DECLARE_CONV_(comn_numtomny4)
+
 /* ---- Datetime conversions ---- */
+
+#define COMN_DATE_CONVS(X)                                                                         \
+    X(comn_datetodate) X(comn_datetodate4) X(comn_datetochar) X(comn_datetovarchar)                \
+    X(comn_datetobin) X(comn_datetovarbin)                                                         \
+    X(comn_date4todate4) X(comn_date4todate) X(comn_date4tochar) X(comn_date4tovarchar)            \
+    X(comn_date4tobin) X(comn_date4tovarbin)
+COMN_DATE_CONVS(COMN_DECLARE_CONV_)
+
+/* The output style of a datetime-to-text conversion: the locale's, if the formatter knows it,
+   else 9. */
+COMN_API int32_t comn_get_datetochar_fmt(ComContext *ctx, DataFormat *fmt);
 
 /* ---- Text input conversions ---- */
 

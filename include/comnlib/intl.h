@@ -252,4 +252,6 @@ COMN_API int32_t com_spec_tord(const uint8_t *table, const char *a, int32_t alen
 
 COMN_END_DECLS
 
+#include "xlate.h" /* character set translation */
+
 #endif

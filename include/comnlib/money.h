@@ -1,10 +1,156 @@
-/* comnlib: money values: arithmetic, text and scaling. */
+/*
+ * comnlib: money values: arithmetic, text and scaling.
+ *
+ * MoneyValue is a 64-bit two's-complement count of 1/10000 units (upper word first);
+ * Money4Value a 32-bit one. Most operations exist in three layers with the same arithmetic:
+ *   com__mny...  internal: returns a small code (0 success, 1 overflow, 2 syntax,
+ *                3 division by zero, 6 digits dropped, treated as overflow);
+ *   comn_mny...  client: the same with the code mapped to CS_SUCCEED / CS_CONV_OVERFLOW /
+ *                CS_CONV_SYNTAX / CS_CONV_DIVZERO;
+ *   com_mny...   old: the internal code handed back unchanged.
+ */
 #ifndef COMNLIB_MONEY_H
 #define COMNLIB_MONEY_H
 
+#include "intl.h"
 #include "types.h"
 
 COMN_BEGIN_DECLS
+
+/* Internal result codes of the money (and exact numeric) routines. */
+#define COM_MNY_OK 0
+#define COM_MNY_OVERFLOW 1
+#define COM_MNY_SYNTAX 2
+#define COM_MNY_DIVZERO 3
+#define COM_MNY_DROPPED 6
+
+/* ---- Layered 8-byte and 4-byte operations ----
+   One row per operation: internal name, client name, old name, parameters, arguments.
+   The client form maps the internal code; the old form returns it unchanged. */
+#define COMN_MONEY_LAYERED(X)                                                                      \
+    X(com__mnycopy, comn_mnycopy, com_mnycopy, (const MoneyValue *src, MoneyValue *dst),           \
+      (src, dst))                                                                                  \
+    X(com__mnyminus, comn_mnyminus, com_mnyminus, (const MoneyValue *src, MoneyValue *dst),        \
+      (src, dst))                                                                                  \
+    X(com__mnyinc, comn_mnyinc, com_mnyinc, (MoneyValue * value), (value))                         \
+    X(com__mnydec, comn_mnydec, com_mnydec, (MoneyValue * value), (value))                         \
+    X(com__mnyadd, comn_mnyadd, com_mnyadd,                                                        \
+      (const MoneyValue *a, const MoneyValue *b, MoneyValue *dst), (a, b, dst))                    \
+    X(com__mnysub, comn_mnysub, com_mnysub,                                                        \
+      (const MoneyValue *a, const MoneyValue *b, MoneyValue *dst), (a, b, dst))                    \
+    X(com__mnyscale, comn_mnyscale, com_mnyscale,                                                  \
+      (MoneyValue * value, uint32_t multiplier, int32_t addend), (value, multiplier, addend))      \
+    X(com__mnyminus4, comn_mny4minus, com_mny4minus, (const Money4Value *src, Money4Value *dst),   \
+      (src, dst))                                                                                  \
+    X(com__mnyadd4, comn_mny4add, com_mny4add,                                                     \
+      (const Money4Value *a, const Money4Value *b, Money4Value *dst), (a, b, dst))                 \
+    X(com__mnysub4, comn_mny4sub, com_mny4sub,                                                     \
+      (const Money4Value *a, const Money4Value *b, Money4Value *dst), (a, b, dst))
+
+/* Multiplication and division, which go through exact numerics. */
+#define COMN_MONEY_LAYERED_NUMERIC(X)                                                              \
+    X(com__mnymul, comn_mnymul, com_mnymul,                                                        \
+      (const MoneyValue *a, const MoneyValue *b, MoneyValue *dst), (a, b, dst))                    \
+    X(com__mnydiv, comn_mnydivide, com_mnydivide,                                                  \
+      (const MoneyValue *a, const MoneyValue *b, MoneyValue *dst), (a, b, dst))                    \
+    X(com__mnymul4, comn_mny4mul, com_mny4mul,                                                     \
+      (const Money4Value *a, const Money4Value *b, Money4Value *dst), (a, b, dst))                 \
+    X(com__mnydiv4, comn_mny4divide, com_mny4divide,                                               \
+      (const Money4Value *a, const Money4Value *b, Money4Value *dst), (a, b, dst))
+
+/* Operations whose result is not a code: every layer returns the internal result as is. */
+#define COMN_MONEY_UNMAPPED(X)                                                                     \
+    X(com__mnydown, comn_mnydown, com_mnydown, (MoneyValue * value, int32_t divisor),              \
+      (value, divisor))                                                                            \
+    X(com__mnyinit, comn_mnyinit, com_mnyinit, (MoneyValue * value, int32_t digits),               \
+      (value, digits))                                                                             \
+    X(com__mnyndigit, comn_mnyndigit, com_mnyndigit, (MoneyValue * value, char *out), (value, out))
+
+/* Operations that return nothing. */
+#define COMN_MONEY_VOID(X)                                                                         \
+    X(com__maxposmny, comn_mnymaxpos, com_mnymaxpos, (MoneyValue * dst), (dst))                    \
+    X(com__maxnegmny, comn_mnymaxneg, com_mnymaxneg, (MoneyValue * dst), (dst))
+
+#define COMN_MONEY_DECLARE_INT_(internal, client, old, params, args)                               \
+    COMN_API int32_t internal params;                                                              \
+    COMN_API int32_t client params;                                                                \
+    COMN_API int32_t old params;
+#define COMN_MONEY_DECLARE_VOID_(internal, client, old, params, args)                              \
+    COMN_API void internal params;                                                                 \
+    COMN_API void client params;                                                                   \
+    COMN_API void old params;
+COMN_MONEY_LAYERED(COMN_MONEY_DECLARE_INT_)
+COMN_MONEY_LAYERED_NUMERIC(COMN_MONEY_DECLARE_INT_)
+COMN_MONEY_UNMAPPED(COMN_MONEY_DECLARE_INT_)
+COMN_MONEY_VOID(COMN_MONEY_DECLARE_VOID_)
+
+/* ---- Operations without an internal layer ---- */
+COMN_API void comn_mnyzero(MoneyValue *dst);
+COMN_API void com_mnyzero(MoneyValue *dst);
+COMN_API int32_t comn_mnycmp(const MoneyValue *a, const MoneyValue *b); /* -1, 0, 1 */
+COMN_API int32_t com_mnycmp(const MoneyValue *a, const MoneyValue *b);
+COMN_API int32_t comn_mny4copy(const Money4Value *src, Money4Value *dst); /* CS_SUCCEED */
+COMN_API int32_t com_mny4copy(const Money4Value *src, Money4Value *dst);  /* 0 */
+COMN_API void comn_mny4zero(Money4Value *dst);
+COMN_API void com_mny4zero(Money4Value *dst);
+COMN_API int32_t comn_mny4cmp(const Money4Value *a, const Money4Value *b);
+COMN_API int32_t com_mny4cmp(const Money4Value *a, const Money4Value *b);
+
+/* Long division of a money value by the unsigned low word of divisor (its high word is
+   ignored). The divisor must not be zero: it is not checked. */
+COMN_API void comn_mnyxdiv(const MoneyValue *dividend, const MoneyValue *divisor, MoneyValue *dst);
+COMN_API void com_mnyxdiv(const MoneyValue *dividend, const MoneyValue *divisor, MoneyValue *dst);
+/* The same for a divisor below 65536 (the low 16 bits of divisor->low are used). */
+COMN_API void comn__mny16div(const MoneyValue *dividend, const MoneyValue *divisor,
+                             MoneyValue *dst);
+COMN_API void com__mny16div(const MoneyValue *dividend, const MoneyValue *divisor, MoneyValue *dst);
+
+/* Logical right shift by one bit per significant bit of count. */
+COMN_API void com__mnyshift(MoneyValue *value, int32_t count);
+
+/* Money has no remainder operation: both always return 1 (overflow). */
+COMN_API int32_t com__mnyrem(const MoneyValue *a, const MoneyValue *b, MoneyValue *dst);
+COMN_API int32_t com__mnyrem4(const Money4Value *a, const Money4Value *b, Money4Value *dst);
+
+/* ---- Text ----
+   Printing flags: low byte 1 asks for thousands separators; flags >> 8 is the number of
+   decimal places (0 means 2, above 4 means 4). The text is right-aligned against the end of
+   the buffer and not terminated; the result is its first character, or null when the
+   buffer is too short. */
+COMN_API char *com__mnytochar(const MoneyValue *value, char *buf, int32_t buflen, int32_t flags);
+COMN_API char *com__mny4tochar(const Money4Value *value, char *buf, int32_t buflen, int32_t flags);
+COMN_API char *com_cvtmnytochar(const MoneyValue *value, char *buf, int32_t buflen,
+                                int32_t separators);
+COMN_API char *com_cvtmny4tochar(const Money4Value *value, char *buf, int32_t buflen,
+                                 int32_t flags);
+COMN_API char *com_precmnytochar(const MoneyValue *value, char *buf, int32_t buflen,
+                                 int32_t separators, int32_t places);
+
+/* Parses money text of len bytes through the character set's attribute record (null: the
+   built-in single-byte Latin-1 rules). Returns 0, 1 (overflow) or 2 (syntax). The fourth
+   argument is not used. */
+COMN_API int32_t com__mnyfromchar_mb(MoneyValue *dst, const char *text, int32_t len, int32_t unused,
+                                     const CharAttrib *charset);
+COMN_API int32_t com__mny4fromchar_mb(Money4Value *dst, const char *text, int32_t len,
+                                      int32_t unused, const CharAttrib *charset);
+
+/* ---- Integers and floating point ----
+   The integer routines return internal codes (0 success); the floating-point routines
+   return the destination length on success and -1 on overflow. */
+COMN_API int32_t com__inttomny(MoneyValue *dst, int32_t value);
+COMN_API int32_t com__mnytoint(const MoneyValue *value, int32_t *dst);
+COMN_API int32_t com__mny4toint(const Money4Value *value, int32_t *dst);
+COMN_API int32_t com__inttomny4(Money4Value *dst, int32_t value);
+COMN_API void com__mny4tomny(const Money4Value *value, MoneyValue *dst);
+COMN_API int32_t com__mnytomny4(const MoneyValue *value, Money4Value *dst); /* 4 or -1 */
+COMN_API int32_t com__mnytoflt8(const MoneyValue *value, int32_t len, double *dst);
+COMN_API int32_t com__mnytoflt4(const MoneyValue *value, int32_t len, float *dst);
+COMN_API int32_t com__mny4toflt8(const Money4Value *value, double *dst);
+COMN_API int32_t com__mny4toflt4(const Money4Value *value, float *dst);
+COMN_API int32_t com__flt8tomny(const double *value, int32_t len, MoneyValue *dst);
+COMN_API int32_t com__flt4tomny(const float *value, int32_t len, MoneyValue *dst);
+COMN_API int32_t com__flt8tomny4(const double *value, int32_t len, Money4Value *dst);
+COMN_API int32_t com__flt4tomny4(const float *value, int32_t len, Money4Value *dst);
 
 COMN_END_DECLS
 

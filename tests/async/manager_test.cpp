@@ -1,0 +1,348 @@
+// Global records, managers and their hooks, moving handles between managers, finding
+// completions, event waits, and every failure path: failing locks and callbacks, failed
+// allocations, shut while running.
+#include "async_support.h"
+
+#include "async/async_internal.h"
+
+#include <cstdlib>
+
+using namespace async_test;
+
+namespace {
+
+class Managers : public ::testing::Test {
+  protected:
+    void SetUp() override { fakes = Fakes{}; }
+    void TearDown() override {
+        EXPECT_EQ(fakes.mutexes, 0);
+        EXPECT_EQ(fakes.events, 0);
+        ComAppGlobal *g = &Application_global;
+        EXPECT_EQ(com_appglobal_drop(g, 1), CS_FAIL) << "static record left referenced";
+    }
+};
+
+int32_t done_now(ComAsyncHandle *h, void *, void *, int32_t) {
+    com_async_complete(h, 7, CS_SUCCEED, COM_ASYNC_COMP_KEEP);
+    return CS_SUCCEED;
+}
+
+TEST_F(Managers, StaticGlobalIsSharedAndClearedByTheLastDrop) {
+    ComAsyncManager *a = nullptr, *b = nullptr, *c = nullptr;
+    ASSERT_EQ(com_async_init(&a, nullptr, nullptr, COM_ASYNC_GLOBAL_STATIC, &fake_callbacks),
+              CS_SUCCEED);
+    ASSERT_EQ(com_async_init(&b, nullptr, nullptr, COM_ASYNC_GLOBAL_STATIC, nullptr), CS_SUCCEED);
+    ASSERT_EQ(com_async_init(&c, nullptr, nullptr, 0, nullptr), CS_SUCCEED);
+    EXPECT_EQ(a->global, &Application_global);
+    EXPECT_EQ(b->global, &Application_global);
+    EXPECT_NE(c->global, &Application_global);
+    EXPECT_EQ(Application_global.refcount, 2);
+    EXPECT_EQ(fakes.mutexes, 2) << "one for the manager, one for the global record";
+
+    // The last reference cannot go while a manager hangs off the record.
+    ComAppGlobal *g = nullptr;
+    ASSERT_EQ(com_appglobal_alloc(&g, nullptr, COM_ASYNC_GLOBAL_STATIC), CS_SUCCEED);
+    EXPECT_EQ(com_appglobal_drop(g, 1), CS_SUCCEED);
+    EXPECT_EQ(com_async_shut(a, 0), CS_SUCCEED);
+    ComAsyncHooks hooks{};
+    com_appglobal_hooks(&Application_global, COM_ASYNC_GET, &hooks);
+    EXPECT_EQ(hooks.iopost, com__async_iopost);
+    EXPECT_EQ(com_async_shut(b, 0), CS_SUCCEED);
+    EXPECT_EQ(Application_global.refcount, 0);
+    com_appglobal_hooks(&Application_global, COM_ASYNC_GET, &hooks);
+    EXPECT_EQ(hooks.iopost, nullptr);
+    EXPECT_EQ(com_async_shut(c, 0), CS_SUCCEED);
+
+    ASSERT_EQ(com_appglobal_alloc(&g, nullptr, 0), CS_SUCCEED);
+    ComAsyncManager *d = nullptr;
+    ASSERT_EQ(com_async_init(&d, nullptr, nullptr, 0, nullptr), CS_SUCCEED);
+    // A manager's global record refuses its last drop while the manager is linked.
+    EXPECT_EQ(com_appglobal_drop(d->global, 0), CS_FAIL);
+    EXPECT_EQ(com_async_shut(d, 0), CS_SUCCEED);
+    EXPECT_EQ(com_appglobal_drop(g, 0), CS_SUCCEED);
+}
+
+ComAsyncManager *chosen = nullptr;
+int32_t refuse_start(ComAsyncHandle *) {
+    return CS_BUSY;
+}
+
+TEST_F(Managers, HooksStartChooserAndAccessTest) {
+    ComAsyncManager *a = nullptr, *b = nullptr;
+    ASSERT_EQ(com_async_init(&a, nullptr, nullptr, COM_ASYNC_GLOBAL_STATIC, nullptr), CS_SUCCEED);
+    ASSERT_EQ(com_async_init(&b, nullptr, nullptr, COM_ASYNC_GLOBAL_STATIC, nullptr), CS_SUCCEED);
+    ComAsyncHandle *h = nullptr;
+    ASSERT_EQ(com_async_alloc(b, &h, 2), CS_SUCCEED);
+    ComAsyncHooks hooks{};
+    com_appglobal_hooks(&Application_global, COM_ASYNC_GET, &hooks);
+    ASSERT_EQ(hooks.access, com__async_access);
+    EXPECT_EQ(hooks.access(&Application_global), CS_SUCCEED);
+
+    hooks.start = refuse_start;
+    hooks.chooser = [](ComAsyncManager *, ComAsyncHandle *) { return chosen; };
+    com_appglobal_hooks(&Application_global, COM_ASYNC_SET, &hooks);
+    EXPECT_EQ(com_async_start(h), CS_BUSY);
+    EXPECT_EQ(state_of(h), COM_ASYNC_IDLE);
+    hooks.start = nullptr;
+    com_appglobal_hooks(&Application_global, COM_ASYNC_SET, &hooks);
+
+    com_async_push(h, done_now);
+    ASSERT_EQ(com_async_start(h), CS_SUCCEED);
+    EXPECT_EQ(com__async_access(&Application_global), CS_FAIL) << "a handle runs";
+    com_async_restart(h, CS_SUCCEED);
+    EXPECT_EQ(com__async_access(&Application_global), CS_FAIL) << "a handle is ready";
+    chosen = b; // a poll of manager a is redirected to b, where the handle lives
+    ComAsyncHandle *found = nullptr;
+    EXPECT_EQ(com_async_poll(a, nullptr, 0, COM_ASYNC_POLL_TAKE, &found), CS_SUCCEED);
+    EXPECT_EQ(found, h);
+    EXPECT_EQ(com__async_access(&Application_global), CS_SUCCEED);
+    chosen = nullptr;
+    EXPECT_EQ(com_async_poll(a, nullptr, 0, 0, &found), CS_QUIET);
+    EXPECT_EQ(com_async_shut(a, 0), CS_SUCCEED);
+    EXPECT_EQ(com_async_shut(b, 0), CS_SUCCEED);
+
+    // Without the hooks installed a post has nowhere to go.
+    ASSERT_EQ(com_async_init(&a, nullptr, nullptr, COM_ASYNC_GLOBAL_NOHOOKS, nullptr), CS_SUCCEED);
+    ASSERT_EQ(com_async_alloc(a, &h, 0), CS_SUCCEED);
+    com_async_start(h);
+    EXPECT_EQ(com_async_iopost(h, CS_SUCCEED), CS_FAIL);
+    EXPECT_EQ(com_async_shut(a, 1), CS_SUCCEED);
+}
+
+TEST_F(Managers, AssocAndExitMoveHandlesUnderBothAccessLocks) {
+    ComAsyncManager *home = nullptr, *away = nullptr;
+    ASSERT_EQ(com_async_init(&home, nullptr, logging_access, 0, &fake_callbacks), CS_SUCCEED);
+    ASSERT_EQ(com_async_init(&away, nullptr, logging_access, 0, &fake_callbacks), CS_SUCCEED);
+    ComAsyncHandle *h = nullptr, *stay = nullptr;
+    ASSERT_EQ(com_async_alloc(home, &h, 1), CS_SUCCEED);
+    ASSERT_EQ(com_async_alloc(away, &stay, 1), CS_SUCCEED);
+    com_async_push(h, done_now);
+    com_async_start(h);
+    fakes.access_log.clear();
+    ASSERT_EQ(com_async_assoc(h, away), CS_SUCCEED);
+    EXPECT_EQ(fakes.access_log,
+              (std::vector<std::string>{"enter " + tag(home), "enter " + tag(away),
+                                        "leave " + tag(home), "leave " + tag(away)}));
+    com_async_restart(h, CS_SUCCEED);
+    EXPECT_EQ(com_async_poll(home, nullptr, 0, 0, nullptr), CS_QUIET);
+    ComAsyncHandle *found = nullptr;
+    EXPECT_EQ(com_async_poll(away, nullptr, 0, 0, &found), CS_SUCCEED);
+    EXPECT_EQ(found, h);
+
+    // Exit sends h home and frees the handle that was born in the manager.
+    ASSERT_EQ(com_async_exit(away), CS_SUCCEED);
+    EXPECT_EQ(com_async_get_hndl_by_func(home, 0, nullptr, &found, 7), 1);
+    EXPECT_EQ(found, h);
+    EXPECT_EQ(com_async_shut(home, 0), CS_SUCCEED);
+}
+
+TEST_F(Managers, FindCompletionByCodeAndUserValue) {
+    ComAsyncManager *m = nullptr;
+    ASSERT_EQ(com_async_init(&m, nullptr, nullptr, 0, nullptr), CS_SUCCEED);
+    ComAsyncHandle *hs[3];
+    int users[3];
+    const int32_t codes[3] = {7, 8, 8};
+    for (int i = 0; i < 3; ++i) {
+        ASSERT_EQ(com_async_alloc(m, &hs[i], 1), CS_SUCCEED);
+        void *u = &users[i == 2 ? 1 : i];
+        com_async_props(hs[i], COM_ASYNC_SET, COM_ASYNC_PROP_USER1, &u);
+        com_async_start(hs[i]);
+        com_async_complete(hs[i], codes[i], CS_SUCCEED, COM_ASYNC_COMP_KEEP);
+    }
+    ComAsyncHandle *ref = hs[1], *found = nullptr;
+    EXPECT_EQ(com_async_get_hndl_by_func(m, 0, nullptr, &found, 9), 0);
+    EXPECT_EQ(found, nullptr);
+    EXPECT_EQ(com_async_get_hndl_by_func(m, 0, nullptr, &found, 7), 1);
+    EXPECT_EQ(found, hs[0]);
+    // Both remaining code-8 handles share user value 1; take them one by one.
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_EQ(com_async_get_hndl_by_func(m, COM_ASYNC_MATCH_USER1 | COM_ASYNC_MATCH_TAKE, ref,
+                                             &found, 8),
+                  1);
+        EXPECT_EQ(state_of(found), COM_ASYNC_IDLE);
+    }
+    EXPECT_EQ(com_async_get_hndl_by_func(m, COM_ASYNC_MATCH_USER1, ref, &found, 8), 0);
+    EXPECT_EQ(com_async_get_hndl_by_func(m, COM_ASYNC_MATCH_USER1, hs[0], &found, 7), 1);
+    EXPECT_EQ(com_async_shut(m, 0), CS_SUCCEED);
+}
+
+TEST_F(Managers, EventModeWaitsUntilTheEventWaitIsEnded) {
+    ComAsyncManager *m = nullptr;
+    ASSERT_EQ(com_async_init(&m, nullptr, nullptr, 0, &fake_callbacks), CS_SUCCEED);
+    ComAsyncHandle *h = nullptr;
+    ASSERT_EQ(com_async_alloc(m, &h, 1), CS_SUCCEED);
+    int waits = 0;
+    fakes.on_wait = [&](FakeEvent *) {
+        if (++waits == 3) com_async_comp_event_wait(h);
+    };
+    // An idle handle keeps an event-mode poll waiting until the wait is ended.
+    EXPECT_EQ(com_async_poll(m, h, 0, COM_ASYNC_POLL_ONE | COM_ASYNC_POLL_EVENT, nullptr),
+              CS_QUIET);
+    EXPECT_EQ(waits, 3);
+    int32_t flags = 0;
+    com_async_props(h, COM_ASYNC_GET, COM_ASYNC_PROP_FLAGS, &flags);
+    EXPECT_EQ(flags & COM_ASYNC_F_EVENTWAIT, 0);
+    EXPECT_EQ(fakes.signals, 1) << "only the handle had an event wait";
+
+    // Manager-wide, with a timeout (a zero timeout would end a pending poll at once): a
+    // post arriving during the wait completes the poll.
+    com_async_push(h, done_now);
+    com_async_start(h);
+    waits = 0;
+    fakes.on_wait = [&](FakeEvent *) {
+        if (++waits == 2) com_async_iopost(h, CS_SUCCEED);
+    };
+    ComAsyncHandle *found = nullptr;
+    EXPECT_EQ(com_async_poll(m, nullptr, 1000, COM_ASYNC_POLL_EVENT | COM_ASYNC_POLL_TAKE, &found),
+              CS_SUCCEED);
+    EXPECT_EQ(found, h);
+    EXPECT_EQ(waits, 2);
+    fakes.on_wait = nullptr;
+    EXPECT_EQ(com_async_comp_event_wait(h), CS_SUCCEED);
+    EXPECT_EQ(com_async_shut(m, 0), CS_SUCCEED);
+}
+
+// A restart that lands while the run is releasing the handle is run at once, under the
+// handle's mutex (the fake mutex would flag a second take by the chain).
+TEST_F(Managers, RestartSeenWhileReleasingRunsUnderTheMutex) {
+    ComAsyncManager *m = nullptr;
+    ASSERT_EQ(com_async_init(&m, nullptr, nullptr, 0, &fake_callbacks), CS_SUCCEED);
+    ComAsyncHandle *h = nullptr;
+    ASSERT_EQ(com_async_alloc(m, &h, 2), CS_SUCCEED);
+    static FakeMutex *held = nullptr;
+    static int finish_depth = -1;
+    com_async_push(h, [](ComAsyncHandle *hh, void *, void *, int32_t) -> int32_t {
+        finish_depth = held ? held->depth : -1;
+        com_async_complete(hh, 1, CS_SUCCEED, COM_ASYNC_COMP_KEEP);
+        return CS_SUCCEED;
+    });
+    com_async_push(h,
+                   [](ComAsyncHandle *, void *, void *, int32_t) -> int32_t { return CS_PENDING; });
+    com_async_start(h);
+    fakes.on_lock = [&](FakeMutex *mx) {
+        held = mx;
+        fakes.on_lock = nullptr;
+        com_async_restart(h, CS_SUCCEED);
+    };
+    ASSERT_EQ(com__async_runstack(h), CS_SUCCEED);
+    EXPECT_EQ(finish_depth, 1);
+    EXPECT_EQ(state_of(h), COM_ASYNC_DONE);
+    EXPECT_EQ(com_async_shut(m, 0), CS_SUCCEED);
+}
+
+TEST_F(Managers, FailingLocksAreReportedAndLeaveStateAlone) {
+    ComAsyncManager *m = nullptr;
+    ASSERT_EQ(com_async_init(&m, nullptr, logging_access, 0, &fake_callbacks), CS_SUCCEED);
+    ComAsyncHandle *h = nullptr;
+    ASSERT_EQ(com_async_alloc(m, &h, 1), CS_SUCCEED);
+    com_async_push(h, done_now);
+    com_async_start(h);
+    for (int nth : {1, 2}) { // the manager's mutex, then the handle's
+        fakes.locks = 0;
+        fakes.fail_lock = nth;
+        EXPECT_EQ(com_async_iopost(h, 5), CS_FAIL);
+        EXPECT_EQ(state_of(h), COM_ASYNC_RUNNING);
+    }
+    fakes.locks = 0;
+    fakes.fail_lock = 1;
+    com_async_restart(h, CS_SUCCEED);
+    EXPECT_EQ(com_async_poll(m, h, 0, COM_ASYNC_POLL_ONE, nullptr), CS_FAIL);
+    EXPECT_EQ(state_of(h), COM_ASYNC_READY);
+    fakes.fail_lock = 0;
+
+    fakes.fail_access = true;
+    ComAsyncHandle *other = nullptr;
+    int32_t st = 0;
+    EXPECT_EQ(com_async_alloc(m, &other, 1), CS_FAIL);
+    EXPECT_EQ(other, nullptr);
+    EXPECT_EQ(com_async_reg_checkfunc(h, done_now, COM_ASYNC_CHECK_STEP), CS_FAIL);
+    EXPECT_EQ(com_async_status(h, &st), CS_FAIL);
+    EXPECT_EQ(com_async_poll(m, nullptr, 0, 0, nullptr), CS_FAIL);
+    EXPECT_EQ(com_async_shut(m, 1), CS_FAIL);
+    fakes.fail_access = false;
+    EXPECT_EQ(com_async_shut(m, 1), CS_SUCCEED);
+}
+
+TEST_F(Managers, FailingCreationCallbacksUndoWhatWasMade) {
+    for (int which = 0; which < 4; ++which) {
+        SCOPED_TRACE(which);
+        fakes = Fakes{};
+        ComAsyncManager *m = nullptr;
+        ComAsyncHandle *h = nullptr;
+        // 0, 1: the manager's mutex or event; 2: the global mutex; 3: the handle's event.
+        if (which == 0 || which == 2) fakes.fail_create_mutex = which == 0 ? 1 : 2;
+        if (which == 1 || which == 3) fakes.fail_create_event = which == 1 ? 1 : 2;
+        int32_t r = com_async_init(&m, nullptr, nullptr, 0, &fake_callbacks);
+        if (which < 3) {
+            EXPECT_EQ(r, CS_FAIL);
+            EXPECT_EQ(m, nullptr);
+        } else {
+            ASSERT_EQ(r, CS_SUCCEED);
+            EXPECT_EQ(com_async_alloc(m, &h, 1), CS_FAIL);
+            EXPECT_EQ(com_async_shut(m, 0), CS_SUCCEED);
+        }
+        EXPECT_EQ(fakes.mutexes, 0);
+        EXPECT_EQ(fakes.events, 0);
+    }
+}
+
+int fail_at = 0, allocations = 0;
+void *failing_malloc(std::size_t n) {
+    return ++allocations == fail_at ? nullptr : std::malloc(n);
+}
+
+// Fails each allocation of a full set-up in turn: every failure is a clean CS_MEM_ERROR.
+TEST_F(Managers, FailedAllocationsReportMemErrorWithoutLeaks) {
+    comn::async::alloc_fn = failing_malloc;
+    for (fail_at = 1;; ++fail_at) {
+        allocations = 0;
+        ComAsyncManager *m = nullptr;
+        ComAsyncHandle *h = nullptr;
+        int32_t r = com_async_init(&m, nullptr, nullptr, 0, &fake_callbacks);
+        if (r == CS_SUCCEED) {
+            r = com_async_alloc(m, &h, 0);
+            for (int i = 0; r == CS_SUCCEED && i < 5; ++i) // two beyond the pool of three
+                r = com_async_reg_checkfunc(h, done_now, COM_ASYNC_CHECK_STEP);
+            EXPECT_EQ(com_async_shut(m, 1), CS_SUCCEED);
+        }
+        EXPECT_EQ(fakes.mutexes, 0);
+        EXPECT_EQ(fakes.events, 0);
+        if (r == CS_SUCCEED) break;
+        EXPECT_EQ(r, CS_MEM_ERROR) << "allocation " << fail_at;
+    }
+    comn::async::alloc_fn = std::malloc;
+    EXPECT_EQ(fail_at, 9) << "manager, global, handle, three checkpoints, two more, success";
+}
+
+TEST_F(Managers, StackDepthAndProperties) {
+    ComAsyncManager *m = nullptr;
+    ASSERT_EQ(com_async_init(&m, nullptr, nullptr, 0, nullptr), CS_SUCCEED);
+    ComAsyncHandle *h = nullptr;
+    EXPECT_EQ(com_async_alloc(m, &h, -1), CS_FAIL);
+    ASSERT_EQ(com_async_alloc(m, &h, 0), CS_SUCCEED);
+    int pushed = 0;
+    while (com_async_push(h, done_now) == CS_SUCCEED)
+        ++pushed;
+    EXPECT_EQ(pushed, 32) << "depth 0 asks for the default";
+    int32_t stacked = 0;
+    com_async_state(h, nullptr, &stacked);
+    EXPECT_EQ(stacked, 32);
+
+    uint32_t f = COM_ASYNC_F_INLINE;
+    int32_t got = 0;
+    com_async_props(h, COM_ASYNC_SET, COM_ASYNC_PROP_FLAGS, &f);
+    f = COM_ASYNC_F_POLLRUN;
+    com_async_props(h, COM_ASYNC_SET, COM_ASYNC_PROP_FLAGS, &f);
+    com_async_props(h, COM_ASYNC_GET, COM_ASYNC_PROP_FLAGS, &got);
+    EXPECT_EQ(got, COM_ASYNC_F_INLINE | COM_ASYNC_F_POLLRUN) << "a set ORs the bits in";
+    void *u = &got, *back = nullptr;
+    EXPECT_EQ(com_async_props(h, COM_ASYNC_SET, COM_ASYNC_PROP_USER2, &u), CS_SUCCEED);
+    EXPECT_EQ(com_async_props(h, COM_ASYNC_GET, COM_ASYNC_PROP_USER2, &back), CS_SUCCEED);
+    EXPECT_EQ(back, &got);
+    EXPECT_EQ(com_async_props(h, COM_ASYNC_GET, 4, &back), CS_FAIL);
+    EXPECT_EQ(com_async_props(h, 3, COM_ASYNC_PROP_USER1, &back), CS_FAIL);
+    EXPECT_EQ(com_async_drop(h), CS_SUCCEED);
+    EXPECT_EQ(com_async_shut(m, 0), CS_SUCCEED);
+}
+
+} // namespace

@@ -1,0 +1,380 @@
+// Calendar edge cases beside the Python oracle: the ends of the range, the millisecond
+// rounding rules, the deliberate ISO week numbering, differences and additions at their
+// limits, narrowing, and the small text writers.
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <string>
+
+#include "comnlib.h"
+
+namespace {
+
+DateTimeValue make(int y, int m, int d, int h = 0, int mi = 0, int s = 0, int ms = 0) {
+    DateRec r{};
+    r.year = y;
+    r.month = m - 1;
+    r.day_of_month = d;
+    r.hour = h;
+    r.minute = mi;
+    r.second = s;
+    r.millisecond = ms;
+    DateTimeValue dt{};
+    EXPECT_EQ(com__datemake(&dt, &r), 0);
+    EXPECT_EQ(com__timemake(&dt, &r), 0);
+    return dt;
+}
+
+DateRec crack(const DateTimeValue &dt) {
+    DateRec r{};
+    com_datecrack(&dt, &r);
+    com_timecrack(&dt, &r);
+    return r;
+}
+
+TEST(Calendar, RangeEndsAndEpoch) {
+    struct {
+        int32_t days;
+        int y, m, d, wd;
+    } cases[] = {{-53690, 1753, 0, 1, 1}, {0, 1900, 0, 1, 1}, {2958463, 9999, 11, 31, 5}};
+    for (auto c : cases) {
+        DateRec r = crack({c.days, 0});
+        EXPECT_EQ(r.year, c.y);
+        EXPECT_EQ(r.month, c.m);
+        EXPECT_EQ(r.day_of_month, c.d);
+        EXPECT_EQ(r.weekday, c.wd) << c.days;
+    }
+    EXPECT_EQ(com__leapcnt(-5), 0);
+    EXPECT_EQ(com__leapcnt(48), 11);  // 1756..1796 (1800 not yet)
+    EXPECT_EQ(com__leapcnt(148), 35); // 1800 and 1900 skipped
+    EXPECT_EQ(com__leapcnt(248), 60); // 2000 counted
+}
+
+TEST(Calendar, MakeRejectsEachFieldWithItsCode) {
+    struct {
+        int y, m, d, rc;
+    } cases[] = {{1752, 0, 1, 1}, {10000, 0, 1, 1}, {1999, 12, 1, 2}, {1999, -1, 1, 2},
+                 {1999, 0, 0, 3}, {1900, 1, 29, 3}, {2000, 1, 29, 0}, {1800, 1, 29, 3}};
+    for (auto c : cases) {
+        DateRec r{};
+        r.year = c.y;
+        r.month = c.m;
+        r.day_of_month = c.d;
+        DateTimeValue dt{7, 0};
+        EXPECT_EQ(com__datemake(&dt, &r), c.rc) << c.y << "-" << c.m << "-" << c.d;
+    }
+}
+
+TEST(Calendar, TimeMakeRoundsMillisecondsButKeeps999InItsSecond) {
+    struct {
+        int ms;
+        uint32_t ticks;
+    } cases[] = {{0, 0}, {1, 0}, {2, 1}, {5, 2}, {500, 150}, {998, 299}, {999, 299}};
+    for (auto c : cases) {
+        DateRec r{};
+        r.millisecond = c.ms;
+        DateTimeValue dt{};
+        ASSERT_EQ(com__timemake(&dt, &r), 0);
+        EXPECT_EQ(dt.ticks, c.ticks) << c.ms;
+    }
+    DateRec r{};
+    DateTimeValue dt{};
+    r.hour = 24;
+    EXPECT_EQ(com__timemake(&dt, &r), 4);
+    r = {};
+    r.minute = 60;
+    EXPECT_EQ(com__timemake(&dt, &r), 5);
+    r = {};
+    r.second = 60;
+    EXPECT_EQ(com__timemake(&dt, &r), 6);
+    r = {};
+    r.millisecond = 1000;
+    EXPECT_EQ(com__timemake(&dt, &r), 7);
+    // 23:59:59.999 is the last tick of the day.
+    EXPECT_EQ(make(1999, 1, 1, 23, 59, 59, 999).ticks, 25919999u);
+}
+
+TEST(Calendar, TimeCrackTruncatesTicksAndIgnoresHighBits) {
+    DateRec r = crack({0, 299});
+    EXPECT_EQ(r.millisecond, 996);
+    r = crack({0, 1});
+    EXPECT_EQ(r.millisecond, 3);
+    r = crack({0, 0xFE000000u | (10 * 1080000 + 30 * 18000 + 15 * 300 + 150)});
+    EXPECT_EQ(r.hour, 10);
+    EXPECT_EQ(r.minute, 30);
+    EXPECT_EQ(r.second, 15);
+    EXPECT_EQ(r.millisecond, 500);
+}
+
+TEST(Calendar, DatePartsRelativeToFirstDayAndSundayWeeks) {
+    const DateTimeValue sat = make(1999, 1, 16);
+    EXPECT_EQ(com_datepart(DATEPART_WEEKDAY, &sat, 0), 7);
+    EXPECT_EQ(com_datepart(DATEPART_WEEKDAY, &sat, 1), 6);
+    const DateTimeValue sun = make(1999, 1, 17);
+    EXPECT_EQ(com_datepart(DATEPART_WEEKDAY, &sun, 0), 1);
+    EXPECT_EQ(com_datepart(DATEPART_WEEKDAY, &sun, 1), 7);
+    EXPECT_EQ(com_datepart(DATEPART_QUARTER, &sun, 0), 1);
+    // 1 January 2000 is a Saturday: week 1 is one day, 2 January starts week 2; 31 December
+    // 2000 (a leap year's Sunday) is in week 54.
+    struct {
+        DateTimeValue dt;
+        int week;
+    } weeks[] = {{make(2000, 1, 1), 1}, {make(2000, 1, 2), 2}, {make(2000, 12, 31), 54}};
+    for (auto w : weeks)
+        EXPECT_EQ(com_datepart(DATEPART_WEEK, &w.dt, 0), w.week);
+    EXPECT_EQ(com_datepart(14, &sun, 0), CS_CONV_OVERFLOW);
+}
+
+TEST(Calendar, IsoWeekKeepsItsPreviousYearRule) {
+    struct {
+        int y, m, d, isoyear, isoweek, isowd;
+    } cases[] = {
+        {2005, 1, 1, 2004, 52, 6}, // true ISO week 53: the previous year is sought from 2 Jan
+        {2000, 1, 1, 1999, 53, 6}, // true ISO week 52
+        {2010, 1, 1, 2009, 53, 5},   {2008, 12, 31, 2009, 1, 3},
+        {2009, 12, 31, 2009, 53, 4}, {2004, 12, 31, 2004, 53, 5},
+    };
+    for (auto c : cases) {
+        const DateTimeValue dt = make(c.y, c.m, c.d);
+        EXPECT_EQ(com__datepart(DATEPART_ISOYEAR, &dt, 0), c.isoyear) << c.y << c.m << c.d;
+        EXPECT_EQ(com__datepart(DATEPART_ISOWEEK, &dt, 0), c.isoweek) << c.y << c.m << c.d;
+        EXPECT_EQ(com__datepart(DATEPART_ISOWEEKDAY, &dt, 0), c.isowd) << c.y << c.m << c.d;
+    }
+}
+
+TEST(Calendar, DateNames) {
+    const DateTimeValue dt = make(1999, 1, 15, 22, 30, 15, 500);
+    const char *const *months = com__get_months();
+    const char *const *days = com__get_weekdays();
+    char buf[64];
+    struct {
+        int part;
+        const char *text;
+    } cases[] = {
+        {DATEPART_YEAR, "1999"}, {DATEPART_MONTH, "January"}, {DATEPART_WEEKDAY, "Friday"},
+        {DATEPART_DAY, "15"},    {DATEPART_HOUR, "22"},       {DATEPART_MILLISECOND, "500"},
+        {DATEPART_ISOWEEK, ""},  {DATEPART_ISOYEAR, ""},      {99, ""}};
+    for (auto c : cases) {
+        const int32_t n = com_datename(c.part, &dt, buf, months, days);
+        EXPECT_EQ(std::string(buf, static_cast<size_t>(n)), c.text) << c.part;
+    }
+    EXPECT_EQ(com__datename(DATEPART_MONTH, &dt, buf, nullptr, days), 0);
+    EXPECT_EQ(com__datename(DATEPART_WEEKDAY, &dt, buf, months, nullptr), 0);
+    // More than four digits show as a star; names stop at 30 bytes.
+    EXPECT_EQ(com__itochar(12345, buf, 4), 1);
+    EXPECT_EQ(buf[0], '*');
+    const char *long_names[12];
+    const std::string long_name(40, 'x');
+    for (auto &n : long_names)
+        n = long_name.c_str();
+    EXPECT_EQ(com__datename(DATEPART_MONTH, &dt, buf, long_names, days), 30);
+}
+
+TEST(Calendar, DiffFoldsHoursWholeButSmallerPartsSeparately) {
+    const DateTimeValue a = make(1999, 1, 1, 23, 59, 59), b = make(1999, 1, 2);
+    const DateTimeValue c = make(1999, 1, 1, 0, 0, 30), d = make(1999, 1, 2);
+    struct {
+        int part;
+        DateTimeValue from, to;
+        int32_t want;
+    } cases[] = {
+        {DATEPART_MINUTE, a, b, 1},
+        {DATEPART_HOUR, a, b, 0},
+        {DATEPART_MINUTE, c, d, 1440},
+        {DATEPART_HOUR, c, d, 23},
+        {DATEPART_SECOND, b, a, -1},
+        {DATEPART_HOUR, d, c, -23},
+        {DATEPART_MILLISECOND, c, d, 86400000 - 30000},
+        {DATEPART_WEEK, make(1999, 1, 16), make(1999, 1, 17), 1},
+        {DATEPART_WEEK, make(1999, 1, 17), make(1999, 1, 16), -1},
+        {DATEPART_WEEK, make(1999, 1, 17), make(1999, 1, 23), 0},
+        {DATEPART_WEEKDAY, make(1999, 1, 1), make(1999, 1, 14), 1},
+        {DATEPART_QUARTER, make(1999, 3, 31), make(1999, 4, 1), 1},
+        {DATEPART_QUARTER, make(2000, 1, 1), make(1999, 12, 31), -1},
+    };
+    for (auto t : cases) {
+        int32_t r = 12345;
+        EXPECT_EQ(com__datediff(t.part, &t.from, &t.to, &r), 0);
+        EXPECT_EQ(r, t.want) << t.part;
+    }
+    int32_t r = 77;
+    EXPECT_EQ(com__datediff(11, &a, &b, &r), 0);
+    EXPECT_EQ(r, 77);
+}
+
+TEST(Calendar, DiffOverflowLimits) {
+    const DateTimeValue base{0, 0};
+    struct {
+        int part;
+        int32_t days;
+        uint32_t ticks;
+        int rc;
+    } cases[] = {
+        {DATEPART_MILLISECOND, 24, 0, 0},
+        {DATEPART_MILLISECOND, 25, 0, 1},
+        {DATEPART_MILLISECOND, 24, 300 * 3600, 0}, // 24 days and an hour still fits
+        {DATEPART_MILLISECOND, -24, 0, 0},
+        {DATEPART_MILLISECOND, -25, 0, 1},
+        {DATEPART_SECOND, 24855, 0, 0},
+        {DATEPART_SECOND, 24856, 0, 1},
+        {DATEPART_SECOND, 24855, 300 * 11647, 0},
+        {DATEPART_SECOND, 24855, 300 * 11648, 1},
+        {DATEPART_MINUTE, 1491308, 0, 0},
+        {DATEPART_MINUTE, 1491309, 0, 1},
+        {DATEPART_HOUR, 2958463, 0, 0},
+    };
+    for (auto c : cases) {
+        const DateTimeValue to{c.days, c.ticks};
+        int32_t r;
+        EXPECT_EQ(com__datediff(c.part, &base, &to, &r), c.rc) << c.part << " " << c.days;
+    }
+    // A positive day count with a negative part of a day is held to the fixed limit.
+    const DateTimeValue from{0, 300 * 60};
+    const DateTimeValue to{24856, 0};
+    int32_t r;
+    EXPECT_EQ(com__datediff(DATEPART_SECOND, &from, &to, &r), 1);
+}
+
+TEST(Calendar, AddClampsMonthEndsAndCarriesTime) {
+    struct {
+        DateTimeValue start;
+        int part, amount, rc;
+        DateTimeValue want;
+    } cases[] = {
+        {make(1999, 1, 31), DATEPART_MONTH, 1, 0, make(1999, 2, 28)},
+        {make(2000, 1, 31), DATEPART_MONTH, 1, 0, make(2000, 2, 29)},
+        {make(1900, 1, 15), DATEPART_MONTH, -1, 0, make(1899, 12, 15)},
+        {make(1999, 11, 30), DATEPART_QUARTER, 1, 0, make(2000, 2, 29)},
+        {make(2000, 2, 29, 10), DATEPART_YEAR, 1, 0, make(2001, 2, 28, 10)},
+        {make(1999, 1, 1), DATEPART_WEEK, 2, 0, make(1999, 1, 15)},
+        {make(1999, 1, 1, 23, 59, 59, 997), DATEPART_MILLISECOND, 2, 0, make(1999, 1, 2)},
+        {make(1999, 1, 1, 12), DATEPART_MILLISECOND, 1, 0, make(1999, 1, 1, 12)},
+        {make(1999, 1, 1, 1), DATEPART_HOUR, -2, 0, make(1998, 12, 31, 23)},
+        {make(1999, 1, 1, 1), DATEPART_HOUR, 24, 0, make(1999, 1, 2, 1)},
+        {make(1999, 1, 1, 1), DATEPART_HOUR, -49, 0, make(1998, 12, 30, 0)},
+        {make(1999, 1, 1), DATEPART_MINUTE, 1441, 0, make(1999, 1, 2, 0, 1)},
+        {make(1999, 1, 1), DATEPART_SECOND, -86401, 0, make(1998, 12, 30, 23, 59, 59)},
+        {make(9999, 12, 31), DATEPART_DAY, 1, 1, make(9999, 12, 31)},
+        {make(1753, 1, 1), DATEPART_DAYOFYEAR, -1, 1, make(1753, 1, 1)},
+        {make(9999, 12, 31), DATEPART_MONTH, 1, 1, {0, 0}},
+        {make(1999, 1, 1), DATEPART_DAY, INT_MAX, 1, make(1999, 1, 1)},
+        {make(1999, 1, 1), DATEPART_YEAR, INT_MAX, 1, make(1999, 1, 1)},
+    };
+    for (auto c : cases) {
+        DateTimeValue dt = c.start;
+        EXPECT_EQ(com__date_add(c.part, c.amount, &dt), c.rc) << c.part << " " << c.amount;
+        if (c.rc == 0 || c.part == DATEPART_DAY || c.part == DATEPART_DAYOFYEAR) {
+            EXPECT_EQ(dt.days, c.want.days) << c.part << " " << c.amount;
+            EXPECT_EQ(dt.ticks, c.want.ticks) << c.part << " " << c.amount;
+        }
+    }
+    DateTimeValue dt = make(1999, 1, 1);
+    EXPECT_EQ(com__date_add(11, 1, &dt), CS_CONV_OVERFLOW);
+}
+
+TEST(Calendar, NarrowingRoundsToTheMinuteWithinTheSmallRange) {
+    struct {
+        DateTimeValue dt;
+        int rc;
+        uint16_t days, minutes;
+    } cases[] = {
+        {make(2079, 6, 6, 23, 59, 29, 997), 0, 65535, 1439},
+        {make(2079, 6, 6, 23, 59, 30), 1, 0, 0},
+        {make(1999, 1, 1, 23, 59, 30), 0, 36160, 0},
+        {make(1999, 1, 1, 10, 30, 29, 997), 0, 36159, 630},
+        {make(1899, 12, 31), 1, 0, 0},
+        {make(2079, 6, 7), 1, 0, 0},
+    };
+    for (auto c : cases) {
+        DateTime4Value out{};
+        ASSERT_EQ(com__dttodate4(&c.dt, &out), c.rc);
+        if (c.rc == 0) {
+            EXPECT_EQ(out.days, c.days);
+            EXPECT_EQ(out.minutes, c.minutes);
+        }
+    }
+    const DateTime4Value small{100, 30};
+    DateTimeValue wide;
+    com__date4todt(&small, &wide);
+    EXPECT_EQ(wide.days, 100);
+    EXPECT_EQ(wide.ticks, 30u * 18000);
+}
+
+TEST(Calendar, AddBothAndValidity) {
+    DateTimeValue src = make(1999, 1, 31, 12);
+    DateTimeValue out8{};
+    DateTime4Value out4{};
+    ComValueDesc s{8, 8, &src}, d8{0, 8, &out8}, d4{0, 4, &out4};
+    EXPECT_EQ(com__dateadd_both(DATEPART_MONTH, 1, &s, &d8), 0);
+    EXPECT_EQ(d8.length, 8);
+    EXPECT_EQ(out8.days, make(1999, 2, 28).days);
+    EXPECT_EQ(com__dateadd_both(DATEPART_DAY, 1, &s, &d4), 0);
+    EXPECT_EQ(d4.length, 4);
+    EXPECT_EQ(out4.days, make(1999, 2, 1).days);
+    EXPECT_EQ(out4.minutes, 720);
+    ComValueDesc d2{0, 2, &out4}, s4{4, 4, &src};
+    EXPECT_EQ(com__dateadd_both(DATEPART_DAY, 1, &s, &d2), 1);
+    EXPECT_EQ(com__dateadd_both(DATEPART_DAY, 1, &s4, &d8), 1);
+    DateTimeValue old = make(1800, 1, 1);
+    ComValueDesc so{8, 8, &old};
+    EXPECT_EQ(com__dateadd_both(DATEPART_DAY, 1, &so, &d4), 1);
+
+    struct {
+        DateTimeValue v;
+        int valid;
+    } values[] = {{{0, 0}, 1},        {{2958463, 25919999}, 1}, {{2958464, 0}, 0}, {{-53691, 0}, 0},
+                  {{0, 25920000}, 1}, {{2958463, 25920000}, 0}, {{-53690, 0}, 1}};
+    // A full day of ticks is accepted where the day after exists: adding no minutes carries
+    // it into the next day, and only the day range can fail.
+    ComValueDesc desc{8, 8, nullptr};
+    for (auto v : values)
+        EXPECT_EQ(com__valid_datetime(&desc, &v.v), v.valid) << v.v.days;
+    const DateTime4Value small{65535, 1439};
+    ComValueDesc desc4{4, 4, nullptr};
+    EXPECT_EQ(com__valid_datetime(&desc4, &small), 1);
+}
+
+TEST(Calendar, Comparisons) {
+    const DateTimeValue a{5, 10}, b{5, 20}, c{-1, 30};
+    EXPECT_LT(com__datecmp(&a, &b), 0);
+    EXPECT_GT(com__datecmp(&a, &c), 0);
+    EXPECT_EQ(com_datecmp(&a, &b), -1);
+    EXPECT_EQ(com_datecmp(&b, &a), 1);
+    EXPECT_EQ(com_datecmp(&c, &a), -1);
+    EXPECT_EQ(com_datecmp(&a, &a), 0);
+    const DateTime4Value x{1, 2}, y{1, 3}, z{0, 900};
+    EXPECT_EQ(com_date4cmp(&x, &y), -1);
+    EXPECT_EQ(com_date4cmp(&x, &z), 1);
+    EXPECT_EQ(com_date4cmp(&y, &y), 0);
+    DateTimeValue v{9, 9};
+    EXPECT_EQ(com_datezero(&v), &v);
+    EXPECT_EQ(v.days, 0);
+    EXPECT_EQ(v.ticks, 0u);
+    com_setdatetime(&v, -7, 0xFFFFFFFFu);
+    EXPECT_EQ(v.days, -7);
+    EXPECT_EQ(v.ticks, 0xFFFFFFFFu);
+    DateTime4Value w{9, 9};
+    EXPECT_EQ(com_date4zero(&w)->minutes, 0);
+}
+
+TEST(Calendar, FieldWriters) {
+    char buf[16];
+    struct {
+        int32_t value, term, width;
+        const char *text;
+    } cases[] = {{7, 0, -2, "07"},        {7, 0, 2, " 7"},  {1999, 0, -2, "99"}, {5, 0, -4, "0005"},
+                 {1999, ':', 4, "1999:"}, {0, 0, 3, "  0"}, {123, 0, 0, ""}};
+    for (auto c : cases) {
+        const int32_t n = com__cpint(buf, c.value, c.term, c.width);
+        EXPECT_EQ(std::string(buf, static_cast<size_t>(n)), c.text);
+    }
+    EXPECT_EQ(com__cpchar(buf, "September", 0, 3), 3);
+    EXPECT_EQ(std::string(buf, 3), "Sep");
+    EXPECT_EQ(com__cpchar(buf, "AM", '|', 9), 3);
+    EXPECT_EQ(std::string(buf, 3), "AM|");
+    EXPECT_EQ(com__itochar(-42, buf, 0), 3);
+    EXPECT_EQ(std::string(buf, 3), "-42");
+    EXPECT_EQ(com__itochar(123, buf, 3), 3);
+}
+
+} // namespace

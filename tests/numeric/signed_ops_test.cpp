@@ -1,0 +1,221 @@
+// Signed operations and the machine-number and money conversions.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+
+#include "num_helpers.h"
+
+using namespace numtest;
+
+namespace {
+
+// Exact quotient num / den rounded half away from zero.
+i128 div_round(i128 num, i128 den) {
+    const bool neg = (num < 0) != (den < 0);
+    u128 n = num < 0 ? -static_cast<u128>(num) : num, d = den < 0 ? -static_cast<u128>(den) : den;
+    u128 q = n / d, r = n % d;
+    if (2 * r >= d) ++q;
+    return neg ? -static_cast<i128>(q) : static_cast<i128>(q);
+}
+
+i128 random_units(std::mt19937_64 &rng, int p) {
+    const u128 m = ((static_cast<u128>(rng()) << 64) | rng()) % static_cast<u128>(pow10(p));
+    return rng() & 1 ? -static_cast<i128>(m) : static_cast<i128>(m);
+}
+
+} // namespace
+
+TEST(NumericSigned, RandomOperationsMatchExactIntegers) {
+    std::mt19937_64 rng(11);
+    for (int i = 0; i < 20000; ++i) {
+        const int pa = 1 + rng() % 12, pb = 1 + rng() % 12; // products stay below 10^35
+        const int sa = rng() % (pa + 1), sb = rng() % (pb + 1);
+        const int rs = rng() % 12;
+        const i128 a = random_units(rng, pa), b = random_units(rng, pb);
+        Num x(a, pa, sa), y(b, pb, sb), r(0, 38, rs);
+        // Sum and difference at the common scale, then to the result's scale.
+        const int cs = sa > sb ? sa : sb;
+        const i128 as = a * pow10(cs - sa), bs = b * pow10(cs - sb);
+        auto at_scale = [&](i128 v, int from) {
+            return rs >= from ? v * pow10(rs - from) : div_round(v, pow10(from - rs));
+        };
+        ASSERT_EQ(com__exctnume_addorsub(x.get(), y.get(), r.get(), COMN_NUME_ADD), 0);
+        EXPECT_EQ(r.units(), at_scale(as + bs, cs));
+        ASSERT_EQ(com__exctnume_addorsub(x.get(), y.get(), r.get(), COMN_NUME_SUB), 0);
+        EXPECT_EQ(r.units(), at_scale(as - bs, cs));
+        ASSERT_EQ(com__exctnume_mul(x.get(), y.get(), r.get()), 0);
+        EXPECT_EQ(r.units(), at_scale(a * b, sa + sb));
+        if (b != 0) {
+            // a / b at scale rs = a * 10^(rs - sa + sb) / b
+            const int shift = rs - sa + sb;
+            const i128 q =
+                shift >= 0 ? div_round(a * pow10(shift), b) : div_round(a, b * pow10(-shift));
+            Num rem(0, 38, 0);
+            ASSERT_EQ(com__exctnume_div(x.get(), y.get(), r.get(), rem.get()), 0);
+            EXPECT_EQ(r.units(), q);
+            const i128 exact = shift >= 0 ? (a * pow10(shift)) % b : a % (b * pow10(-shift));
+            if (exact == 0) {
+                EXPECT_EQ(rem->length, 0);
+            } else {
+                EXPECT_EQ(rem.units(), exact);
+            }
+        } else {
+            EXPECT_EQ(com__exctnume_div(x.get(), y.get(), r.get(), nullptr), 3);
+        }
+        if (r.units() == 0) {
+            EXPECT_EQ(r.buf[0], 0);
+        }
+    }
+}
+
+TEST(NumericSigned, ResultMustFitPrecisionAndLength) {
+    Num a(99999, 5, 0), b(1, 5, 0), r5(0, 5, 0), r6(0, 6, 0);
+    EXPECT_EQ(com__exctnume_addorsub(a.get(), b.get(), r5.get(), COMN_NUME_ADD), 1);
+    EXPECT_EQ(com__exctnume_addorsub(a.get(), b.get(), r6.get(), COMN_NUME_ADD), 0);
+    EXPECT_EQ(r6.units(), 100000);
+    // Rounding up can carry into a new digit.
+    Num c(9995, 4, 3), r2(0, 3, 2), r1(0, 1, 0);
+    EXPECT_EQ(com__exctnume_addorsub(c.get(), Num(0, 1, 0).get(), r2.get(), COMN_NUME_ADD), 1);
+    EXPECT_EQ(com__exctnume_round(c.get(), r1.get(), 0), 1);
+    Num r3(0, 4, 3), r4(0, 5, 3);
+    EXPECT_EQ(com__exctnume_round(c.get(), r3.get(), 2), 1); // 10.000 needs five digits
+    EXPECT_EQ(com__exctnume_round(c.get(), r4.get(), 2), 0);
+    EXPECT_EQ(r4.units(), 10000);
+}
+
+TEST(NumericSigned, RoundingIsHalfAwayFromZero) {
+    struct Case {
+        i128 v;
+        int scale, places;
+        i128 want; // at the source scale
+    } cases[] = {
+        {100020001, 8, 4, 100020000},
+        {5000, 8, 4, 10000},
+        {-5000, 8, 4, -10000},
+        {4999, 8, 4, 0},
+        {-4999, 8, 4, 0},
+        {125, 2, 1, 130},
+        {-125, 2, 1, -130},
+        {149, 2, 0, 100},
+        {150, 2, 0, 200},
+        {12345, 0, -2, 12300},
+        {12350, 0, -2, 12400},
+    };
+    for (const auto &c : cases) {
+        Num x(c.v, 30, c.scale), r(0, 30, c.scale);
+        EXPECT_EQ(com__exctnume_round(x.get(), r.get(), c.places), 0);
+        EXPECT_EQ(r.units(), c.want) << static_cast<long long>(c.v);
+    }
+}
+
+TEST(NumericSigned, CeilingAndFloor) {
+    struct Case {
+        i128 v;
+        int scale;
+        i128 ceil, floor;
+    } cases[] = {
+        {15, 1, 2, 1}, {-15, 1, -1, -2}, {20, 1, 2, 2}, {-20, 1, -2, -2},
+        {1, 30, 1, 0}, {-1, 30, 0, -1},  {0, 5, 0, 0},
+    };
+    for (const auto &c : cases) {
+        Num x(c.v, 31, c.scale), r(0, 10, 0);
+        EXPECT_EQ(com__exctnume_ceilingfloor(x.get(), r.get(), COMN_NUME_CEILING), 0);
+        EXPECT_EQ(r.units(), c.ceil);
+        EXPECT_EQ(com__exctnume_ceilingfloor(x.get(), r.get(), COMN_NUME_FLOOR), 0);
+        EXPECT_EQ(r.units(), c.floor);
+    }
+}
+
+TEST(NumericConversions, MoneyRoundTripsAtTheExtremes) {
+    const int64_t values[] = {0, 1, -1, 10000, -12345678, INT64_MAX, INT64_MIN, INT64_MIN + 1};
+    for (int64_t v : values) {
+        MoneyValue m{static_cast<int32_t>(static_cast<uint64_t>(v) >> 32),
+                     static_cast<uint32_t>(v)};
+        uint8_t buf[9];
+        ExactNumericRef x{0, 0, 0, buf};
+        EXPECT_EQ(com__mny8toexctnume(&m, &x), 0);
+        EXPECT_EQ(x.length, 9);
+        EXPECT_EQ(x.precision, 19);
+        EXPECT_EQ(x.scale, 4);
+        EXPECT_EQ(buf[0], v < 0 ? 1 : 0);
+        MoneyValue back{};
+        EXPECT_EQ(com__exctnumetomny8(&x, &back), 1);
+        EXPECT_EQ(back.high, m.high);
+        EXPECT_EQ(back.low, m.low);
+    }
+    // 2^63 units fit only as a negative value.
+    Num big(static_cast<i128>(1) << 63, 19, 4);
+    MoneyValue out{7, 7};
+    EXPECT_EQ(com__exctnumetomny8(big.get(), &out), 0);
+    EXPECT_EQ(out.high, 7);
+    big.set(-(static_cast<i128>(1) << 63));
+    EXPECT_EQ(com__exctnumetomny8(big.get(), &out), 1);
+    EXPECT_EQ(out.high, INT32_MIN);
+    // Other scales are brought to four places, half away from zero.
+    Num fine(-123455, 10, 5);
+    EXPECT_EQ(com__exctnumetomny8(fine.get(), &out), 1);
+    EXPECT_EQ(out.high, -1);
+    EXPECT_EQ(static_cast<int32_t>(out.low), -12346);
+    Num coarse(7, 3, 0);
+    EXPECT_EQ(com__exctnumetomny8(coarse.get(), &out), 1);
+    EXPECT_EQ(out.low, 70000u);
+}
+
+TEST(NumericConversions, IntegersAtTheDestinationScale) {
+    Num x(0, 12, 2);
+    EXPECT_EQ(com__longtoexctnume(-2147483647 - 1, x.get()), 0);
+    EXPECT_EQ(x.units(), static_cast<i128>(-2147483648LL) * 100);
+    Num small(0, 3, 1);
+    EXPECT_EQ(com__longtoexctnume(100, small.get()), 1);
+    EXPECT_EQ(com__longtoexctnume(99, small.get()), 0);
+    EXPECT_EQ(small.units(), 990);
+    Num wide_x(0, 25, 5);
+    EXPECT_EQ(com__longlongtoexctnume(INT64_MIN, wide_x.get()), 0);
+    EXPECT_EQ(wide_x.units(), static_cast<i128>(INT64_MIN) * 100000);
+}
+
+TEST(NumericConversions, DoublesConvertExactlyBothWays) {
+    struct Case {
+        double d;
+        int p, s;
+        int rc;
+        i128 want;
+    } cases[] = {
+        {0.1, 20, 20, 0, static_cast<i128>(10000000000000000555ull)}, // exact binary value
+        {0.125, 5, 2, 0, 13},
+        {-0.125, 5, 2, 0, -13},
+        {2.5, 3, 0, 0, 3},
+        {1e20, 21, 0, 0, pow10(20)},
+        {1e21, 21, 0, 1, 0},
+        {-0.0, 5, 2, 0, 0},
+        {4e-320, 5, 2, 0, 0},
+        {NAN, 5, 2, 1, 0},
+        {INFINITY, 5, 2, 1, 0},
+    };
+    for (const auto &c : cases) {
+        Num x(0, c.p, c.s);
+        EXPECT_EQ(com__doubletoexctnume(c.d, x.get()), c.rc) << c.d;
+        if (c.rc == 0) {
+            EXPECT_EQ(x.units(), c.want) << c.d;
+            EXPECT_EQ(x.buf[0], c.want < 0);
+        }
+    }
+    std::mt19937_64 rng(5);
+    for (int i = 0; i < 5000; ++i) {
+        const int p = 1 + rng() % 38, s = rng() % (p + 1);
+        const i128 v = random_units(rng, p);
+        Num x(v, p, s);
+        double d = 0;
+        EXPECT_EQ(com__subexctnumetoflt8(x.get(), &d), 0);
+        char text[64];
+        std::string digits;
+        u128 m = v < 0 ? -static_cast<u128>(v) : v;
+        do {
+            digits.insert(digits.begin(), char('0' + static_cast<int>(m % 10)));
+            m /= 10;
+        } while (m);
+        std::snprintf(text, sizeof text, "%s%se-%d", v < 0 ? "-" : "", digits.c_str(), s);
+        EXPECT_EQ(d, std::strtod(text, nullptr)) << text;
+    }
+}
