@@ -5,8 +5,11 @@
 
 namespace comn {
 
+// The built-in "iso_1" record (the same one com_get_charattrib returns).
+extern const CharAttrib Iso1_attrib;
+
 inline const CharAttrib *attr_or_builtin(const CharAttrib *a) {
-    return a ? a : com_get_charattrib();
+    return a ? a : &Iso1_attrib;
 }
 
 // The 4-byte type map entry of the character at p: a lead byte's entry names the page that

@@ -19,12 +19,13 @@ constexpr size_t Header_size = 44;
 constexpr int Max_pages = 256; // page numbers are one byte; page 0 is the first level
 constexpr size_t Second_max = 65536;
 
+// Pages are allocated (zeroed) when the file first names them; a page never named reads as 0.
 struct Scratch {
-    uint8_t typemap[Max_pages][1024];
-    uint8_t asciimap[Max_pages][256];
+    uint8_t *typemap[Max_pages];
+    uint8_t *asciimap[Max_pages];
     uint8_t widthmap[256];
-    uint8_t second[Second_max];
-    int type_pages; // highest page given, + 1
+    uint8_t *second; // Second_max bytes once a [second] section appears
+    int type_pages;  // highest page given, + 1
     int ascii_pages;
     bool has_width;
     bool has_ascii;
@@ -64,6 +65,25 @@ int32_t read_info(IntlFile *f, const char *key, Scratch *s) {
     return 0;
 }
 
+uint8_t *page(uint8_t **slot, size_t size) {
+    if (!*slot) *slot = static_cast<uint8_t *>(std::calloc(1, size));
+    return *slot;
+}
+
+void free_scratch(Scratch *s) {
+    for (int p = 0; p < Max_pages; ++p) {
+        std::free(s->typemap[p]);
+        std::free(s->asciimap[p]);
+    }
+    std::free(s->second);
+    std::free(s);
+}
+
+// A cell of a page, 0 when the page was never given.
+uint8_t cell(uint8_t *const *pages, int p, size_t i) {
+    return pages[p] ? pages[p][i] : 0;
+}
+
 int32_t read_sections(IntlFile *f, Scratch *s) {
     int32_t st = 0;
     char *section = intl_nextsection(f, &st);
@@ -82,16 +102,19 @@ int32_t read_sections(IntlFile *f, Scratch *s) {
             if (info) {
                 rc = read_info(f, key, s);
             } else if (tpage >= 0) {
-                uint8_t *page = s->typemap[tpage];
+                uint8_t *page = comn::page(&s->typemap[tpage], 1024);
+                if (!page) return INTL_E_NOMEM;
                 rc = read_row(f, key, 256, 4, [&](size_t i, uint32_t v) {
                     for (int b = 0; b < 4; ++b)
                         page[4 * i + b] = static_cast<uint8_t>(v >> (24 - 8 * b));
                 });
             } else if (apage >= 0 || width) {
-                uint8_t *map = width ? s->widthmap : s->asciimap[apage];
+                uint8_t *map = width ? s->widthmap : comn::page(&s->asciimap[apage], 256);
+                if (!map) return INTL_E_NOMEM;
                 rc = read_row(f, key, 256, 1,
                               [&](size_t i, uint32_t v) { map[i] = static_cast<uint8_t>(v); });
             } else if (second) {
+                if (!comn::page(&s->second, Second_max)) return INTL_E_NOMEM;
                 rc = read_row(f, key, Second_max, 1, [&](size_t i, uint32_t v) {
                     s->second[i] = static_cast<uint8_t>(v);
                     if (i + 1 > s->second_size) s->second_size = i + 1;
@@ -110,15 +133,14 @@ bool consistent(const Scratch *s) {
     if (s->type_pages == 0) return false;
     for (int p = 0; p < s->type_pages; ++p)
         for (int c = 0; c < 256; ++c) {
-            const uint8_t *e = &s->typemap[p][4 * c];
+            const uint8_t bits = cell(s->typemap, p, 4 * c + 3), to = cell(s->typemap, p, 4 * c);
             // Only first-level entries lead to pages; a page entry marked as a lead is refused.
-            if ((e[3] & COM_CT_LEAD) && (p != 0 || e[0] == 0 || e[0] >= s->type_pages))
-                return false;
+            if ((bits & COM_CT_LEAD) && (p != 0 || to == 0 || to >= s->type_pages)) return false;
         }
     for (int c = 0; c < 256; ++c) {
         const int len = s->has_width ? (s->widthmap[c] & 0x0F) : 1;
         if (len < 1 || len > 4) return false;
-        if (s->has_ascii && len != 1 && s->asciimap[0][c] >= s->ascii_pages) return false;
+        if (s->has_ascii && len != 1 && cell(s->asciimap, 0, c) >= s->ascii_pages) return false;
     }
     return true;
 }
@@ -144,7 +166,8 @@ int32_t read_charset(IntlFile *f, const char *name, int32_t *reader_status, uint
     int32_t st = read_sections(f, s);
     if (st == 0 && !consistent(s)) st = INTL_E_SYNTAX;
     if (st < 0) {
-        std::free(s);
+        free_scratch(s);
+        if (st == INTL_E_NOMEM) return CS_MEM_ERROR;
         *reader_status = st;
         return COM_INTL_ERROR;
     }
@@ -157,7 +180,7 @@ int32_t read_charset(IntlFile *f, const char *name, int32_t *reader_status, uint
     if (!image || !attr) {
         std::free(image);
         com_free_char_attrib(attr);
-        std::free(s);
+        free_scratch(s);
         return CS_MEM_ERROR;
     }
     const uint16_t id = static_cast<uint16_t>(s->id);
@@ -167,22 +190,28 @@ int32_t read_charset(IntlFile *f, const char *name, int32_t *reader_status, uint
     static constexpr int Flag_slot[5] = {3, 4, 6, 5, 7};
     for (int i = 0; i < 5; ++i)
         image[Flag_slot[i]] = s->flags[i];
+    // Each part is a run of pages (missing ones stay zero in the calloc'ed image).
     size_t at = Header_size;
     const struct {
-        const uint8_t *data;
-        size_t size;
-    } parts[4] = {{s->widthmap, wsize},
-                  {&s->asciimap[0][0], asize},
-                  {&s->typemap[0][0], tsize},
-                  {s->second, s->second_size}};
+        uint8_t *const *pages;
+        int count;
+        size_t page_size;
+    } parts[4] = {{nullptr, s->has_width ? 1 : 0, 256},
+                  {s->asciimap, s->has_ascii ? s->ascii_pages : 0, 256},
+                  {s->typemap, s->type_pages, 1024},
+                  {&s->second, s->second_size ? 1 : 0, s->second_size}};
     for (int i = 0; i < 4; ++i) {
-        put_be32(image + 12 + 8 * i, parts[i].size ? static_cast<uint32_t>(at) : 0);
-        put_be32(image + 16 + 8 * i, static_cast<uint32_t>(parts[i].size));
-        if (parts[i].size) std::memcpy(image + at, parts[i].data, parts[i].size);
-        at += parts[i].size;
+        const size_t size = parts[i].page_size * static_cast<size_t>(parts[i].count);
+        put_be32(image + 12 + 8 * i, size ? static_cast<uint32_t>(at) : 0);
+        put_be32(image + 16 + 8 * i, static_cast<uint32_t>(size));
+        for (int p = 0; p < parts[i].count; ++p) {
+            const uint8_t *src = parts[i].pages ? parts[i].pages[p] : s->widthmap;
+            if (src) std::memcpy(image + at + parts[i].page_size * p, src, parts[i].page_size);
+        }
+        at += size;
     }
     const int32_t xlate = s->xlate >= 0 ? static_cast<int32_t>(s->xlate) : charset_xlate_id(name);
-    std::free(s);
+    free_scratch(s);
     com_build_char_attrib(COM_CHARATTR_IMAGE, xlate, name, image, attr);
     *image_out = image;
     *attr_out = attr;

@@ -7,6 +7,7 @@
 // are deliberately unlike: at the end of a, a pending expansion weight of b counts as a
 // difference; at the end of b, a's pending weight is not looked at, and the blank test
 // starts from a's last consumed byte.
+#include <algorithm>
 #include <cstring>
 
 #include "comnlib/intl.h"
@@ -78,6 +79,22 @@ int32_t sign(int32_t v) {
     return (v > 0) - (v < 0);
 }
 
+// Both cursors moved past the longest common prefix that cannot change the outcome: identical
+// bytes weigh identically (primary, secondary and tertiary alike) unless the last of them is
+// special, whose weight may depend on the byte after it (a ligature), so the prefix is cut
+// back to end on a plain character.
+void skip_common_prefix(const uint8_t *table, Cursor &a, Cursor &b) {
+    const size_t limit = static_cast<size_t>(std::min(a.end - a.p, b.end - b.p));
+    size_t n = 0;
+    while (n < limit && a.p[n] == b.p[n])
+        ++n;
+    while (n > 0 &&
+           tertiary(load32(table + COM_SORT_HEADER + 4 * static_cast<size_t>(a.p[n - 1]))) == 0)
+        --n;
+    a.p += n;
+    b.p += n;
+}
+
 } // namespace
 } // namespace comn
 
@@ -119,6 +136,7 @@ COMN_API int32_t com__smel_lsc(const uint8_t *list, int32_t start, const uint8_t
 COMN_API int32_t com__ps_dl_sqlhilo(const uint8_t *table, const char *a, int32_t alen,
                                     const char *b, int32_t blen) {
     comn::Cursor ca = comn::cursor(a, alen), cb = comn::cursor(b, blen);
+    comn::skip_common_prefix(table, ca, cb);
     int32_t tie = 0;
     uint32_t wa = 0, wb = 0;
     for (;;) {
@@ -144,6 +162,7 @@ COMN_API int32_t com_ps_dl_sqlhilo(const uint8_t *table, const char *a, int32_t 
 COMN_API int32_t com__spec_tord(const uint8_t *table, const char *a, int32_t alen, const char *b,
                                 int32_t blen) {
     comn::Cursor ca = comn::cursor(a, alen), cb = comn::cursor(b, blen);
+    comn::skip_common_prefix(table, ca, cb);
     uint32_t wa = 0, wb = 0;
     while (comn::next_weight(table, ca, wa) && comn::next_weight(table, cb, wb))
         if (comn::tertiary(wa) != comn::tertiary(wb))

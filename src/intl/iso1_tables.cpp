@@ -9,7 +9,7 @@
 #include <array>
 #include <cstdint>
 
-#include "comnlib/intl.h"
+#include "intl/charattr_internal.h"
 
 namespace comn {
 namespace {
@@ -91,20 +91,22 @@ constexpr Iso1Block Iso1 = make_block();
 static_assert(Iso1.typemap[4 * 0xDF + 3] == COM_CT_UPPER, "sharp s counts as upper case");
 static_assert(Iso1.typemap[4 * 0xFF] == 0xFF && Iso1.typemap[4 * 0xE9] == 0xC9);
 
-constexpr CharAttrib Iso1_attrib = {0,
-                                    1,
-                                    1,
-                                    5,
-                                    {'i', 's', 'o', '_', '1'},
-                                    {1, 1, 0, 1, 1},
-                                    nullptr,
-                                    nullptr,
-                                    Iso1.typemap.data(),
-                                    Iso1.soundex.data()};
-
 constexpr std::array<uint8_t, 1024> Iso1_charmap = make_map(true);
 
 } // namespace
+
+// The built-in record, reached directly by the classification routines.
+constinit const CharAttrib Iso1_attrib = {0,
+                                          1,
+                                          1,
+                                          5,
+                                          {'i', 's', 'o', '_', '1'},
+                                          {1, 1, 0, 1, 1},
+                                          nullptr,
+                                          nullptr,
+                                          Iso1.typemap.data(),
+                                          Iso1.soundex.data()};
+
 } // namespace comn
 
 extern "C" {

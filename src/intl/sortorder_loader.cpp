@@ -117,6 +117,7 @@ int32_t read_sortorder(IntlFile *f, int32_t *reader_status, uint8_t **table_out,
     if (st == 0 && !consistent(s)) st = INTL_E_SYNTAX;
     if (st < 0) {
         std::free(s);
+        if (st == INTL_E_NOMEM) return CS_MEM_ERROR;
         *reader_status = st;
         return COM_INTL_ERROR;
     }

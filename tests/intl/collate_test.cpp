@@ -160,4 +160,28 @@ TEST(Collate, DifferentialAgainstMemcmpAndStrcasecmp) {
     }
 }
 
+// A shared plain prefix never changes the answer, however long the common run of bytes that
+// follows it (which the comparison skips up to its last plain character).
+TEST(Collate, CommonPrefixIsNeutral) {
+    Orders o;
+    const uint8_t *t = o.table("iso_1", "dict");
+    ASSERT_NE(t, nullptr);
+    std::mt19937 rng(11);
+    const std::string alphabet = "cChHa \xe6\xdf\xe9" "e";
+    auto word = [&](int max) {
+        std::string s;
+        for (int n = rng() % max; n > 0; --n)
+            s += alphabet[rng() % alphabet.size()];
+        return s;
+    };
+    for (int i = 0; i < 20000; ++i) {
+        const std::string a = word(6), b = word(6), x = word(8) + "a";
+        EXPECT_EQ(cmp(t, x + a, x + b), cmp(t, a, b)) << x << "|" << a << "|" << b;
+        EXPECT_EQ(com__spec_tord(t, (x + a).data(), static_cast<int32_t>(x.size() + a.size()),
+                                 (x + b).data(), static_cast<int32_t>(x.size() + b.size())),
+                  com__spec_tord(t, a.data(), static_cast<int32_t>(a.size()), b.data(),
+                                 static_cast<int32_t>(b.size())));
+    }
+}
+
 } // namespace

@@ -1,0 +1,10 @@
+# Baseline of the collation benchmark: ICU's collator (libicu-dev), when installed.
+find_library(ICU_I18N icui18n)
+find_library(ICU_UC icuuc)
+find_path(ICU_INCLUDE unicode/ucol.h)
+if(ICU_I18N AND ICU_UC AND ICU_INCLUDE)
+  target_link_libraries(${name} PRIVATE ${ICU_I18N} ${ICU_UC})
+  target_include_directories(${name} PRIVATE ${ICU_INCLUDE})
+  target_compile_definitions(${name} PRIVATE HAVE_ICU)
+endif()
+target_compile_definitions(${name} PRIVATE COMN_HOME="${PROJECT_SOURCE_DIR}/home")
