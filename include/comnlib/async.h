@@ -134,6 +134,8 @@ COMN_API int32_t com_appglobal_hooks(ComAppGlobal *global, int32_t action, ComAs
 COMN_API int32_t com_async_init(ComAsyncManager **mgr, ComAsyncWaitFunc waitfunc,
                                 ComAsyncLockFunc accessfunc, int32_t flags,
                                 const ComThreadCallbacks *callbacks);
+/* Shut drops every handle in the manager's list, borrowed ones included. Handles the
+   manager lent to others must come back first (com_async_exit does so for the other way). */
 COMN_API int32_t com_async_shut(ComAsyncManager *mgr, int32_t force);
 COMN_API int32_t com_async_exit(ComAsyncManager *mgr);
 COMN_API int32_t com_async_assoc(ComAsyncHandle *hndl, ComAsyncManager *mgr);
@@ -152,6 +154,12 @@ COMN_API int32_t com_async_reg_checkfunc(ComAsyncHandle *hndl, ComAsyncStateFunc
                                          int32_t mask);
 
 /* ---- Running ---- */
+/* Start sets the handle running (state 4) without running anything; the owner then runs the
+   stack (com__async_runstack) or lets a post or a poll run it. A run of an empty stack is
+   refused with CS_FAIL; a run of a stack already running elsewhere with CS_BUSY. When the
+   manager has an access routine but no callback table, a run releases the handle under the
+   access lock, which a poll of the whole manager already holds: such an access lock must
+   let its holder enter again. */
 COMN_API int32_t com_async_start(ComAsyncHandle *hndl);
 COMN_API int32_t com_async_restart(ComAsyncHandle *hndl, int32_t status);
 COMN_API int32_t com_async_abort(ComAsyncHandle *hndl);
@@ -166,6 +174,11 @@ COMN_API int32_t com__async_poll_state(ComAsyncHandle *hndl, int32_t pollflags);
  *maywait (may be null) is set when a pending handle lets a zero timeout wait. */
 COMN_API int32_t com__async_do_poll(ComAsyncManager *mgr, ComAsyncHandle *hndl, int32_t pollflags,
                                     ComAsyncHandle **found, int32_t *maywait);
+/* Polls until something is reported. CS_SUCCEED with *found: a completion (a completed
+   handle counts only once the run that completed it has let go of it); CS_QUIET: nothing
+   under way; CS_TIMED_OUT: still pending at a zero timeout, pending with no wait routine,
+   the wait routine's timeout, or the stack is running on another thread; other results are
+   failures, with *found the handle concerned. mgr may be null for a single-handle poll. */
 COMN_API int32_t com_async_poll(ComAsyncManager *mgr, ComAsyncHandle *hndl, int32_t timeout,
                                 int32_t pollflags, ComAsyncHandle **found);
 

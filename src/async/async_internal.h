@@ -119,8 +119,9 @@ struct ComAsyncHandle {
     std::atomic<uint32_t> flags;
     ComAsyncPostFunc post;
     int32_t check_count;
-    comn::async::Checkpoint *checks; // registered, in registration order
-    comn::async::Checkpoint *pool;   // free records
+    comn::async::Checkpoint *checks;     // registered, in registration order
+    comn::async::Checkpoint *pool;       // free records
+    const ComThreadCallbacks *callbacks; // those of the home manager
     void *mutex;
     void *event;
     ComAsyncStateFunc *stack; // depth entries, allocated in the same block after the handle
@@ -136,9 +137,10 @@ inline int32_t access_leave(ComAsyncManager *m) {
     return m->accessfunc ? lock_result(m->accessfunc(m, COM_ASYNC_LEAVE)) : CS_SUCCEED;
 }
 
-// The handle's own mutex and event come from the callback table of its home manager.
+// The handle's own mutex and event come from the callback table of its home manager; the
+// handle keeps that table so it can release them wherever it lives.
 inline const ComThreadCallbacks *callbacks_of(const ComAsyncHandle *h) {
-    return h->home->callbacks;
+    return h->callbacks;
 }
 inline int32_t handle_lock(ComAsyncHandle *h) {
     return lock_result(mutex_take(callbacks_of(h), h->mutex));

@@ -70,6 +70,7 @@ COMN_API int32_t com_async_alloc(ComAsyncManager *m, ComAsyncHandle **out, int32
     auto *h = new (mem) ComAsyncHandle{};
     h->stack = reinterpret_cast<ComAsyncStateFunc *>(h + 1);
     h->manager = h->home = m;
+    h->callbacks = m->callbacks;
     h->next_index = depth;
     h->top_index = depth - 1;
     h->status = CS_SUCCEED;
@@ -100,9 +101,9 @@ COMN_API int32_t com_async_alloc(ComAsyncManager *m, ComAsyncHandle **out, int32
         return r;
     }
     list_push(m->handles, h);
-    r = access_leave(m);
+    access_leave(m); // the handle exists either way; the caller's lock reports its own failure
     *out = h;
-    return r;
+    return CS_SUCCEED;
 }
 
 COMN_API int32_t com_async_drop(ComAsyncHandle *h) {
@@ -110,9 +111,9 @@ COMN_API int32_t com_async_drop(ComAsyncHandle *h) {
     ComAsyncManager *m = h->manager;
     if (int32_t r = access_enter(m); r != CS_SUCCEED) return r;
     list_unlink(m->handles, h);
-    int32_t r = access_leave(m);
+    access_leave(m); // as in alloc: success means the handle is gone
     free_handle(h);
-    return r;
+    return CS_SUCCEED;
 }
 
 COMN_API int32_t com_async_props(ComAsyncHandle *h, int32_t action, int32_t property, void *value) {

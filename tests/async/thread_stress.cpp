@@ -266,7 +266,7 @@ TEST(AsyncThreads, EveryOperationCompletesExactlyOnce) {
         threads.emplace_back(poller, 7 + i);
     threads.emplace_back(event_poller, &event_exited);
 
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(120);
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
     while (w.completed.load() < TOTAL_OPS && std::chrono::steady_clock::now() < deadline)
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     w.stop.store(true);

@@ -1,0 +1,13 @@
+# Runs the tool on a few inputs and checks what it prints.
+function(expect out_want)
+  execute_process(COMMAND ${TOOL} ${ARGN} OUTPUT_VARIABLE out RESULT_VARIABLE rc)
+  string(STRIP "${out}" out)
+  if(NOT out STREQUAL out_want)
+    message(FATAL_ERROR "comconv ${ARGN}: printed '${out}', expected '${out_want}' (rc ${rc})")
+  endif()
+endfunction()
+expect("32767" convert int smallint 40000)
+expect("12.5000" convert float money 12.5)
+expect("1234567.8912" convert money numeric 1234567.8912)
+expect("Jan 15 1999 10:30PM" date "Jan 15 1999 10:30:15.500PM")
+expect("Jan 15 1999 10:30:15:500PM" date "Jan 15 1999 10:30:15.500PM" 109)
