@@ -124,6 +124,7 @@ COMN_API int32_t comn_dtloc_format(ComContext *ctx, LocaleHandle *locale);
 COMN_API int32_t comn_dtloc_is12hour(ComContext *ctx, LocaleHandle *locale);
 
 /* ---- Built-in English date names and settings, used where no locale is at hand ---- */
+COMN_API extern const char *const Com__Months[12];      /* full month names, January first */
 COMN_API const char *const *com__get_ampm(void);        /* 2: AM, PM */
 COMN_API const char *const *com__get_weekdays(void);    /* 7 full names, Sunday first */
 COMN_API const char *const *com__get_months(void);      /* 12 full names, January first */

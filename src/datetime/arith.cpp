@@ -61,7 +61,7 @@ int32_t diff_small(int32_t part, int64_t d, int64_t dticks, int32_t *result) {
 
 int32_t add_months(int64_t months, DateTimeValue *dt) {
     DateRec r;
-    com__datecrack(dt, &r);
+    crack_date(*dt, r);
     int64_t month = r.month + months;
     int64_t year = r.year;
     if (month < 0 || month > 11) {
@@ -129,8 +129,8 @@ COMN_API int32_t com__datediff(int32_t part, const DateTimeValue *from, const Da
     case DATEPART_QUARTER:
     case DATEPART_MONTH: {
         DateRec a, b;
-        com__datecrack(from, &a);
-        com__datecrack(to, &b);
+        crack_date(*from, a);
+        crack_date(*to, b);
         const int64_t years = int64_t{b.year} - a.year;
         if (part == DATEPART_YEAR)
             v = years;
@@ -166,7 +166,7 @@ COMN_API int32_t com__date_add(int32_t part, int32_t amount, DateTimeValue *dt) 
     switch (part) {
     case DATEPART_YEAR: {
         DateRec r;
-        com__datecrack(dt, &r);
+        crack_date(*dt, r);
         const int64_t year = int64_t{r.year} + amount;
         if (!fits32(year)) return 1;
         r.year = static_cast<int32_t>(year);

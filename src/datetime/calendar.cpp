@@ -1,9 +1,9 @@
 // Cracking and making datetimes and their date parts.
 //
 // Calendar: proleptic Gregorian, 1 January 1753 (days -53690) to 31 December 9999 (days
-// 2958463), day 0 = Monday 1 January 1900. Cracking divides once by 365 and corrects
-// downward for the leap days before the year; the month is found from the day of the year
-// with one table probe. The ISO week-numbering parts take Monday as the first day and the
+// 2958463), day 0 = Monday 1 January 1900. Cracking estimates the year from the mean year
+// length and corrects it by at most one year against the leap days before it; the month is
+// found from the day of the year with one table probe. The ISO week-numbering parts take Monday as the first day and the
 // week holding the first Thursday as week 1.
 #include "calendar.h"
 
@@ -18,6 +18,20 @@ constinit const MonthDays lmonthdays[12] = {
     {31, 182}, {31, 213}, {30, 244}, {31, 274}, {30, 305}, {31, 335}};
 // clang-format on
 
+YearDay split_year_outside(int64_t d) {
+    if (d < 0) { // no leap days are counted before 1753
+        const int64_t y = (d - 364) / 365;
+        return {static_cast<int32_t>(y), static_cast<int32_t>(d - 365 * y)};
+    }
+    auto y = static_cast<int32_t>((d - leapcnt(static_cast<int32_t>(d / 365))) / 365);
+    int64_t r = d - (365 * int64_t{y} + leapcnt(y));
+    while (r < 0)
+        r += 365 + leapyear(--y);
+    while (r >= 365 + leapyear(y))
+        r -= 365 + leapyear(y++);
+    return {static_cast<int32_t>(y), static_cast<int32_t>(r)};
+}
+
 namespace {
 
 // Added to the day number of 1 January (indexed by its weekday, 0 Sunday) it gives the
@@ -28,39 +42,9 @@ constexpr bool full_leap(int32_t year) {
     return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
 }
 
-constexpr int32_t leapcnt(int32_t n) {
-    if (n < 0) return 0;
-    return ((n + 52) / 100 + 1) / 4 + n / 4 - (n + 52) / 100;
-}
-
 // Day number of the Monday starting ISO week 1 of the year whose 1 January is day j.
 constexpr int64_t week_one(int64_t j) {
     return j + week_one_offset[weekday_of(j)];
-}
-
-// Days 1900-based to (years since 1753, day of year 0-based).
-struct YearDay {
-    int32_t y;
-    int32_t r;
-};
-inline YearDay split_year(int32_t days) {
-    const int64_t d = int64_t{days} + kDays1753; // days since 1 January 1753
-    if (d < 0) { // before 1753 (not a valid value): no leap days are counted there
-        const int64_t y = (d - 364) / 365;
-        return {static_cast<int32_t>(y), static_cast<int32_t>(d - 365 * y)};
-    }
-    // One division by 365, less the leap days so far, lands on the year or the one after it.
-    int64_t y = (d - leapcnt(static_cast<int32_t>(d / 365))) / 365;
-    int64_t r = d - (365 * y + leapcnt(static_cast<int32_t>(y)));
-    while (r >= 365 + leapyear(static_cast<int32_t>(y))) {
-        r -= 365 + leapyear(static_cast<int32_t>(y));
-        ++y;
-    }
-    while (r < 0) {
-        --y;
-        r += 365 + leapyear(static_cast<int32_t>(y));
-    }
-    return {static_cast<int32_t>(y), static_cast<int32_t>(r)}; // r in [0, 365]
 }
 
 int32_t iso_year(int32_t days, const DateRec &r) {
@@ -101,24 +85,11 @@ COMN_API int32_t com__leapcnt(int32_t n) {
 }
 
 COMN_API void com__datecrack(const DateTimeValue *dt, DateRec *rec) {
-    const YearDay yd = split_year(dt->days);
-    rec->year = 1753 + yd.y;
-    rec->weekday = weekday_of(dt->days);
-    rec->day_of_year = yd.r + 1;
-    // Months are at least 28 days long, so r / 32 is the month or the one before it.
-    const MonthDays *t = month_table(yd.y);
-    int32_t m = yd.r >> 5; // [0, 11]
-    if (m < 11 && yd.r >= t[m + 1].before) ++m;
-    rec->month = m;
-    rec->day_of_month = yd.r - t[m].before + 1;
+    crack_date(*dt, *rec);
 }
 
 COMN_API void com__timecrack(const DateTimeValue *dt, DateRec *rec) {
-    const uint32_t t = dt->ticks & kTickMask;
-    rec->hour = static_cast<int32_t>(t / kTicksPerHour);
-    rec->minute = static_cast<int32_t>(t / kTicksPerMinute % 60);
-    rec->second = static_cast<int32_t>(t / kTicksPerSecond % 60);
-    rec->millisecond = static_cast<int32_t>(t % kTicksPerSecond * 10 / 3);
+    crack_time(*dt, *rec);
 }
 
 COMN_API int32_t com__datemake(DateTimeValue *dt, const DateRec *rec) {
@@ -154,9 +125,9 @@ COMN_API int32_t com__datepart(int32_t part, const DateTimeValue *dt, int32_t fi
     DateRec r;
     if (part > DATEPART_ISOWEEKDAY) return CS_CONV_OVERFLOW;
     if (part >= DATEPART_HOUR && part <= DATEPART_MILLISECOND) {
-        com__timecrack(dt, &r);
+        crack_time(*dt, r);
     } else {
-        com__datecrack(dt, &r);
+        crack_date(*dt, r);
     }
     switch (part) {
     case DATEPART_YEAR:

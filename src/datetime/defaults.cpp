@@ -11,9 +11,6 @@ namespace {
 constexpr const char *kAmPm[2] = {"AM", "PM"};
 constexpr const char *kWeekdays[7] = {"Sunday",   "Monday", "Tuesday", "Wednesday",
                                       "Thursday", "Friday", "Saturday"};
-constexpr const char *kMonths[12] = {"January",   "February", "March",    "April",
-                                     "May",       "June",     "July",     "August",
-                                     "September", "October",  "November", "December"};
 constexpr const char *kShortMonths[12] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                           "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
 constexpr const char *kDays[7] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
@@ -34,6 +31,10 @@ using namespace comn;
 
 extern "C" {
 
+const char *const Com__Months[12] = {"January",   "February", "March",    "April",
+                                     "May",       "June",     "July",     "August",
+                                     "September", "October",  "November", "December"};
+
 COMN_API const char *const *com__get_ampm(void) {
     return kAmPm;
 }
@@ -41,7 +42,7 @@ COMN_API const char *const *com__get_weekdays(void) {
     return kWeekdays;
 }
 COMN_API const char *const *com__get_months(void) {
-    return kMonths;
+    return Com__Months;
 }
 COMN_API const char *const *com__get_shortmonths(void) {
     return kShortMonths;

@@ -36,33 +36,37 @@ constexpr AsciiTables make_ascii() {
 }
 constexpr AsciiTables kAscii = make_ascii();
 
-// Reads characters through a CharAttrib, or as plain ASCII when there is none.
-class Chars {
-  public:
-    explicit Chars(const CharAttrib *attr)
-        : widthmap_(attr ? attr->widthmap : nullptr), typemap_(attr ? attr->typemap : nullptr) {}
+// Plain ASCII: single bytes, digits and letters, upper-case folding.
+struct AsciiChars {
+    static int32_t length(const uint8_t *) { return 1; }
+    static uint8_t bits(const uint8_t *p, int32_t) { return kAscii.bits[*p]; }
+    static void fold(const uint8_t *p, int32_t n, uint8_t *out) {
+        out[0] = kAscii.upper[p[0]];
+        for (int32_t i = 1; i < n; ++i)
+            out[i] = p[i];
+    }
+    static uint8_t fold1(uint8_t c) { return kAscii.upper[c]; }
+};
 
-    // Byte length of the character starting at p (at least 1).
+// Characters of a CharAttrib: lengths from its width map (1 without one), classes and
+// upper-case folding from its type map (plain ASCII without one).
+class AttrChars {
+  public:
+    explicit AttrChars(const CharAttrib &attr) : widthmap_(attr.widthmap), typemap_(attr.typemap) {}
+
     int32_t length(const uint8_t *p) const {
         if (widthmap_ == nullptr) return 1;
         const int32_t n = widthmap_[*p] & 0x0F;
         return n == 0 ? 1 : n;
     }
-    // Type bits of a character of n bytes.
     uint8_t bits(const uint8_t *p, int32_t n) const {
         if (typemap_ == nullptr) return kAscii.bits[*p];
         return entry(p, n)[3];
     }
-    // Folds a character of n bytes into out. A lead byte keeps its value and the second byte
-    // folds through its page; bytes beyond the second, and bytes the map does not know
-    // (upper-case byte 0), are copied as they are.
+    // A lead byte keeps its value and the second byte folds through its page; bytes beyond
+    // the second, and bytes the map does not know (upper-case byte 0), are copied as they are.
     void fold(const uint8_t *p, int32_t n, uint8_t *out) const {
-        if (typemap_ == nullptr) {
-            out[0] = kAscii.upper[p[0]];
-            for (int32_t i = 1; i < n; ++i)
-                out[i] = p[i];
-            return;
-        }
+        if (typemap_ == nullptr) return AsciiChars::fold(p, n, out);
         const uint8_t *e = typemap_ + 4 * p[0];
         if (n >= 2 && (e[3] & COM_CT_LEAD)) {
             const uint8_t *pe = typemap_ + 1024 * size_t{e[0]} + 4 * p[1];
@@ -93,6 +97,7 @@ class Chars {
 };
 
 // Does the NUL-terminated entry, folded, equal the folded text exactly?
+template <typename Chars>
 bool name_equals(const uint8_t *folded, int32_t len, const uint8_t *entry, const Chars &ch) {
     int32_t pos = 0;
     uint8_t buf[8];
@@ -111,6 +116,7 @@ bool name_equals(const uint8_t *folded, int32_t len, const uint8_t *entry, const
     return entry[pos] == 0;
 }
 
+template <typename Chars>
 int lookup(const uint8_t *text, int32_t len, const char *const *table, int32_t count,
            const Chars &ch) {
     if (table == nullptr || len > kMaxDateName || len <= 0) return -1;
@@ -128,6 +134,7 @@ int lookup(const uint8_t *text, int32_t len, const char *const *table, int32_t c
     return -1;
 }
 
+template <typename Chars>
 void tokenize_one(const uint8_t *&p, int32_t &rem, DateToken &tok, const char *const *months,
                   const char *const *shorts, const Chars &ch) {
     tok = {TOK_END, 0, 0};
@@ -199,9 +206,9 @@ void tokenize_one(const uint8_t *&p, int32_t &rem, DateToken &tok, const char *c
         // A word: letters while they last.
         const uint8_t *start = p;
         int32_t chars = 0;
-        for (;;) {
+        while (rem > 0) {
             const int32_t m = ch.length(p);
-            if (rem <= 0 || m > rem || !(ch.bits(p, m) & (COM_CT_UPPER | COM_CT_LOWER))) break;
+            if (m > rem || !(ch.bits(p, m) & (COM_CT_UPPER | COM_CT_LOWER))) break;
             p += m;
             rem -= m;
             ++chars;
@@ -250,15 +257,17 @@ const StyleRule *find_style(int32_t style) {
 }
 
 // The token list being parsed, with consumption helpers.
+// Only the tokens up to the end token are ever read: the slots after it hold nothing.
 struct Tokens {
     DateToken t[kMaxDateTokens];
+    int end = 0; // index of the end token
 
-    int32_t cls(int i) const { return i >= 0 && i < kMaxDateTokens ? t[i].cls : TOK_END; }
+    int32_t cls(int i) const { return i >= 0 && i < end ? t[i].cls : TOK_END; }
     bool is(int i, int32_t c) const { return cls(i) == c; }
     void use(int i) { t[i].cls = TOK_USED; }
     // First token of class c at index from or later, before the end token.
     int find_from(int from, int32_t c) const {
-        for (int i = from; i < kMaxDateTokens && t[i].cls != TOK_END; ++i)
+        for (int i = from; i < end; ++i)
             if (t[i].cls == c) return i;
         return -1;
     }
@@ -388,13 +397,33 @@ int32_t parse_numeric(Tokens &tk, int sep, const StyleRule &rule, int32_t dateor
     return 0;
 }
 
+// Cuts the whole text into tokens; false for an error token or no room for the end token.
+template <typename Chars>
+bool tokenize(const char *text, int32_t len, const char *const *months, const char *const *shorts,
+              const Chars &ch, Tokens &tk) {
+    const auto *p = reinterpret_cast<const uint8_t *>(text);
+    int32_t rem = text != nullptr && len > 0 ? len : 0;
+    for (int i = 0; i < kMaxDateTokens; ++i) {
+        tokenize_one(p, rem, tk.t[i], months, shorts, ch);
+        if (tk.t[i].cls == TOK_ERROR) return false;
+        if (tk.t[i].cls == TOK_END) {
+            tk.end = i;
+            return true;
+        }
+    }
+    return false;
+}
+
 } // namespace
 
 void datetoken(const char **text, int32_t *remaining, DateToken *tok,
                const char *const *month_names, const char *const *short_month_names,
                const CharAttrib *attr) {
     const auto *p = reinterpret_cast<const uint8_t *>(*text);
-    tokenize_one(p, *remaining, *tok, month_names, short_month_names, Chars(attr));
+    if (attr != nullptr)
+        tokenize_one(p, *remaining, *tok, month_names, short_month_names, AttrChars(*attr));
+    else
+        tokenize_one(p, *remaining, *tok, month_names, short_month_names, AsciiChars());
     *text = reinterpret_cast<const char *>(p);
 }
 
@@ -406,7 +435,9 @@ int findtoken(const DateToken *list, int32_t cls) {
 
 int datelookup(const char *text, int32_t len, const char *const *table, int32_t count,
                const CharAttrib *attr) {
-    return lookup(reinterpret_cast<const uint8_t *>(text), len, table, count, Chars(attr));
+    const auto *p = reinterpret_cast<const uint8_t *>(text);
+    return attr != nullptr ? lookup(p, len, table, count, AttrChars(*attr))
+                           : lookup(p, len, table, count, AsciiChars());
 }
 
 int32_t xdatefromchar(DateTimeValue *out, const char *text, int32_t len, int32_t timeonly,
@@ -418,17 +449,10 @@ int32_t xdatefromchar(DateTimeValue *out, const char *text, int32_t len, int32_t
     if (rule == nullptr) return -1;
 
     Tokens tk;
-    {
-        const Chars ch(attr);
-        const auto *p = reinterpret_cast<const uint8_t *>(text);
-        int32_t rem = text != nullptr && len > 0 ? len : 0;
-        for (int i = 0;; ++i) {
-            if (i == kMaxDateTokens) return -1; // no room left for the end token
-            tokenize_one(p, rem, tk.t[i], month_names, short_month_names, ch);
-            if (tk.t[i].cls == TOK_ERROR) return -1;
-            if (tk.t[i].cls == TOK_END) break;
-        }
-    }
+    if (!(attr != nullptr
+              ? tokenize(text, len, month_names, short_month_names, AttrChars(*attr), tk)
+              : tokenize(text, len, month_names, short_month_names, AsciiChars(), tk)))
+        return -1;
     const bool leading_year = tk.t[0].cls == TOK_YEAR;
 
     DateRec rec{};
