@@ -24,6 +24,7 @@ COMN_BEGIN_DECLS
 #define COM_MNY_DIVZERO 3
 #define COM_MNY_DROPPED 6
 
+/* clang-format off */
 /* ---- Layered 8-byte and 4-byte operations ----
    One row per operation: internal name, client name, old name, parameters, arguments.
    The client form maps the internal code; the old form returns it unchanged. */
@@ -32,14 +33,14 @@ COMN_BEGIN_DECLS
       (src, dst))                                                                                  \
     X(com__mnyminus, comn_mnyminus, com_mnyminus, (const MoneyValue *src, MoneyValue *dst),        \
       (src, dst))                                                                                  \
-    X(com__mnyinc, comn_mnyinc, com_mnyinc, (MoneyValue * value), (value))                         \
-    X(com__mnydec, comn_mnydec, com_mnydec, (MoneyValue * value), (value))                         \
+    X(com__mnyinc, comn_mnyinc, com_mnyinc, (MoneyValue *value), (value))                          \
+    X(com__mnydec, comn_mnydec, com_mnydec, (MoneyValue *value), (value))                          \
     X(com__mnyadd, comn_mnyadd, com_mnyadd,                                                        \
       (const MoneyValue *a, const MoneyValue *b, MoneyValue *dst), (a, b, dst))                    \
     X(com__mnysub, comn_mnysub, com_mnysub,                                                        \
       (const MoneyValue *a, const MoneyValue *b, MoneyValue *dst), (a, b, dst))                    \
     X(com__mnyscale, comn_mnyscale, com_mnyscale,                                                  \
-      (MoneyValue * value, uint32_t multiplier, int32_t addend), (value, multiplier, addend))      \
+      (MoneyValue *value, uint32_t multiplier, int32_t addend), (value, multiplier, addend))       \
     X(com__mnyminus4, comn_mny4minus, com_mny4minus, (const Money4Value *src, Money4Value *dst),   \
       (src, dst))                                                                                  \
     X(com__mnyadd4, comn_mny4add, com_mny4add,                                                     \
@@ -60,16 +61,17 @@ COMN_BEGIN_DECLS
 
 /* Operations whose result is not a code: every layer returns the internal result as is. */
 #define COMN_MONEY_UNMAPPED(X)                                                                     \
-    X(com__mnydown, comn_mnydown, com_mnydown, (MoneyValue * value, int32_t divisor),              \
+    X(com__mnydown, comn_mnydown, com_mnydown, (MoneyValue *value, int32_t divisor),               \
       (value, divisor))                                                                            \
-    X(com__mnyinit, comn_mnyinit, com_mnyinit, (MoneyValue * value, int32_t digits),               \
+    X(com__mnyinit, comn_mnyinit, com_mnyinit, (MoneyValue *value, int32_t digits),                \
       (value, digits))                                                                             \
-    X(com__mnyndigit, comn_mnyndigit, com_mnyndigit, (MoneyValue * value, char *out), (value, out))
+    X(com__mnyndigit, comn_mnyndigit, com_mnyndigit, (MoneyValue *value, char *out), (value, out))
 
 /* Operations that return nothing. */
 #define COMN_MONEY_VOID(X)                                                                         \
-    X(com__maxposmny, comn_mnymaxpos, com_mnymaxpos, (MoneyValue * dst), (dst))                    \
-    X(com__maxnegmny, comn_mnymaxneg, com_mnymaxneg, (MoneyValue * dst), (dst))
+    X(com__maxposmny, comn_mnymaxpos, com_mnymaxpos, (MoneyValue *dst), (dst))                     \
+    X(com__maxnegmny, comn_mnymaxneg, com_mnymaxneg, (MoneyValue *dst), (dst))
+/* clang-format on */
 
 #define COMN_MONEY_DECLARE_INT_(internal, client, old, params, args)                               \
     COMN_API int32_t internal params;                                                              \

@@ -4,7 +4,10 @@
 #ifndef COMN_SRC_MONEY_INTERNAL_H
 #define COMN_SRC_MONEY_INTERNAL_H
 
+#include <bit>
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "comnlib/intl.h"
 #include "comnlib/money.h"
@@ -15,20 +18,27 @@ namespace comn {
 __extension__ typedef unsigned __int128 u128;
 __extension__ typedef __int128 i128;
 
-// The value as the 64-bit two's-complement integer it denotes (upper word first).
-constexpr int64_t mny_get(const MoneyValue &m) {
-    return static_cast<int64_t>((static_cast<uint64_t>(static_cast<uint32_t>(m.high)) << 32) |
-                                m.low);
-}
-
-constexpr MoneyValue mny_make(int64_t v) {
-    const auto u = static_cast<uint64_t>(v);
-    return MoneyValue{static_cast<int32_t>(static_cast<uint32_t>(u >> 32)),
-                      static_cast<uint32_t>(u)};
+// The value as the 64-bit two's-complement integer it denotes (upper word first). On a
+// little-endian host the two words loaded as one 64-bit integer come out swapped, which a
+// rotation by 32 bits puts right: one load and one rotate instead of two loads and a shift.
+inline int64_t mny_get(const MoneyValue &m) {
+    static_assert(sizeof(MoneyValue) == 8 && offsetof(MoneyValue, low) == 4);
+    uint64_t u;
+    std::memcpy(&u, &m, 8);
+    if constexpr (std::endian::native == std::endian::little) u = std::rotl(u, 32);
+    return static_cast<int64_t>(u);
 }
 
 inline void mny_set(MoneyValue *m, int64_t v) {
-    *m = mny_make(v);
+    auto u = static_cast<uint64_t>(v);
+    if constexpr (std::endian::native == std::endian::little) u = std::rotl(u, 32);
+    std::memcpy(m, &u, 8);
+}
+
+inline MoneyValue mny_make(int64_t v) {
+    MoneyValue m;
+    mny_set(&m, v);
+    return m;
 }
 
 // |v| as an unsigned number; the smallest value gives 2^63.
@@ -58,11 +68,6 @@ constexpr int32_t mny_client_code(int32_t code) {
 constexpr bool mny_fits4(int64_t v) {
     return v >= INT32_MIN && v <= INT32_MAX;
 }
-
-// The Latin-1 attribute record the text parser uses when it is given none. It carries only
-// what the parser reads (currency class, white-space bits) and stands in until the library's
-// own built-in "iso_1" record can be asked for.
-const CharAttrib &mny_iso1_charattrib();
 
 } // namespace comn
 

@@ -1,7 +1,7 @@
 // Money multiplication and division, done exactly through exact numerics: each operand is
 // carried as a numeric of length 9 (sign byte and eight magnitude bytes), precision 19 and
-// scale 4. The product is formed exactly at scale 8 and rounded to four decimals, the
-// quotient is formed at scale 4; both round half away from zero on the first dropped digit.
+// scale 4. Product and quotient are formed exactly and rounded to four decimals, half away
+// from zero on the first dropped digit.
 // The 4-byte forms widen, use the 8-byte routine and narrow.
 //
 // Overflow or division by zero stores 0 in the destination.
@@ -13,9 +13,6 @@ using comn::mny_set;
 namespace {
 
 constexpr int32_t kMoneyNumLen = 9; // sign byte + 8 magnitude bytes
-constexpr int32_t kProductLen = 33; // the widest numeric
-constexpr uint8_t kProductPrec = 77;
-constexpr uint8_t kProductScale = 8; // scale 4 times scale 4
 constexpr uint8_t kMoneyPrec = 19;
 constexpr uint8_t kMoneyScale = 4;
 
@@ -66,16 +63,12 @@ COMN_API int32_t com__mnymul(const MoneyValue *a, const MoneyValue *b, MoneyValu
         return COM_MNY_OK;
     }
     const MoneyNum x(*a), y(*b);
-    uint8_t bytes[kProductLen];
-    ExactNumericRef product{kProductLen, kProductPrec, kProductScale, bytes};
-    // Up to 2^126 at scale 8: always fits 32 magnitude bytes and 77 digits.
+    // The exact product has scale 8; the numeric multiplication rounds it once, half away
+    // from zero on the first dropped digit, to the money scale 4, and refuses a product of
+    // more than 19 digits. What remains to test is the 64-bit range.
+    uint8_t bytes[kMoneyNumLen];
+    ExactNumericRef product{kMoneyNumLen, kMoneyPrec, kMoneyScale, bytes};
     if (const int32_t code = com__exctnume_mul(&x.ref, &y.ref, &product); code != COM_MNY_OK) {
-        mny_set(dst, 0);
-        return code;
-    }
-    // Four decimals, kept at scale 8 with the last four digits zero.
-    if (const int32_t code = com__exctnume_round(&product, &product, kMoneyScale);
-        code != COM_MNY_OK) {
         mny_set(dst, 0);
         return code;
     }

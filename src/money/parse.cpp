@@ -11,6 +11,7 @@
 // any character that needs classifying is a syntax error; a null record means the built-in
 // Latin-1 rules. A character cut short by the end of the text is a syntax error: nothing past
 // len bytes is ever read.
+#include "comnlib/intl.h"
 #include "money/money_internal.h"
 
 namespace {
@@ -23,7 +24,7 @@ constexpr uint8_t kLeadType = COM_CT_LEAD;
 constexpr uint32_t kScaleByDecimals[4] = {10000, 1000, 100, 10};
 
 // The magnitude whose next digit 8 would reach 2^63: |smallest value| / 10.
-constexpr int64_t kMinPrefix = 922337203685477580;
+constexpr uint64_t kMinPrefix = 922337203685477580;
 
 // One character of the text: its reduced code and its class bits.
 struct Char {
@@ -74,9 +75,25 @@ class Reader {
 
 enum class Sign { None, Plus, Minus };
 
+// acc = acc * m + d on a non-negative accumulator, as the multiply-and-add of money values
+// does it: false, acc unchanged, when the result would pass the largest value. The pattern
+// of the smallest value (2^63, reached only by the at-minimum case) always overflows here.
+bool scale_add(uint64_t &acc, uint32_t m, uint32_t d) {
+    const comn::u128 r = static_cast<comn::u128>(acc) * m + d;
+    if (r > static_cast<uint64_t>(comn::kMoneyMax)) return false;
+    acc = static_cast<uint64_t>(r);
+    return true;
+}
+
 int32_t parse(MoneyValue *dst, const uint8_t *text, int32_t len, const CharAttrib &cs) {
-    comn::mny_set(dst, 0);
-    if (len < 0) return COM_MNY_SYNTAX;
+    // The value is accumulated as a magnitude (the bit pattern of the money value) and
+    // stored on every exit, so that a failure leaves what was accumulated up to it.
+    uint64_t acc = 0;
+    const auto done = [&](int32_t code) {
+        comn::mny_set(dst, static_cast<int64_t>(acc));
+        return code;
+    };
+    if (len < 0) return done(COM_MNY_SYNTAX);
     Reader in(cs, text, len);
     Sign sign = Sign::None;
     bool currency = false;
@@ -90,42 +107,41 @@ int32_t parse(MoneyValue *dst, const uint8_t *text, int32_t len, const CharAttri
     // Leading part, then the number; the loop ends on the character that ends the number.
     bool ended = false;
     while (!in.done()) {
-        if (!in.next(&c)) return COM_MNY_SYNTAX;
+        if (!in.next(&c)) return done(COM_MNY_SYNTAX);
         if (!started) {
             if (c.code == ' ') continue;
             if (c.code == '+' || c.code == '-') {
-                if (sign != Sign::None) return COM_MNY_SYNTAX;
+                if (sign != Sign::None) return done(COM_MNY_SYNTAX);
                 sign = c.code == '-' ? Sign::Minus : Sign::Plus;
                 continue;
             }
             const uint8_t *e = in.type_entry(c);
-            if (e == nullptr) return COM_MNY_SYNTAX;
+            if (e == nullptr) return done(COM_MNY_SYNTAX);
             if ((e[2] & kCurrencyClass) != 0) {
-                if (currency) return COM_MNY_SYNTAX;
+                if (currency) return done(COM_MNY_SYNTAX);
                 currency = true;
                 continue;
             }
             started = true;
         }
         if (c.code >= '0' && c.code <= '9') {
-            const int digit = c.code - '0';
+            const uint32_t digit = c.code - '0';
             if (decimals < 4) {
                 ++group;
                 if (decimals >= 0) ++decimals;
-                if (sign == Sign::Minus && digit == 8 && comn::mny_get(*dst) == kMinPrefix) {
-                    // 2^63 has no positive form to accumulate: store the smallest value.
-                    comn::mny_set(dst, comn::kMoneyMin);
+                if (sign == Sign::Minus && digit == 8 && acc == kMinPrefix) {
+                    // 2^63 has no positive form to accumulate: take the smallest value.
+                    acc = uint64_t{1} << 63;
                     at_minimum = true;
                     continue;
                 }
-                const int32_t code = com__mnyscale(dst, 10, digit);
-                if (code != COM_MNY_OK) return code;
+                if (!scale_add(acc, 10, digit)) return done(COM_MNY_OVERFLOW);
             } else if (!fifth_seen) {
                 fifth_seen = true; // only the fifth decimal rounds; later ones are ignored
-                if (at_minimum && digit != 0) return COM_MNY_OVERFLOW;
-                // The value is still a magnitude here; a carry to 2^63 wraps to the
-                // smallest value, which the sign check below accepts only with a minus.
-                if (digit >= 5) com__mnyinc(dst);
+                if (at_minimum && digit != 0) return done(COM_MNY_OVERFLOW);
+                // A carry to 2^63 becomes the smallest value's pattern, which the sign
+                // check below accepts only with a minus.
+                if (digit >= 5) ++acc;
             }
             continue;
         }
@@ -145,23 +161,21 @@ int32_t parse(MoneyValue *dst, const uint8_t *text, int32_t len, const CharAttri
     if (ended) {
         for (;;) {
             const uint8_t *e = in.type_entry(c);
-            if (e == nullptr || (e[3] & kSpaceType) == 0) return COM_MNY_SYNTAX;
+            if (e == nullptr || (e[3] & kSpaceType) == 0) return done(COM_MNY_SYNTAX);
             if (in.done()) break;
-            if (!in.next(&c)) return COM_MNY_SYNTAX;
+            if (!in.next(&c)) return done(COM_MNY_SYNTAX);
         }
     }
 
-    if (decimals < 4) {
-        const int32_t code = com__mnyscale(dst, kScaleByDecimals[decimals < 0 ? 0 : decimals], 0);
-        if (code != COM_MNY_OK) return code;
-    }
+    if (decimals < 4 && !scale_add(acc, kScaleByDecimals[decimals < 0 ? 0 : decimals], 0))
+        return done(COM_MNY_OVERFLOW);
 
-    const int64_t v = comn::mny_get(*dst);
-    if (v >= 0) {
-        if (sign == Sign::Minus) comn::mny_set(dst, -v);
-        return COM_MNY_OK;
+    if (acc <= static_cast<uint64_t>(comn::kMoneyMax)) {
+        if (sign == Sign::Minus) acc = 0 - acc;
+        return done(COM_MNY_OK);
     }
-    return sign == Sign::Minus && v == comn::kMoneyMin ? COM_MNY_OK : COM_MNY_OVERFLOW;
+    // Only the smallest value's pattern is left, and only a minus sign makes it valid.
+    return done(sign == Sign::Minus ? COM_MNY_OK : COM_MNY_OVERFLOW);
 }
 
 } // namespace
@@ -170,7 +184,7 @@ extern "C" {
 
 COMN_API int32_t com__mnyfromchar_mb(MoneyValue *dst, const char *text, int32_t len, int32_t,
                                      const CharAttrib *charset) {
-    const CharAttrib &cs = charset != nullptr ? *charset : comn::mny_iso1_charattrib();
+    const CharAttrib &cs = charset != nullptr ? *charset : *com_get_charattrib();
     return parse(dst, reinterpret_cast<const uint8_t *>(text), text != nullptr ? len : 0, cs);
 }
 

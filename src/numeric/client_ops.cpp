@@ -50,7 +50,7 @@ int32_t map_code(int32_t rc) {
 }
 
 // Fixes the result's precision and scale from its integer digits and requested scale.
-ExactNumericRef shape_result(NumericValue *r, int idigits, int scale, int carry_digit) {
+inline ExactNumericRef shape_result(NumericValue *r, int idigits, int scale, int carry_digit) {
     idigits = std::min(idigits, CS_MAX_PREC);
     scale = std::min(scale, CS_MAX_SCALE);
     const int prec = std::min(idigits + scale + carry_digit, CS_MAX_PREC);
@@ -60,9 +60,8 @@ ExactNumericRef shape_result(NumericValue *r, int idigits, int scale, int carry_
     return ref_of(r);
 }
 
-// Converts v to (precision, scale) into tmp when it has fewer digits or a smaller scale.
-int32_t align(NumericValue *&v, NumericValue &tmp, int precision, int scale) {
-    if (v->precision >= precision && v->scale >= scale) return CS_SUCCEED;
+// Converts v to (precision, scale) into tmp (and points v at it).
+[[gnu::noinline]] int32_t convert(NumericValue *&v, NumericValue &tmp, int precision, int scale) {
     DataFormat src{}, dst{};
     src.datatype = dst.datatype = CS_NUMERIC;
     src.maxlength = dst.maxlength = static_cast<int32_t>(sizeof(NumericValue));
@@ -73,6 +72,12 @@ int32_t align(NumericValue *&v, NumericValue &tmp, int precision, int scale) {
     if (rc != CS_SUCCEED) return rc;
     v = &tmp;
     return CS_SUCCEED;
+}
+
+// Brings v to (precision, scale) when it has fewer digits or a smaller scale.
+inline int32_t align(NumericValue *&v, NumericValue &tmp, int precision, int scale) {
+    if (v->precision >= precision && v->scale >= scale) return CS_SUCCEED;
+    return convert(v, tmp, precision, scale);
 }
 
 } // namespace
@@ -89,7 +94,7 @@ int32_t comn_num_addorsub(NumericValue *a, NumericValue *b, NumericValue *result
     if (const int32_t rc = align(b, tb, p, s); rc != CS_SUCCEED) return rc;
     const ExactNumericRef ra = ref_of(a), rb = ref_of(b);
     ExactNumericRef rr = shape_result(result, idigits, s, 1);
-    return map_code(com__exctnume_addorsub(&ra, &rb, &rr, op));
+    return map_code(addorsub(&ra, &rb, &rr, op));
 }
 
 int32_t comn_numadd(NumericValue *a, NumericValue *b, NumericValue *result) {
@@ -105,7 +110,7 @@ int32_t comn_nummul(NumericValue *a, NumericValue *b, NumericValue *result) {
     const ExactNumericRef ra = ref_of(a), rb = ref_of(b);
     const int idigits = int_digits(a) + int_digits(b) + 1;
     ExactNumericRef rr = shape_result(result, idigits, a->scale + b->scale, 0);
-    return map_code(com__exctnume_mul(&ra, &rb, &rr));
+    return map_code(mul(&ra, &rb, &rr));
 }
 
 int32_t comn_numdivide(NumericValue *a, NumericValue *b, NumericValue *result) {
@@ -114,7 +119,7 @@ int32_t comn_numdivide(NumericValue *a, NumericValue *b, NumericValue *result) {
     const int idigits = int_digits(a) + b->scale;
     const int scale = std::max(a->precision + b->scale + 1, 6);
     ExactNumericRef rr = shape_result(result, idigits, scale, 0);
-    return map_code(com__exctnume_div(&ra, &rb, &rr, nullptr));
+    return map_code(div(&ra, &rb, &rr, nullptr));
 }
 
 int32_t comn_numcmp(NumericValue *a, NumericValue *b) {

@@ -57,6 +57,14 @@ inline int32_t finish(ExactNumericRef *r, Nat &value, int scale, bool neg) {
     return store(r, value, neg);
 }
 
+// The signed operations behind com__exctnume_addorsub, _mul and _div, called directly by
+// the client operations.
+int32_t addorsub(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef *r,
+                 int32_t op);
+int32_t mul(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef *r);
+int32_t div(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef *q,
+            ExactNumericRef *rem);
+
 } // namespace comn::nume
 
 #endif

@@ -7,6 +7,9 @@
 // Digits dropped there are rounded half away from zero on the first dropped digit, and the
 // result must fit the descriptor's precision and length, else the code is 1. Rounding is not
 // reported as an error: the result descriptor's scale is the caller's request.
+//
+// Sums and products that need no rescaling take fixed-width paths first: one 128-bit word
+// for operands of up to 38 digits, four 64-bit limbs for up to 32 magnitude bytes.
 #include <cstring>
 
 #include "numeric/descriptor.h"
@@ -14,18 +17,191 @@
 using namespace comn::nume;
 namespace wide = comn::wide;
 
-extern "C" {
+namespace {
 
-int32_t com__exctnume_addorsub(const ExactNumericRef *a, const ExactNumericRef *b,
-                               ExactNumericRef *r, int32_t op) {
+using wide::u128;
+using wide::u64;
+
+// Fixed-width path: when no rescaling is needed, operands and results of at most 32
+// magnitude bytes are handled as four 64-bit limbs without the general loops.
+struct U256 {
+    u64 w[4];
+};
+
+// False when the magnitude is longer than 32 bytes.
+inline bool load256(const ExactNumericRef *x, U256 &v) {
+    const uint8_t *p = mag(x);
+    int n = x->length - 1;
+    if (n == 32) { // precisions 75 to 77
+        v = U256{{wide::load_be64(p + 24), wide::load_be64(p + 16), wide::load_be64(p + 8),
+                  wide::load_be64(p)}};
+        return true;
+    }
+    if (n < 0 || n > 32) return false;
+    v = U256{};
+    int i = 0;
+    for (; n >= 8; n -= 8)
+        v.w[i++] = wide::load_be64(p + n - 8);
+    for (int j = 0; j < n; ++j)
+        v.w[i] = (v.w[i] << 8) | p[j];
+    return true;
+}
+
+inline bool is_zero(const U256 &v) {
+    return (v.w[0] | v.w[1] | v.w[2] | v.w[3]) == 0;
+}
+
+inline bool less(const U256 &a, const U256 &b) {
+    // Subtract with borrow: branch-free, in registers.
+    u64 borrow = 0;
+#pragma GCC unroll 4
+    for (int i = 0; i < 4; ++i) {
+        const u64 d = a.w[i] - b.w[i];
+        borrow = (a.w[i] < b.w[i]) | (d < borrow);
+    }
+    return borrow != 0;
+}
+
+// a + b; false on a carry out of 256 bits.
+inline bool add256(const U256 &a, const U256 &b, U256 &r) {
+    u64 c = 0;
+#pragma GCC unroll 4
+    for (int i = 0; i < 4; ++i) {
+        const u128 t = static_cast<u128>(a.w[i]) + b.w[i] + c;
+        r.w[i] = static_cast<u64>(t);
+        c = static_cast<u64>(t >> 64);
+    }
+    return c == 0;
+}
+
+// a - b for a >= b.
+inline void sub256(const U256 &a, const U256 &b, U256 &r) {
+    u64 borrow = 0;
+#pragma GCC unroll 4
+    for (int i = 0; i < 4; ++i) {
+        const u64 d = a.w[i] - b.w[i];
+        const u64 nb = (a.w[i] < b.w[i]) | (d < borrow);
+        r.w[i] = d - borrow;
+        borrow = nb;
+    }
+}
+
+// Stores v into r (magnitude of at most 32 bytes) after the precision and length tests.
+inline int32_t store256(ExactNumericRef *r, const U256 &v, bool neg) {
+    if (r->precision >= 1 && r->precision <= CS_MAX_PREC) {
+        const wide::Pow10Limbs &lim = wide::kPow10Limbs.e[r->precision];
+        const U256 bound{{lim.w[0], lim.w[1], lim.w[2], lim.w[3]}};
+        if (!less(v, bound)) return kOverflow;
+    }
+    uint8_t *p = mag(r);
+    int n = r->length - 1;
+    if (n == 32) {
+        for (int k = 0; k < 4; ++k)
+            wide::store_be64(p + 24 - 8 * k, v.w[k]);
+        r->bytes[0] = neg && !is_zero(v) ? 1 : 0;
+        return kOk;
+    }
+    int i = 0;
+    for (; n >= 8; n -= 8)
+        wide::store_be64(p + n - 8, v.w[i++]);
+    if (i < 4) {
+        u64 top = v.w[i];
+        for (int j = n - 1; j >= 0; --j, top >>= 8)
+            p[j] = static_cast<uint8_t>(top);
+        if (top != 0) return kOverflow;
+        for (int k = i + 1; k < 4; ++k)
+            if (v.w[k] != 0) return kOverflow;
+    }
+    r->bytes[0] = neg && !is_zero(v) ? 1 : 0;
+    return kOk;
+}
+
+inline bool fits_result(const ExactNumericRef *r) {
+    return r->length >= 1 && r->length <= 33;
+}
+
+// Up to 38 digits: one 128-bit word (magnitudes of at most 16 bytes).
+inline bool load128(const ExactNumericRef *x, u128 &v) {
+    const uint8_t *p = mag(x);
+    const int n = x->length - 1;
+    if (n == 16) {
+        v = (static_cast<u128>(wide::load_be64(p)) << 64) | wide::load_be64(p + 8);
+        return true;
+    }
+    if (n < 0 || n > 16) return false;
+    v = 0;
+    for (int i = 0; i < n; ++i)
+        v = (v << 8) | p[i];
+    return true;
+}
+
+// Stores v into r (magnitude of at most 32 bytes). Below 2^128 a value passes any precision
+// of 39 digits or more unchecked.
+inline int32_t store128(ExactNumericRef *r, u128 v, bool neg) {
+    if (r->precision >= 1 && r->precision <= 38) {
+        const wide::Pow10Limbs &lim = wide::kPow10Limbs.e[r->precision];
+        if (v >= ((static_cast<u128>(lim.w[1]) << 64) | lim.w[0])) return kOverflow;
+    }
+    uint8_t *p = mag(r);
+    const int n = r->length - 1;
+    if (n >= 16) {
+        std::memset(p, 0, static_cast<size_t>(n - 16));
+        wide::store_be64(p + n - 16, static_cast<u64>(v >> 64));
+        wide::store_be64(p + n - 8, static_cast<u64>(v));
+    } else {
+        u128 rest = v;
+        for (int i = n - 1; i >= 0; --i, rest >>= 8)
+            p[i] = static_cast<uint8_t>(rest);
+        if (rest != 0) return kOverflow;
+    }
+    r->bytes[0] = neg && v != 0 ? 1 : 0;
+    return kOk;
+}
+
+} // namespace
+
+namespace comn::nume {
+
+// The general forms, kept out of line so that the fixed-width paths stay small.
+[[gnu::noinline]] int32_t addorsub_general(const ExactNumericRef *a, const ExactNumericRef *b,
+                                           ExactNumericRef *r, int32_t op);
+[[gnu::noinline]] int32_t mul_general(const ExactNumericRef *a, const ExactNumericRef *b,
+                                      ExactNumericRef *r);
+
+int32_t addorsub(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef *r,
+                 int32_t op) {
+    if (u128 x, y; a->scale == b->scale && r->scale == a->scale && fits_result(r) &&
+                   load128(a, x) && load128(b, y)) {
+        const bool na = negative(a), nb = negative(b) != (op == COMN_NUME_SUB);
+        if (na != nb) return x >= y ? store128(r, x - y, na) : store128(r, y - x, nb);
+        if (x + y >= x) return store128(r, x + y, na);
+        // A carry out of 128 bits: the four-limb path below takes it.
+    }
+    if (U256 fx, fy, fz; a->scale == b->scale && r->scale == a->scale && fits_result(r) &&
+                         load256(a, fx) && load256(b, fy)) {
+        const bool na = negative(a), nb = negative(b) != (op == COMN_NUME_SUB);
+        if (na == nb) return add256(fx, fy, fz) ? store256(r, fz, na) : kOverflow;
+        if (less(fx, fy)) {
+            sub256(fy, fx, fz);
+            return store256(r, fz, nb);
+        }
+        sub256(fx, fy, fz);
+        return store256(r, fz, na);
+    }
+    return addorsub_general(a, b, r, op);
+}
+
+int32_t addorsub_general(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef *r,
+                         int32_t op) {
     Nat x, y;
     load(a, x);
     load(b, y);
     const bool na = negative(a);
     const bool nb = negative(b) != (op == COMN_NUME_SUB);
     const int scale = a->scale > b->scale ? a->scale : b->scale;
-    if (a->scale < scale) wide::mul_pow10(x, scale - a->scale); // < 2^256 * 10^77: fits
-    if (b->scale < scale) wide::mul_pow10(y, scale - b->scale);
+    // Below 2^256 * 10^77 for ordinary scales; only nonsense scales exceed the limbs.
+    if (!wide::mul_pow10(x, scale - a->scale) || !wide::mul_pow10(y, scale - b->scale))
+        return kOverflow;
     bool neg;
     if (na == nb) {
         wide::add(x, x, y);
@@ -40,16 +216,33 @@ int32_t com__exctnume_addorsub(const ExactNumericRef *a, const ExactNumericRef *
     return finish(r, x, scale, neg);
 }
 
-int32_t com__exctnume_mul(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef *r) {
+int32_t mul(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef *r) {
+    if (U256 fx, fy; r->scale == a->scale + b->scale && fits_result(r) && load256(a, fx) &&
+                     load256(b, fy) && (fx.w[2] | fx.w[3] | fy.w[2] | fy.w[3]) == 0) {
+        // 128 x 128 bits: four partial products.
+        const u128 ll = static_cast<u128>(fx.w[0]) * fy.w[0];
+        const u128 lh = static_cast<u128>(fx.w[0]) * fy.w[1];
+        const u128 hl = static_cast<u128>(fx.w[1]) * fy.w[0];
+        const u128 hh = static_cast<u128>(fx.w[1]) * fy.w[1];
+        const u128 mid = (ll >> 64) + static_cast<u64>(lh) + static_cast<u64>(hl);
+        const u128 high = hh + (lh >> 64) + (hl >> 64) + (mid >> 64);
+        const U256 z{{static_cast<u64>(ll), static_cast<u64>(mid), static_cast<u64>(high),
+                      static_cast<u64>(high >> 64)}};
+        return store256(r, z, negative(a) != negative(b));
+    }
+    return mul_general(a, b, r);
+}
+
+int32_t mul_general(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef *r) {
     Nat x, y, p;
     load(a, x);
     load(b, y);
-    wide::mul(p, x, y); // at most 8 limbs
+    if (!wide::mul(p, x, y)) return kOverflow; // at most 8 limbs for real descriptors
     return finish(r, p, a->scale + b->scale, negative(a) != negative(b));
 }
 
-int32_t com__exctnume_div(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef *q,
-                          ExactNumericRef *rem) {
+int32_t div(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef *q,
+            ExactNumericRef *rem) {
     Nat x, y;
     load(a, x);
     load(b, y);
@@ -62,10 +255,7 @@ int32_t com__exctnume_div(const ExactNumericRef *a, const ExactNumericRef *b, Ex
     // q = a * 10^shift / b with shift = q.scale - a.scale + b.scale in [-77, 154]; the
     // dividend stays below 10^232 and the divisor below 10^155.
     const int shift = q->scale - a->scale + b->scale;
-    if (shift > 0)
-        wide::mul_pow10(x, shift);
-    else if (shift < 0)
-        wide::mul_pow10(y, -shift);
+    if (!wide::mul_pow10(shift > 0 ? x : y, shift > 0 ? shift : -shift)) return kOverflow;
     Nat quot, r;
     wide::divmod(x, y, quot, r);
     const bool exact = wide::is_zero(r);
@@ -88,6 +278,24 @@ int32_t com__exctnume_div(const ExactNumericRef *a, const ExactNumericRef *b, Ex
         }
     }
     return store(q, quot, neg);
+}
+
+} // namespace comn::nume
+
+extern "C" {
+
+int32_t com__exctnume_addorsub(const ExactNumericRef *a, const ExactNumericRef *b,
+                               ExactNumericRef *r, int32_t op) {
+    return addorsub(a, b, r, op);
+}
+
+int32_t com__exctnume_mul(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef *r) {
+    return mul(a, b, r);
+}
+
+int32_t com__exctnume_div(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef *q,
+                          ExactNumericRef *rem) {
+    return div(a, b, q, rem);
 }
 
 int32_t com__exctnume_round(const ExactNumericRef *x, ExactNumericRef *r, int32_t places) {

@@ -14,10 +14,11 @@
 //    of fraction digits; the exponent is applied only to a whole mantissa, and a negative
 //    exponent on a whole mantissa leaves its low byte as the scale.
 //
-// Digits are gathered nineteen at a time in a 64-bit word and folded into a wide magnitude,
-// so a long number costs a few limb multiplications rather than one pass over the area per
-// digit. The magnitude cannot outgrow the area: at most `limit` significant digits are
-// taken, and 10^limit itself still fits.
+// Runs of digits are converted eight at a time (SWAR) and folded into a wide magnitude
+// nineteen at a time, so a long number costs a few limb multiplications rather than one
+// pass over the area per digit. The magnitude cannot outgrow the area: at most `limit`
+// significant digits are taken, and 10^limit itself still fits.
+#include <algorithm>
 #include <cstring>
 
 #include "numeric/descriptor.h"
@@ -43,6 +44,49 @@ bool rest_is_space(const unsigned char *t, int32_t i, int32_t n) {
 }
 
 constexpr int32_t kExponentCap = 100000000; // far beyond any exponent that can matter
+
+wide::u64 load_le64(const unsigned char *p) {
+    wide::u64 v;
+    std::memcpy(&v, p, 8);
+    return v; // little-endian: the first character lands in the low byte
+}
+
+// True when all eight bytes are ASCII digits.
+bool eight_digits(wide::u64 v) {
+    return ((v & 0xF0F0F0F0F0F0F0F0ull) |
+            (((v + 0x0606060606060606ull) & 0xF0F0F0F0F0F0F0F0ull) >> 4)) == 0x3333333333333333ull;
+}
+
+// The value of eight ASCII digits, first byte most significant (three multiplications).
+wide::u64 eight_digit_value(wide::u64 v) {
+    v = (v & 0x0F0F0F0F0F0F0F0Full) * 2561 >> 8;
+    v = (v & 0x00FF00FF00FF00FFull) * 6553601 >> 16;
+    return (v & 0x0000FFFF0000FFFFull) * 42949672960001ull >> 32;
+}
+
+int32_t digit_run_end(const unsigned char *t, int32_t i, int32_t n) {
+    while (i + 8 <= n && eight_digits(load_le64(t + i)))
+        i += 8;
+    while (i < n && is_digit(t[i]))
+        ++i;
+    return i;
+}
+
+// mag = mag * 10^count + the value of count digits (nineteen at a time).
+void accumulate(Nat &mag, const unsigned char *p, int32_t count) {
+    while (count > 0) {
+        const int k = count > 19 ? 19 : count;
+        wide::u64 v = 0;
+        int j = 0;
+        for (; j + 8 <= k; j += 8)
+            v = v * 100000000 + eight_digit_value(load_le64(p + j));
+        for (; j < k; ++j)
+            v = v * 10 + (p[j] - '0');
+        wide::mul_small_add(mag, wide::kPow10[k], v);
+        p += k;
+        count -= k;
+    }
+}
 
 // Trims the value's leading zero bytes for precisions of 39 and above: the area is moved on
 // while it is longer than the integer digits need, its second byte is zero (so a zero
@@ -93,46 +137,51 @@ extern "C" int32_t com__subchartoexctnume(const char *text, int32_t textlen, uin
         break;
     }
 
-    // Mantissa.
+    // Mantissa. A run of digits is measured first; as many of them as the scale and the
+    // area allow go into the magnitude in bulk, the rest one by one through the refusal and
+    // rounding rule.
     Nat mag;
     mag.n = 0;
-    wide::u64 chunk = 0; // digits not yet folded into mag
-    int chunk_digits = 0;
-    auto fold = [&] {
-        if (chunk_digits) {
-            wide::mul_small_add(mag, wide::kPow10[chunk_digits], chunk);
-            chunk = 0;
-            chunk_digits = 0;
-        }
-    };
     int32_t frac = -1, total = 0, significant = 0, dropped = 0;
     bool rounded = false, any_digit = false, exponent_mark = false;
-    for (; i < n; ++i) {
+    while (i < n) {
         const unsigned char c = t[i];
         if (is_digit(c)) {
             any_digit = true;
-            if (frac <= req_scale && significant < limit) {
-                ++total;
+            const int32_t run_end = digit_run_end(t, i, n);
+            while (i < run_end) {
+                if (frac <= req_scale && significant < limit) {
+                    if (significant == 0 && t[i] == '0') { // a leading zero: no value
+                        ++total;
+                        if (frac >= 0) ++frac;
+                        ++i;
+                        continue;
+                    }
+                    int32_t take = std::min(run_end - i, limit - significant);
+                    if (frac >= 0) take = std::min(take, req_scale - frac + 1);
+                    accumulate(mag, t + i, take);
+                    total += take;
+                    significant += take;
+                    if (frac >= 0) frac += take;
+                    i += take;
+                    continue;
+                }
+                if (mode != 1) return kDropped;
+                if (frac >= req_scale && t[i] >= '5' && !rounded) {
+                    Nat one;
+                    wide::set_u64(one, 1);
+                    wide::add(mag, mag, one);
+                    rounded = true;
+                }
                 if (frac >= 0) ++frac;
-                if (c != '0' || significant > 0) ++significant;
-                chunk = chunk * 10 + (c - '0');
-                if (++chunk_digits == 19) fold();
-                continue;
+                ++dropped;
+                ++i;
             }
-            if (mode != 1) return kDropped;
-            if (frac >= req_scale && c >= '5' && !rounded) {
-                fold();
-                Nat one;
-                wide::set_u64(one, 1);
-                wide::add(mag, mag, one);
-                rounded = true;
-            }
-            if (frac >= 0) ++frac;
-            ++dropped;
             continue;
         }
         if (c == '.' && frac < 0) {
             frac = 0;
+            ++i;
             continue;
         }
         if (c == 'e' || c == 'E') {
@@ -143,10 +192,8 @@ extern "C" int32_t com__subchartoexctnume(const char *text, int32_t textlen, uin
         // Anything else ends the number: only white space may follow.
         if (!rest_is_space(t, i, n)) return kSyntax;
         i = n;
-        break;
     }
     if (!any_digit) return kSyntax;
-    fold();
 
     // Exponent.
     int32_t exponent = 0;

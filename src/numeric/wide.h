@@ -7,10 +7,14 @@
 #ifndef COMN_NUMERIC_WIDE_H
 #define COMN_NUMERIC_WIDE_H
 
+#include <bit>
 #include <cstdint>
 #include <cstring>
 
 namespace comn::wide {
+
+// Byte images are read and written with byte swaps of native 64-bit words.
+static_assert(std::endian::native == std::endian::little, "little-endian hosts only");
 
 using u64 = uint64_t;
 __extension__ using u128 = unsigned __int128;
@@ -51,6 +55,13 @@ inline void trim(Nat &x) {
 
 inline bool is_zero(const Nat &x) {
     return x.n == 0;
+}
+
+// Copies the significant limbs only.
+inline void copy(Nat &dst, const Nat &src) {
+    for (int i = 0; i < src.n; ++i)
+        dst.w[i] = src.w[i];
+    dst.n = src.n;
 }
 
 inline void set_u64(Nat &x, u64 v) {
@@ -225,15 +236,6 @@ inline u64 div128(u64 hi, u64 lo, u64 d, u64 &rem) {
 #endif
 }
 
-// x = x / d in place (d > 0); returns the remainder.
-inline u64 div_small(Nat &x, u64 d) {
-    u64 r = 0;
-    for (int i = x.n - 1; i >= 0; --i)
-        x.w[i] = div128(r, x.w[i], d, r);
-    trim(x);
-    return r;
-}
-
 // Division by an invariant normalised divisor (top bit set) with a precomputed reciprocal
 // (Moller and Granlund, "Improved division by invariant integers", algorithm 4): one
 // multiplication instead of a hardware division per limb.
@@ -265,6 +267,35 @@ inline u64 div_preinv(u64 u1, u64 u0, const Reciprocal &rc, u64 &rem) {
     return q1;
 }
 
+// Seed table of the reciprocal: floor((2^19 - 3 * 2^8) / d9) for the top nine bits d9 of a
+// normalised divisor (256..511).
+inline constexpr auto kReciprocalSeed = [] {
+    struct {
+        uint16_t v[256];
+    } t{};
+    for (int i = 0; i < 256; ++i)
+        t.v[i] = static_cast<uint16_t>((524288 - 768) / (256 + i));
+    return t;
+}();
+
+inline u64 mul_high(u64 a, u64 b) {
+    return static_cast<u64>((static_cast<u128>(a) * b) >> 64);
+}
+
+// The reciprocal of a normalised d without a hardware division: a table seed refined by
+// Newton steps (Moller and Granlund, algorithm 3); equal to floor((2^128 - 1) / d) - 2^64.
+inline Reciprocal reciprocal(u64 d) {
+    const u64 d0 = d & 1, d9 = d >> 55, d40 = (d >> 24) + 1, d63 = (d >> 1) + d0;
+    const u64 v0 = kReciprocalSeed.v[d9 - 256];
+    const u64 v1 = (v0 << 11) - ((v0 * v0 * d40) >> 40) - 1;
+    const u64 v2 = (v1 << 13) + ((v1 * ((u64{1} << 60) - v1 * d40)) >> 47);
+    const u64 e = ((v2 >> 1) & (0 - d0)) - v2 * d63;
+    const u64 v3 = (v2 << 31) + (mul_high(v2, e) >> 1);
+    const u128 t = static_cast<u128>(v3) * d + d;
+    const u64 v4 = v3 - static_cast<u64>(t >> 64) - d;
+    return {d, v4};
+}
+
 inline constexpr Reciprocal kTen19 = make_reciprocal(kPow10[19]);
 static_assert(kPow10[19] >> 63 == 1, "10^19 is already normalised");
 
@@ -277,16 +308,35 @@ inline u64 div_ten19(Nat &x) {
     return r;
 }
 
+// x = x / d in place (d > 0); returns the remainder. The divisor is normalised (shifted so
+// that its top bit is set) and the dividend shifted with it on the fly.
+inline u64 div_small(Nat &x, u64 d) {
+    if (x.n <= 1) {
+        const u64 v = x.n ? x.w[0] : 0;
+        set_u64(x, v / d);
+        return v % d;
+    }
+    const int s = __builtin_clzll(d);
+    const Reciprocal rc = reciprocal(d << s);
+    u64 r = s ? x.w[x.n - 1] >> (64 - s) : 0; // < 2^s <= normalised d
+    for (int i = x.n - 1; i >= 0; --i) {
+        const u64 lo = (x.w[i] << s) | (s && i > 0 ? x.w[i - 1] >> (64 - s) : 0);
+        x.w[i] = div_preinv(r, lo, rc, r);
+    }
+    trim(x);
+    return r >> s;
+}
+
 // q = a / b, r = a % b for b != 0 (schoolbook division on normalised limbs, Knuth's
 // algorithm D). q and r must not alias a or b.
 inline void divmod(const Nat &a, const Nat &b, Nat &q, Nat &r) {
     if (cmp(a, b) < 0) {
         q.n = 0;
-        r = a;
+        copy(r, a);
         return;
     }
     if (b.n == 1) {
-        q = a;
+        copy(q, a);
         set_u64(r, div_small(q, b.w[0]));
         return;
     }
@@ -302,6 +352,7 @@ inline void divmod(const Nat &a, const Nat &b, Nat &q, Nat &r) {
     u[0] = a.w[0] << s;
 
     const u64 vtop = v[n - 1], vnext = v[n - 2];
+    const Reciprocal rtop = reciprocal(vtop);
     for (int j = m; j >= 0; --j) {
         u128 qh, rh;
         if (u[j + n] >= vtop) {
@@ -310,7 +361,7 @@ inline void divmod(const Nat &a, const Nat &b, Nat &q, Nat &r) {
             rh = num - qh * vtop;
         } else {
             u64 r64;
-            qh = div128(u[j + n], u[j + n - 1], vtop, r64);
+            qh = div_preinv(u[j + n], u[j + n - 1], rtop, r64);
             rh = r64;
         }
         while (rh >> 64 == 0 && qh * vnext > ((rh << 64) | u[j + n - 2])) {

@@ -125,30 +125,21 @@ TEST(MoneyArith, FourByteAddSubStoreZeroOnOverflow) {
     }
 }
 
-TEST(MoneyArith, CopiesExtremesAndStubs) {
-    MoneyValue a = mny_make(-123456789012345), b{}, c{};
-    EXPECT_EQ(comn_mnycopy(&a, &b), CS_SUCCEED);
-    EXPECT_EQ(com_mnycopy(&a, &c), 0);
-    EXPECT_EQ(mny_get(b), -123456789012345);
-    EXPECT_EQ(mny_get(c), -123456789012345);
-    comn_mnymaxpos(&b);
-    EXPECT_EQ(b.high, 0x7FFFFFFF);
-    EXPECT_EQ(b.low, 0xFFFFFFFFu);
-    com_mnymaxneg(&b);
-    EXPECT_EQ(static_cast<uint32_t>(b.high), 0x80000000u);
-    EXPECT_EQ(b.low, 0u);
-    comn_mnyzero(&b);
-    EXPECT_EQ(mny_get(b), 0);
-
+TEST(MoneyArith, ExtremesCopyCodesAndStubs) {
+    MoneyValue m{};
+    comn_mnymaxpos(&m);
+    EXPECT_EQ(m.high, 0x7FFFFFFF);
+    EXPECT_EQ(m.low, 0xFFFFFFFFu);
+    com_mnymaxneg(&m);
+    EXPECT_EQ(static_cast<uint32_t>(m.high), 0x80000000u);
+    EXPECT_EQ(m.low, 0u);
+    // The 4-byte copy reports CS_SUCCEED in the client form but 0 in the old one.
     const Money4Value s{-7};
     Money4Value d{};
     EXPECT_EQ(comn_mny4copy(&s, &d), CS_SUCCEED);
     EXPECT_EQ(com_mny4copy(&s, &d), 0);
     EXPECT_EQ(d.mny4, -7);
-    com_mny4zero(&d);
-    EXPECT_EQ(d.mny4, 0);
-
-    EXPECT_EQ(com__mnyrem(&a, &a, &b), 1);
+    EXPECT_EQ(com__mnyrem(&m, &m, &m), 1);
     EXPECT_EQ(com__mnyrem4(&s, &s, &d), 1);
 }
 

@@ -21,16 +21,13 @@ TEST(MoneyNumbers, IntegersRoundHalfAwayAndNarrowToZero) {
         int64_t money;
         int32_t code, value;
     } const cases[] = {
-        {25000, 0, 3},
+        {25000, 0, 3}, // random values are compared with Python by money_oracle.py
         {-25000, 0, -3},
-        {24999, 0, 2},
-        {-24999, 0, -2},
-        {0, 0, 0},
         {21474836474999, 0, INT32_MAX},
         {21474836475000, 1, 0},
         {-21474836484999, 0, INT32_MIN},
         {-21474836485000, 1, 0},
-        {2147483648000, 0, 214748365},
+        {2147483648000, 0, 214748365}, // 214748364.8 rounds to a 32-bit value: no overflow
         {kMoneyMin, 1, 0},
         {kMoneyMax, 1, 0},
     };
@@ -71,33 +68,15 @@ TEST(MoneyNumbers, WideningAndNarrowing) {
     EXPECT_EQ(out.mny4, INT32_MIN);
 }
 
-TEST(MoneyNumbers, DoubleToMoneyLimitsAndRounding) {
-    struct {
-        double in;
-        int32_t rc;
-        int64_t out;
-    } const cases[] = {
-        {0.00005, 8, 1},
-        {-0.00005, 8, -1},
-        {0.000049, 8, 0},
-        {1.5, 8, 15000},
-        {-2.25, 8, -22500},
-        {922337203685477.5, 8, 9223372036854775000},
-        {922337203685477.625, 8, kMoneyMax},  // the limit itself: the largest value
-        {-922337203685477.625, 8, kMoneyMax}, // whatever the sign
-        {922337203685477.75, -1, 0},
-        {-1e300, -1, 0},
-        {std::numeric_limits<double>::infinity(), -1, 0},
-        {std::numeric_limits<double>::quiet_NaN(), -1, 0},
-        {5e-324, 8, 0},
-    };
-    for (const auto &c : cases) {
-        MoneyValue m = mny_make(99);
-        EXPECT_EQ(com__flt8tomny(&c.in, 8, &m), c.rc) << c.in;
-        EXPECT_EQ(mny_get(m), c.out) << c.in;
-    }
+// Rounding and the limit are compared with Python by money_oracle.py; these are the cases
+// it does not generate.
+TEST(MoneyNumbers, FloatingPointEdges) {
     MoneyValue m = mny_make(99);
-    EXPECT_EQ(com__flt8tomny(nullptr, 8, &m), 8);
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_EQ(com__flt8tomny(&nan, 8, &m), -1);
+    EXPECT_EQ(mny_get(m), 0);
+    m = mny_make(99);
+    EXPECT_EQ(com__flt8tomny(nullptr, 8, &m), 8); // no value: zero
     EXPECT_EQ(mny_get(m), 0);
     const double one = 1;
     EXPECT_EQ(com__flt8tomny(&one, 0, &m), 8);
@@ -107,34 +86,23 @@ TEST(MoneyNumbers, DoubleToMoneyLimitsAndRounding) {
     EXPECT_EQ(mny_get(m), -32500);
 
     Money4Value s{3};
-    const double big = 214748.3648;
+    const double big = 214748.3648, small = -214748.3648;
     EXPECT_EQ(com__flt8tomny4(&big, 8, &s), -1);
     EXPECT_EQ(s.mny4, 0);
-    const double small = -214748.3648;
     EXPECT_EQ(com__flt8tomny4(&small, 8, &s), 4);
     EXPECT_EQ(s.mny4, INT32_MIN);
     EXPECT_EQ(com__flt4tomny4(&f, 4, &s), 4);
     EXPECT_EQ(s.mny4, -32500);
-    EXPECT_EQ(com__flt4tomny4(nullptr, 4, &s), 4);
-}
 
-TEST(MoneyNumbers, MoneyToFloat) {
-    const MoneyValue one_unit = mny_make(1);
-    double d = 0;
-    EXPECT_EQ(com__mnytoflt8(&one_unit, 8, &d), 8);
-    EXPECT_EQ(d, 0.0001);
-    const MoneyValue neg = mny_make(-15000);
-    float f = 0;
-    EXPECT_EQ(com__mnytoflt4(&neg, 8, &f), 4);
-    EXPECT_EQ(f, -1.5f);
-    const MoneyValue min = mny_make(kMoneyMin);
-    com__mnytoflt8(&min, 8, &d);
-    EXPECT_EQ(d, -922337203685477.5808);
-    const Money4Value s{-12345};
-    EXPECT_EQ(com__mny4toflt8(&s, &d), 8);
-    EXPECT_EQ(d, -1.2345);
-    EXPECT_EQ(com__mny4toflt4(&s, &f), 4);
-    EXPECT_EQ(f, -1.2345f);
+    float out4 = 0;
+    EXPECT_EQ(com__mnytoflt4(&m, 8, &out4), 4);
+    EXPECT_EQ(out4, -3.25f);
+    double out8 = 0;
+    const Money4Value n{-12345};
+    EXPECT_EQ(com__mny4toflt8(&n, &out8), 8);
+    EXPECT_EQ(out8, -1.2345);
+    EXPECT_EQ(com__mny4toflt4(&n, &out4), 4);
+    EXPECT_EQ(out4, -1.2345f);
 }
 
 // ---- Client conversions ----

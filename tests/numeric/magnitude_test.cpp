@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "num_helpers.h"
+#include "numeric/wide.h"
 
 using namespace numtest;
 
@@ -232,4 +233,15 @@ TEST(NumericMagnitude, ScaleUpAndDownWithDroppedDigits) {
     Num n(-4, 5, 0), z(0, 5, 0);
     EXPECT_EQ(com__exctnume_scale(n.get(), z.get(), -1), 6);
     EXPECT_EQ(z.buf[0], 0);
+}
+
+TEST(NumericWide, ReciprocalMatchesTheDefinition) {
+    std::mt19937_64 rng(3);
+    std::vector<uint64_t> ds = {1ull << 63, ~0ull, (1ull << 63) + 1, 10000000000000000000ull};
+    for (int i = 0; i < 200000; ++i)
+        ds.push_back(rng() | (1ull << 63));
+    for (uint64_t d : ds) {
+        const u128 want = ~static_cast<u128>(0) / d - (static_cast<u128>(1) << 64);
+        ASSERT_EQ(comn::wide::reciprocal(d).v, static_cast<uint64_t>(want)) << d;
+    }
 }

@@ -1,0 +1,249 @@
+// Money arithmetic and text against native baselines on the same fixed-seed values:
+// add against int64_t addition with an overflow check, multiply and divide against __int128
+// arithmetic with the same rounding and range test, print against snprintf of the integer
+// and of the double, parse against strtoll and strtod. BM_LibraryCallFloor measures a call
+// into the shared library that does nothing, the part of every figure the baselines lack.
+#include <cstdio>
+#include <cstdlib>
+#include <random>
+#include <string>
+#include <vector>
+
+#include <benchmark/benchmark.h>
+
+#include "comnlib/money.h"
+
+namespace {
+
+constexpr size_t kCount = 1024;
+
+__extension__ typedef __int128 i128;
+
+struct Data {
+    std::vector<MoneyValue> a, b;
+    std::vector<int64_t> ia, ib;
+    std::vector<double> da;
+    std::vector<std::string> text;
+
+    Data() {
+        std::mt19937_64 rng(7);
+        for (size_t i = 0; i < kCount; ++i) {
+            // Values up to about 10^11 currency units, so products stay mostly in range.
+            const int64_t x = static_cast<int64_t>(rng() % 1000000000000000) - 500000000000000;
+            const int64_t y = static_cast<int64_t>(rng() % 100000000) - 50000000 | 1;
+            ia.push_back(x);
+            ib.push_back(y);
+            a.push_back(MoneyValue{static_cast<int32_t>(static_cast<uint64_t>(x) >> 32),
+                                   static_cast<uint32_t>(x)});
+            b.push_back(MoneyValue{static_cast<int32_t>(static_cast<uint64_t>(y) >> 32),
+                                   static_cast<uint32_t>(y)});
+            da.push_back(static_cast<double>(x) / 10000.0);
+            char buf[40];
+            const char *p = com__mnytochar(&a.back(), buf, sizeof buf, 0x0400);
+            text.emplace_back(p, static_cast<size_t>(buf + sizeof buf - p));
+        }
+    }
+};
+
+const Data &data() {
+    static const Data d;
+    return d;
+}
+
+i128 round_div(i128 n, i128 d) { // half away from zero, d > 0
+    const i128 q = n / d, r = n % d;
+    if ((r < 0 ? -r : r) * 2 >= d) return n < 0 ? q - 1 : q + 1;
+    return q;
+}
+
+bool fits(i128 v) {
+    return v >= INT64_MIN && v <= INT64_MAX;
+}
+
+void BM_MoneyAdd(benchmark::State &state) {
+    const Data &d = data();
+    MoneyValue r;
+    int64_t sum = 0;
+    for (auto _ : state)
+        for (size_t i = 0; i < kCount; ++i) {
+            sum += com__mnyadd(&d.a[i], &d.b[i], &r);
+            sum += r.low;
+        }
+    benchmark::DoNotOptimize(sum);
+    state.SetItemsProcessed(state.iterations() * kCount);
+}
+
+void BM_Int64AddChecked(benchmark::State &state) {
+    const Data &d = data();
+    int64_t sum = 0;
+    for (auto _ : state)
+        for (size_t i = 0; i < kCount; ++i) {
+            int64_t r;
+            if (__builtin_add_overflow(d.ia[i], d.ib[i], &r)) r = 0;
+            benchmark::DoNotOptimize(r);
+            sum += r;
+        }
+    benchmark::DoNotOptimize(sum);
+    state.SetItemsProcessed(state.iterations() * kCount);
+}
+
+// The cost of one call into the shared library and back, with the same operands and
+// result handling as BM_MoneyAdd: com__mnyrem does no work at all. It is the floor under
+// every money routine measured here, which the inlined native baselines do not pay.
+void BM_LibraryCallFloor(benchmark::State &state) {
+    const Data &d = data();
+    MoneyValue r{};
+    int64_t sum = 0;
+    for (auto _ : state)
+        for (size_t i = 0; i < kCount; ++i) {
+            sum += com__mnyrem(&d.a[i], &d.b[i], &r);
+            sum += r.low;
+        }
+    benchmark::DoNotOptimize(sum);
+    state.SetItemsProcessed(state.iterations() * kCount);
+}
+
+void BM_MoneyMul(benchmark::State &state) {
+    const Data &d = data();
+    MoneyValue r;
+    int64_t sum = 0;
+    for (auto _ : state)
+        for (size_t i = 0; i < kCount; ++i) {
+            sum += com__mnymul(&d.a[i], &d.b[i], &r);
+            sum += r.low;
+        }
+    benchmark::DoNotOptimize(sum);
+    state.SetItemsProcessed(state.iterations() * kCount);
+}
+
+void BM_Int128Mul(benchmark::State &state) {
+    const Data &d = data();
+    int64_t sum = 0;
+    for (auto _ : state)
+        for (size_t i = 0; i < kCount; ++i) {
+            const i128 p = round_div(static_cast<i128>(d.ia[i]) * d.ib[i], 10000);
+            const int64_t r = fits(p) ? static_cast<int64_t>(p) : 0;
+            benchmark::DoNotOptimize(r);
+            sum += r;
+        }
+    benchmark::DoNotOptimize(sum);
+    state.SetItemsProcessed(state.iterations() * kCount);
+}
+
+void BM_MoneyDiv(benchmark::State &state) {
+    const Data &d = data();
+    MoneyValue r;
+    int64_t sum = 0;
+    for (auto _ : state)
+        for (size_t i = 0; i < kCount; ++i) {
+            sum += com__mnydiv(&d.a[i], &d.b[i], &r);
+            sum += r.low;
+        }
+    benchmark::DoNotOptimize(sum);
+    state.SetItemsProcessed(state.iterations() * kCount);
+}
+
+void BM_Int128Div(benchmark::State &state) {
+    const Data &d = data();
+    int64_t sum = 0;
+    for (auto _ : state)
+        for (size_t i = 0; i < kCount; ++i) {
+            const i128 y = d.ib[i];
+            const i128 q =
+                round_div(static_cast<i128>(d.ia[i]) * 10000 * (y < 0 ? -1 : 1), y < 0 ? -y : y);
+            const int64_t r = fits(q) ? static_cast<int64_t>(q) : 0;
+            benchmark::DoNotOptimize(r);
+            sum += r;
+        }
+    benchmark::DoNotOptimize(sum);
+    state.SetItemsProcessed(state.iterations() * kCount);
+}
+
+void BM_MoneyPrint(benchmark::State &state) {
+    const Data &d = data();
+    char buf[32];
+    size_t total = 0;
+    for (auto _ : state)
+        for (size_t i = 0; i < kCount; ++i) {
+            const char *p = com__mnytochar(&d.a[i], buf, sizeof buf, 0x0400);
+            total += static_cast<size_t>(buf + sizeof buf - p) + static_cast<size_t>(*p);
+        }
+    benchmark::DoNotOptimize(total);
+    state.SetItemsProcessed(state.iterations() * kCount);
+}
+
+void BM_SnprintfInt64(benchmark::State &state) {
+    const Data &d = data();
+    char buf[32];
+    size_t total = 0;
+    for (auto _ : state)
+        for (size_t i = 0; i < kCount; ++i)
+            total += static_cast<size_t>(
+                std::snprintf(buf, sizeof buf, "%lld", static_cast<long long>(d.ia[i])) + buf[0]);
+    benchmark::DoNotOptimize(total);
+    state.SetItemsProcessed(state.iterations() * kCount);
+}
+
+void BM_SnprintfDouble(benchmark::State &state) {
+    const Data &d = data();
+    char buf[40];
+    size_t total = 0;
+    for (auto _ : state)
+        for (size_t i = 0; i < kCount; ++i)
+            total += static_cast<size_t>(std::snprintf(buf, sizeof buf, "%.4f", d.da[i]) + buf[0]);
+    benchmark::DoNotOptimize(total);
+    state.SetItemsProcessed(state.iterations() * kCount);
+}
+
+void BM_MoneyParse(benchmark::State &state) {
+    const Data &d = data();
+    MoneyValue r;
+    int64_t sum = 0;
+    for (auto _ : state)
+        for (size_t i = 0; i < kCount; ++i) {
+            const std::string &t = d.text[i];
+            sum += com__mnyfromchar_mb(&r, t.data(), static_cast<int32_t>(t.size()), 0, nullptr);
+            sum += r.low;
+        }
+    benchmark::DoNotOptimize(sum);
+    state.SetItemsProcessed(state.iterations() * kCount);
+}
+
+void BM_Strtoll(benchmark::State &state) {
+    const Data &d = data();
+    std::vector<std::string> ints;
+    for (int64_t v : d.ia)
+        ints.push_back(std::to_string(v));
+    int64_t sum = 0;
+    for (auto _ : state)
+        for (size_t i = 0; i < kCount; ++i)
+            sum += std::strtoll(ints[i].c_str(), nullptr, 10);
+    benchmark::DoNotOptimize(sum);
+    state.SetItemsProcessed(state.iterations() * kCount);
+}
+
+void BM_Strtod(benchmark::State &state) {
+    const Data &d = data();
+    double sum = 0;
+    for (auto _ : state)
+        for (size_t i = 0; i < kCount; ++i)
+            sum += std::strtod(d.text[i].c_str(), nullptr);
+    benchmark::DoNotOptimize(sum);
+    state.SetItemsProcessed(state.iterations() * kCount);
+}
+
+} // namespace
+
+BENCHMARK(BM_MoneyAdd);
+BENCHMARK(BM_Int64AddChecked);
+BENCHMARK(BM_LibraryCallFloor);
+BENCHMARK(BM_MoneyMul);
+BENCHMARK(BM_Int128Mul);
+BENCHMARK(BM_MoneyDiv);
+BENCHMARK(BM_Int128Div);
+BENCHMARK(BM_MoneyPrint);
+BENCHMARK(BM_SnprintfInt64);
+BENCHMARK(BM_SnprintfDouble);
+BENCHMARK(BM_MoneyParse);
+BENCHMARK(BM_Strtoll);
+BENCHMARK(BM_Strtod);
