@@ -89,6 +89,105 @@ typedef struct LocaleHandle {
     struct LocaleHandle *next;
 } LocaleHandle;
 
+/* ---- Locale cache: loading, common information, accessors and handles ----
+   Locale routines answer 1, 0 (unknown locale, missing section, text too long), CS_MEM_ERROR
+   (-1) or COM_INTL_ERROR (-301, with the reader's status in ctx->intl_status). A name length
+   below 0 means the name is NUL-terminated. */
+
+/* The record intl_datetime fills from the section "datetime" of a "common.loc" (604 bytes).
+   Names are NUL-terminated in their slots; days are indexed by day number - 1, day 1 being
+   Monday and day 7 Sunday. The keys are described in docs/common_loc.md. */
+#define COM_DT_MONTH_SLOT 21
+#define COM_DT_SHORTMONTH_SLOT 10
+#define COM_DT_DAY_SLOT 31
+typedef struct IntlDateTime {
+    char months[12][COM_DT_MONTH_SLOT];
+    char shortmonths[12][COM_DT_SHORTMONTH_SLOT];
+    char days[7][COM_DT_DAY_SLOT];
+    char pad[3];
+    int32_t firstday;
+    char dateorder[4];
+    int32_t is12hour;
+} IntlDateTime;
+
+/* Fills rec from the entries of the reader's current section. Returns 0, or a negative
+   INTL_E_ status: INTL_E_SYNTAX for a missing key, a wrong count of names or a bad number,
+   INTL_E_TOOLONG for a name that does not fit its slot. */
+struct IntlFile;
+COMN_API int32_t intl_datetime(struct IntlFile *handle, IntlDateTime *rec);
+
+/* Loading: the cache first, else the locales file and a new record. */
+COMN_API int32_t com_intl_load(ComContext *ctx, const char *name, int32_t namelen,
+                               LocaleRecord **locale_out);
+COMN_API int32_t com__intl_load_new(ComContext *ctx, const char *name, int32_t namelen,
+                                    const char *language, const char *charset,
+                                    const char *sortorder, LocaleRecord **locale_out);
+/* A locale by its parts (null or empty parts: us_english, iso_1, binary). When one of its
+   files is missing (0), path_out holds that file's path and *path_length_out its length. */
+COMN_API int32_t com_intl_load_lcs(ComContext *ctx, const char *language, const char *charset,
+                                   const char *sortorder, char *path_out, int32_t path_size,
+                                   int32_t *path_length_out, LocaleRecord **locale_out);
+
+COMN_API LocaleRecord *com__scan_lcache_name(ComContext *ctx, const char *name, int32_t namelen);
+COMN_API LocaleRecord *com__scan_lcache_lang(ComContext *ctx, const char *language,
+                                             const char *charset);
+COMN_API LocaleRecord *com__scan_lcache_sort(ComContext *ctx, const char *sortorder,
+                                             const char *charset);
+COMN_API int32_t com__read_common(ComContext *ctx, LocaleRecord *locale);
+COMN_API int32_t com__copy_common_info(const LocaleRecord *source, LocaleRecord *locale);
+/* Frees a record with its names, common information and message cache; never its shared
+   character set description. */
+COMN_API void com__lcache_drop(LocaleRecord *locale);
+COMN_API void com_intl_loccache_drop(ComContext *ctx);
+COMN_API const char *com_intl_get_locname(const LocaleRecord *locale);
+
+/* which: 1 the charset, 2 the language, other the sort order of the category's record. The
+   text is written without terminator; 0 (nothing copied) when its length exceeds size. */
+COMN_API int32_t com_intl_getstr(const LocaleHandle *locale, int32_t category, int32_t which,
+                                 char *buf, int32_t size, int32_t *outlen);
+/* 0 for the same record. which 1: charsets; 2: charsets, then languages; 3: charsets, then
+   sort orders (different charsets give -1); another which or a null handle gives -2. */
+COMN_API int32_t com_intl_loccmp(int32_t category, int32_t which, const LocaleHandle *a,
+                                 const LocaleHandle *b);
+
+/* Accessors over (context, data format): the format's locale when fmt is given, else the
+   context's default locale; the built-in English values when there is no time record. A
+   format whose locale is null reads the built-in values, except com_intl_get_dtfmt and
+   com_intl_set_dtfmt, which then use the context's default locale. */
+COMN_API int32_t com_intl_dateorder_id(ComContext *ctx, const DataFormat *fmt);
+COMN_API const char *const *com_intl_shortmonths(ComContext *ctx, const DataFormat *fmt);
+COMN_API const char *const *com_intl_months(ComContext *ctx, const DataFormat *fmt);
+COMN_API const char *const *com_intl_days(ComContext *ctx, const DataFormat *fmt);
+COMN_API int32_t com_intl_firstday(ComContext *ctx, const DataFormat *fmt);
+COMN_API const char *com_intl_dateorder(ComContext *ctx, const DataFormat *fmt);
+COMN_API int32_t com_intl_is12hour(ComContext *ctx, const DataFormat *fmt);
+COMN_API int32_t com_intl_get_dtfmt(ComContext *ctx, const DataFormat *fmt);
+COMN_API int32_t com_intl_set_dtfmt(ComContext *ctx, const DataFormat *fmt, int32_t dtfmt);
+/* The ctype record's character attributes: the format's locale, else the context's default
+   locale, else the built-in "iso_1" record. */
+COMN_API const CharAttrib *com_intl_charattr(ComContext *ctx, const DataFormat *fmt);
+/* ((firstday - 1 + day) mod 7 - (base - 8)) mod 7, with C's signed remainder. */
+COMN_API int32_t com_intl_convt_firstday(int32_t day, int32_t firstday, int32_t base);
+
+/* Locale handles. These take the context's lock callback (when set) around the handle list;
+   a lock status other than 1 is returned at once, as is an unlock status other than 1
+   (comn_loc_validate then answers 0). */
+COMN_API int32_t comn_loc_alloc(ComContext *ctx, LocaleHandle **locale_out);
+COMN_API int32_t comn_loc_drop(ComContext *ctx, LocaleHandle *locale);
+COMN_API int32_t comn_loc_drop_all(ComContext *ctx);
+COMN_API int32_t comn_loc_validate(ComContext *ctx, const LocaleHandle *locale);
+COMN_API int32_t comn_loc_copy(LocaleHandle *dest, const LocaleHandle *src);
+
+/* Context start-up and tear-down. comn_ctx_setup fills a zero-filled context: conversion
+   table, null values, then the default locale named by the environment (LC_ALL, else LANG,
+   else "default"), which becomes ctx->conv.default_locale, a handle owned by the context and
+   kept out of its handle list. Returns 1, or the first failing step's status after undoing
+   the steps before it. comn_ctx_teardown releases, in reverse order, the handles, the
+   default handle, the locale cache, the character set descriptions, the null values and the
+   conversion table, leaving the context zero-filled in those parts. */
+COMN_API int32_t comn_ctx_setup(ComContext *ctx);
+COMN_API void comn_ctx_teardown(ComContext *ctx);
+
 /* ---- Platform reader: installation home, environment, sectioned text files ----
    The file syntax is described in docs/intl_files.md. Strings handed out by the reader stay
    valid until intl_close. Failures are negative INTL_E_ statuses. */

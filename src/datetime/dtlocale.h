@@ -1,7 +1,7 @@
 // Where the date code reads locale data. Conversions reach a locale through (context, data
-// format); until the locale cache is wired in, every accessor here answers with the
-// built-in English defaults. This is the one place to replace: the parser and formatter
-// take everything they need as arguments and do not change.
+// format): the format's locale when it carries one, else the context's default locale, else
+// the built-in English values (the locale cache's accessors decide the last step). The parser
+// and formatter take everything they need as arguments and do not change.
 #pragma once
 
 #include <cstdint>
@@ -10,21 +10,30 @@
 
 namespace comn::dtloc {
 
-inline const char *const *short_months(ComContext *, const DataFormat *) {
-    return com__get_shortmonths();
+// A format without a locale is passed on as no format, so that the accessors read the
+// context's default locale rather than the built-in values.
+inline const DataFormat *with_locale(const DataFormat *fmt) {
+    return fmt != nullptr && fmt->locale != nullptr ? fmt : nullptr;
 }
-inline const char *const *months(ComContext *, const DataFormat *) {
-    return com__get_months();
+
+inline const char *const *short_months(ComContext *ctx, const DataFormat *fmt) {
+    return com_intl_shortmonths(ctx, with_locale(fmt));
 }
-inline int32_t dateorder_id(ComContext *, const DataFormat *) {
-    return com__get_date_order_id();
+inline const char *const *months(ComContext *ctx, const DataFormat *fmt) {
+    return com_intl_months(ctx, with_locale(fmt));
 }
-inline int32_t dtfmt(ComContext *, const DataFormat *) {
-    return com__map_dateorder_id_to_fmt(com__get_date_order_id());
+inline int32_t dateorder_id(ComContext *ctx, const DataFormat *fmt) {
+    return com_intl_dateorder_id(ctx, with_locale(fmt));
 }
-// Null: plain ASCII classes with upper-case folding.
-inline const CharAttrib *charattr(ComContext *, const DataFormat *) {
-    return nullptr;
+inline int32_t is12hour(ComContext *ctx, const DataFormat *fmt) {
+    return com_intl_is12hour(ctx, with_locale(fmt));
+}
+inline int32_t dtfmt(ComContext *ctx, const DataFormat *fmt) {
+    return com_intl_get_dtfmt(ctx, fmt);
+}
+// The locale's character attributes; the built-in "iso_1" record without a locale.
+inline const CharAttrib *charattr(ComContext *ctx, const DataFormat *fmt) {
+    return com_intl_charattr(ctx, fmt);
 }
 
 } // namespace comn::dtloc

@@ -126,8 +126,16 @@ int main(int argc, char **argv) {
     }
     if (!std::getenv("VELDAR")) setenv("VELDAR", COMN_BUNDLED_HOME, 1);
     ComContext ctx{};
-    if (com_conv_init(&ctx) != CS_SUCCEED || com_null_init(&ctx) != CS_SUCCEED) {
-        std::fprintf(stderr, "comconv: out of memory\n");
+    int32_t setup = comn_ctx_setup(&ctx);
+    if (setup == CS_FAIL || setup == COM_INTL_ERROR) {
+        // The locale the environment names cannot be loaded: say why, then run on "default".
+        com_intl_verify_ctxloc(&ctx);
+        setenv("LC_ALL", "default", 1);
+        setup = comn_ctx_setup(&ctx);
+    }
+    if (setup != CS_SUCCEED) {
+        std::fprintf(stderr, "comconv: cannot set up a context (status %d)\n",
+                     static_cast<int>(setup));
         return 1;
     }
     int rc = 2;
@@ -161,7 +169,6 @@ int main(int argc, char **argv) {
     } else {
         std::fputs(kUsage, stderr);
     }
-    com_null_free(&ctx);
-    com_conv_free(&ctx);
+    comn_ctx_teardown(&ctx);
     return rc;
 }

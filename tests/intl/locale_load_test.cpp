@@ -1,0 +1,222 @@
+// Loading locales: every shipped locale against names encoded by iconv, sharing within the
+// cache, loading by parts, the start-up pair, and refused "common.loc" files.
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "comnlib.h"
+#include "locale_test_util.h"
+
+namespace {
+
+struct Shipped {
+    const char *name, *language, *charset, *iconv;
+    const char *february, *december_short, *first_listed_day; // UTF-8
+    int32_t firstday, order_id, is12, dtfmt;
+};
+
+constexpr const char *kEn[] = {"February", "Dec", "Sun"};
+constexpr const char *kFr[] = {"février", "déc", "lun"};
+constexpr const char *kDe[] = {"Februar", "Dez", "Mo"};
+constexpr const char *kJa[] = {"2月", "12月", "日"};
+#define EN_(n, cs, cv)                                                                             \
+    { n, "us_english", cs, cv, kEn[0], kEn[1], kEn[2], 7, 1, 1, 9 }
+#define FR_(n, cs, cv)                                                                             \
+    { n, "french", cs, cv, kFr[0], kFr[1], kFr[2], 1, 2, 0, 3 }
+#define DE_(n, cs, cv)                                                                             \
+    { n, "german", cs, cv, kDe[0], kDe[1], kDe[2], 1, 2, 0, 3 }
+#define JA_(n, cs, cv)                                                                             \
+    { n, "japanese", cs, cv, kJa[0], kJa[1], kJa[2], 7, 3, 0, 11 }
+const Shipped kShipped[] = {
+    EN_("default", "iso_1", "ISO-8859-1"),       EN_("en_US.UTF-8", "iso_1", "ISO-8859-1"),
+    EN_("en_US.cp850", "cp850", "CP850"),        EN_("en_US.cp437", "cp437", "CP437"),
+    EN_("en_US.roman8", "roman8", "HP-ROMAN8"),  EN_("en_US.mac", "mac", "MACINTOSH"),
+    EN_("en_US.ascii8", "ascii8", "ASCII"),      EN_("en_US.eucjis", "eucjis", "EUC-JP"),
+    EN_("en_US.sjis", "sjis", "SHIFT_JIS"),      EN_("en_US.deckanji", "deckanji", "EUC-JP"),
+    FR_("fr_FR", "iso_1", "ISO-8859-1"),         FR_("fr_FR.cp850", "cp850", "CP850"),
+    FR_("fr_FR.cp437", "cp437", "CP437"),        FR_("fr_FR.roman8", "roman8", "HP-ROMAN8"),
+    FR_("fr_FR.mac", "mac", "MACINTOSH"),        DE_("de_DE", "iso_1", "ISO-8859-1"),
+    DE_("de_DE.cp850", "cp850", "CP850"),        DE_("de_DE.cp437", "cp437", "CP437"),
+    DE_("de_DE.roman8", "roman8", "HP-ROMAN8"),  DE_("de_DE.mac", "mac", "MACINTOSH"),
+    JA_("ja_JP.eucJP", "eucjis", "EUC-JP"),      JA_("ja_JP.SJIS", "sjis", "SHIFT_JIS"),
+    JA_("ja_JP.deckanji", "deckanji", "EUC-JP"),
+};
+
+TEST(LocaleLoad, EveryShippedLocaleHasItsNamesInItsOwnEncoding) {
+    for (const Shipped &s : kShipped) {
+        SCOPED_TRACE(s.name);
+        LocCtx c;
+        LocaleRecord *r = nullptr;
+        ASSERT_EQ(com_intl_load(c.get(), s.name, -1, &r), 1);
+        EXPECT_STREQ(r->name, s.name);
+        EXPECT_STREQ(r->language, s.language);
+        EXPECT_STREQ(r->charset, s.charset);
+        EXPECT_STREQ(r->sortorder, "binary");
+        ASSERT_NE(r->charset_desc, nullptr);
+        EXPECT_EQ(r->common->months[1], encode(s.february, s.iconv));
+        EXPECT_EQ(r->common->shortmonths[11], encode(s.december_short, s.iconv));
+        EXPECT_EQ(r->common->days[0], encode(s.first_listed_day, s.iconv));
+        EXPECT_EQ(r->common->firstday, s.firstday);
+        EXPECT_EQ(r->dateorder_id, s.order_id);
+        EXPECT_EQ(r->common->is12hour, s.is12);
+        EXPECT_EQ(r->common->dtfmt, s.dtfmt);
+    }
+}
+
+TEST(LocaleLoad, UsEnglishReproducesTheBuiltInNames) {
+    LocCtx c;
+    LocaleRecord *r = nullptr;
+    ASSERT_EQ(com_intl_load(c.get(), "C", 1, &r), 1);
+    for (int i = 0; i < 12; ++i) {
+        EXPECT_STREQ(r->common->months[i], com__get_months()[i]);
+        EXPECT_STREQ(r->common->shortmonths[i], com__get_shortmonths()[i]);
+    }
+    for (int i = 0; i < 7; ++i)
+        EXPECT_STREQ(r->common->days[i], com__get_days()[i]);
+    EXPECT_STREQ(r->common->dateorder, com__get_date_order());
+}
+
+TEST(LocaleLoad, CacheSharesDescriptionsAndCopiesCommonInfo) {
+    LocCtx c;
+    LocaleRecord *fr = nullptr, *french = nullptr, *de = nullptr, *again = nullptr,
+                 *cp850 = nullptr;
+    ASSERT_EQ(com_intl_load(c.get(), "fr_FR", -1, &fr), 1);
+    ASSERT_EQ(com_intl_load(c.get(), "french", -1, &french), 1);
+    ASSERT_EQ(com_intl_load(c.get(), "de_DE", -1, &de), 1);
+    ASSERT_EQ(com_intl_load(c.get(), "fr_FR", 5, &again), 1);
+    ASSERT_EQ(com_intl_load(c.get(), "fr_FR.cp850", -1, &cp850), 1);
+    EXPECT_EQ(again, fr);
+    EXPECT_NE(french, fr);
+    EXPECT_NE(french->common, fr->common); // copied, not shared
+    EXPECT_NE(french->common->months[0], fr->common->months[0]);
+    EXPECT_STREQ(french->common->months[1], fr->common->months[1]);
+    EXPECT_EQ(french->dateorder_id, fr->dateorder_id);
+    EXPECT_EQ(de->charset_desc, fr->charset_desc); // iso_1 with binary: one description
+    EXPECT_NE(cp850->charset_desc, fr->charset_desc);
+    EXPECT_EQ(c->loc_cache, cp850); // newest first
+    EXPECT_EQ(com__scan_lcache_name(c.get(), "fr_F", 4), nullptr);
+    EXPECT_EQ(com__scan_lcache_lang(c.get(), "german", "iso_1"), de);
+    EXPECT_EQ(com__scan_lcache_sort(c.get(), "binary", "cp850"), cp850);
+    EXPECT_STREQ(com_intl_get_locname(de), "de_DE");
+    EXPECT_EQ(com_intl_get_locname(nullptr), nullptr);
+    LocaleRecord *none = nullptr;
+    EXPECT_EQ(com_intl_load(c.get(), "xx_YY", -1, &none), 0);
+}
+
+TEST(LocaleLoad, LoadByPartsNamesTheLocaleAndReportsAMissingFile) {
+    const std::string common = "[datetime]\nmonths=a,b,c,d,e,f,g,h,i,j,k,l\n"
+                               "shortmonths=a,b,c,d,e,f,g,h,i,j,k,l\ndays=1,2,3,4,5,6,7\n"
+                               "firstday=1\ndateorder=ymd\ntwelvehour=0\n";
+    // A name longer than the first buffer makes the reverse translation retry.
+    const std::string longname(300, 'n');
+    ScratchHome home(common, "locale = " + longname + ", xx, iso_1, nocase\n");
+    LocCtx c;
+    char path[COM_INTL_PATH_SIZE];
+    int32_t plen = -1;
+    LocaleRecord *r = nullptr;
+    EXPECT_EQ(com_intl_load_lcs(c.get(), "xx", "iso_1", nullptr, path, 1024, &plen, &r), 0);
+    EXPECT_EQ(std::string(path, plen), home.path + "/locales/xx/iso_1/cslib.loc");
+    home.write("locales/xx/iso_1/cslib.loc", "[x]\n");
+    ASSERT_EQ(com_intl_load_lcs(c.get(), "xx", "iso_1", "", path, 1024, &plen, &r), 1);
+    EXPECT_STREQ(r->name, "xx");
+    EXPECT_STREQ(r->common->dateorder, "ymd");
+    LocaleRecord *again = nullptr;
+    ASSERT_EQ(com_intl_load_lcs(c.get(), "xx", "iso_1", "binary", path, 1024, &plen, &again), 1);
+    EXPECT_EQ(again, r);
+    // No entry for the parts: the name is made up of them.
+    home.write("locales/us_english/iso_1/common.loc", common);
+    home.write("locales/us_english/iso_1/cslib.loc", "[x]\n");
+    ASSERT_EQ(com_intl_load_lcs(c.get(), nullptr, nullptr, nullptr, path, 1024, &plen, &r), 1);
+    EXPECT_STREQ(r->name, "us_english.iso_1.binary");
+    // The long name of the nocase entry comes back whole after the retry.
+    home.copy_bundled("charsets/iso_1/nocase.srt");
+    ASSERT_EQ(com_intl_load_lcs(c.get(), "xx", "iso_1", "nocase", path, 1024, &plen, &r), 1);
+    EXPECT_EQ(r->name, longname);
+}
+
+TEST(LocaleLoad, StartUpLoadsTheEnvironmentsLocaleAndTearDownUndoesIt) {
+    EnvGuard all("LC_ALL");
+    all.set("de_DE.UTF-8");
+    ComContext ctx{};
+    ASSERT_EQ(comn_ctx_setup(&ctx), 1);
+    ASSERT_NE(ctx.conv.default_locale, nullptr);
+    EXPECT_STREQ(ctx.conv.default_locale->time->language, "german");
+    EXPECT_EQ(ctx.conv.default_locale->ctype, ctx.conv.default_locale->time);
+    EXPECT_NE(ctx.conv.conv_table, nullptr);
+    EXPECT_EQ(ctx.null_count, 24);
+    LocaleHandle *h = nullptr;
+    ASSERT_EQ(comn_loc_alloc(&ctx, &h), 1);
+    EXPECT_EQ(h->time, ctx.conv.default_locale->time);
+    comn_ctx_teardown(&ctx);
+    const ComContext zero{};
+    EXPECT_EQ(std::memcmp(&ctx, &zero, sizeof ctx), 0);
+
+    all.set("xx_YY");
+    EXPECT_EQ(comn_ctx_setup(&ctx), 0);
+    EXPECT_EQ(std::memcmp(&ctx, &zero, sizeof ctx), 0);
+}
+
+// Refused or odd "common.loc" files: the load's answer, the reader status kept, and whether a
+// record was cached.
+TEST(LocaleLoad, CommonLocFilesThatAreRefused) {
+    const std::string m12 = "months=a,b,c,d,e,f,g,h,i,j,k,l\n";
+    const std::string s12 = "shortmonths=a,b,c,d,e,f,g,h,i,j,k,l\n";
+    const std::string d7 = "days=1,2,3,4,5,6,7\n";
+    const std::string tail = "firstday=7\ndateorder=dmy\ntwelvehour=1\n";
+    const std::string ok = "[datetime]\n" + m12 + s12 + d7 + tail;
+    const std::string m20(20, 'm'), s9(9, 's'), d30(30, 'd');
+    struct Case {
+        std::string text;
+        int32_t rc, status;
+    } cases[] = {
+        {"", COM_INTL_ERROR, INTL_E_OPEN},
+        {"[other]\nmonths=x\n", 0, 0},
+        {ok, 1, 0},
+        {"[datetime]\nmonths=" + m20 + ",b,c,d,e,f,g,h,i,j,k,l\nshortmonths=" + s9 +
+             ",b,c,d,e,f,g,h,i,j,k,l\ndays=" + d30 + ",2,3,4,5,6,7\n" + tail,
+         1, 0},
+        {"[datetime]\nmonths=" + m20 + "m,b,c,d,e,f,g,h,i,j,k,l\n" + s12 + d7 + tail,
+         COM_INTL_ERROR, INTL_E_TOOLONG},
+        {"[datetime]\n" + m12 + "shortmonths=" + s9 + "s,b,c,d,e,f,g,h,i,j,k,l\n" + d7 + tail,
+         COM_INTL_ERROR, INTL_E_TOOLONG},
+        {"[datetime]\n" + m12 + s12 + "days=" + d30 + "d,2,3,4,5,6,7\n" + tail, COM_INTL_ERROR,
+         INTL_E_TOOLONG},
+        {"[datetime]\nmonths=a,b,c,d,e,f,g,h,i,j,k\n" + s12 + d7 + tail, COM_INTL_ERROR,
+         INTL_E_SYNTAX},
+        {"[datetime]\n" + m12 + s12 + "days=1,2,3,4,5,6,7,8\n" + tail, COM_INTL_ERROR,
+         INTL_E_SYNTAX},
+        {"[datetime]\n" + m12 + s12 + "days=1,2,,4,5,6,7\n" + tail, COM_INTL_ERROR, INTL_E_SYNTAX},
+        {"[datetime]\n" + m12 + s12 + d7 + "firstday=8\ndateorder=dmy\ntwelvehour=1\n",
+         COM_INTL_ERROR, INTL_E_SYNTAX},
+        {"[datetime]\n" + m12 + s12 + d7 + "firstday=7\ndateorder=dmy\n", COM_INTL_ERROR,
+         INTL_E_SYNTAX},
+        {"[datetime]\n" + m12 + s12 + d7 + "firstday=7\ndateorder=dmyx\ntwelvehour=1\n",
+         COM_INTL_ERROR, INTL_E_TOOLONG},
+        {"[datetime]\n" + m12 + s12 + d7 + "firstday=1\ndateorder=xyz\ntwelvehour=0\n", 1, 0},
+        {"[datetime]\nmonths=\"a\n", COM_INTL_ERROR, INTL_E_SYNTAX},
+    };
+    for (const Case &k : cases) {
+        SCOPED_TRACE(k.text);
+        ScratchHome home(k.text);
+        LocCtx c;
+        c->intl_status = 99;
+        LocaleRecord *r = nullptr;
+        ASSERT_EQ(com_intl_load(c.get(), "xx", 2, &r), k.rc);
+        if (k.rc != 0) {
+            EXPECT_EQ(c->intl_status, k.status);
+        }
+        EXPECT_EQ(c->loc_cache == nullptr, k.rc != 1);
+    }
+    // The last good case: an unknown order reads as mdy, style 9; days start at day 1.
+    ScratchHome home("[datetime]\n" + m12 + s12 + d7 + "firstday=3\ndateorder=xyz\ntwelvehour=0\n");
+    LocCtx c;
+    LocaleRecord *r = nullptr;
+    ASSERT_EQ(com_intl_load(c.get(), "xx", -1, &r), 1);
+    EXPECT_EQ(r->dateorder_id, 1);
+    EXPECT_EQ(r->common->dtfmt, 9);
+    const char *rotated[] = {"3", "4", "5", "6", "7", "1", "2"};
+    for (int i = 0; i < 7; ++i)
+        EXPECT_STREQ(r->common->days[i], rotated[i]);
+}
+
+} // namespace

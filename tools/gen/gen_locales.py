@@ -1,0 +1,174 @@
+#!/usr/bin/env python3
+"""Writes the locale data of the bundled installation home:
+
+  home/locales/<language>/<charset>/common.loc   date and time names of each shipped locale
+  home/locales/locales.dat                       the locale names of the section "linux"
+
+Names are written in each character set's own encoding, through the same Python codecs from
+which tools/gen/gen_charsets.py builds the character sets. Run from the repository root:
+    python3 tools/gen/gen_locales.py
+"""
+import os
+import sys
+
+CODECS = {
+    "iso_1": "latin-1", "ascii8": "ascii", "cp850": "cp850", "cp437": "cp437",
+    "roman8": "hp-roman8", "mac": "mac-roman",
+    "eucjis": "euc_jp", "sjis": "shift_jis", "deckanji": "euc_jp",
+}
+
+WESTERN = ["iso_1", "cp850", "cp437", "roman8", "mac"]
+JAPANESE = ["eucjis", "sjis", "deckanji"]
+
+# Per language: the character sets it is shipped in, then its "datetime" section. Days are
+# listed Monday first (day 1 Monday ... day 7 Sunday); firstday uses the same numbering.
+LANGUAGES = {
+    "us_english": dict(
+        charsets=WESTERN + ["ascii8"] + JAPANESE,
+        months=["January", "February", "March", "April", "May", "June", "July", "August",
+                "September", "October", "November", "December"],
+        shortmonths=["Jan", "Feb", "Mar", "Apr", "May", "Jun", "Jul", "Aug", "Sep", "Oct",
+                     "Nov", "Dec"],
+        days=["Mon", "Tue", "Wed", "Thu", "Fri", "Sat", "Sun"],
+        firstday=7, dateorder="mdy", twelvehour=1),
+    "french": dict(
+        charsets=WESTERN,
+        months=["janvier", "février", "mars", "avril", "mai", "juin", "juillet", "août",
+                "septembre", "octobre", "novembre", "décembre"],
+        shortmonths=["janv", "févr", "mars", "avr", "mai", "juin", "juil", "août", "sept",
+                     "oct", "nov", "déc"],
+        days=["lun", "mar", "mer", "jeu", "ven", "sam", "dim"],
+        firstday=1, dateorder="dmy", twelvehour=0),
+    "german": dict(
+        charsets=WESTERN,
+        months=["Januar", "Februar", "März", "April", "Mai", "Juni", "Juli", "August",
+                "September", "Oktober", "November", "Dezember"],
+        shortmonths=["Jan", "Feb", "Mär", "Apr", "Mai", "Jun", "Jul", "Aug", "Sep", "Okt",
+                     "Nov", "Dez"],
+        days=["Mo", "Di", "Mi", "Do", "Fr", "Sa", "So"],
+        firstday=1, dateorder="dmy", twelvehour=0),
+    "japanese": dict(
+        charsets=JAPANESE,
+        months=[f"{m}月" for m in range(1, 13)],
+        shortmonths=[f"{m}月" for m in range(1, 13)],
+        days=["月", "火", "水", "木", "金", "土", "日"],
+        firstday=7, dateorder="ymd", twelvehour=0),
+}
+
+# The section "linux" of locales.dat: (name, language, charset). Names are matched over the
+# length asked for and the first entry that begins with the wanted name wins, so every name
+# must come before the longer names that begin with it only if both mean the same locale.
+# Names of the system's locale variables come first, then one name per shipped language and
+# character set; "UTF-8" names map to the nearest shipped character set.
+LOCALE_NAMES = [
+    ("default", "us_english", "iso_1"),
+    ("C", "us_english", "iso_1"),
+    ("POSIX", "us_english", "iso_1"),
+    ("en_US.ISO8859-1", "us_english", "iso_1"),
+    ("en_US", "us_english", "iso_1"),
+    ("C.UTF-8", "us_english", "iso_1"),
+    ("C.utf8", "us_english", "iso_1"),
+    ("en_US.UTF-8", "us_english", "iso_1"),
+    ("en_US.utf8", "us_english", "iso_1"),
+    ("en_US.iso88591", "us_english", "iso_1"),
+    ("en_GB.ISO8859-1", "us_english", "iso_1"),
+    ("en_GB.UTF-8", "us_english", "iso_1"),
+    ("en_GB.utf8", "us_english", "iso_1"),
+    ("en_GB", "us_english", "iso_1"),
+    ("us_english", "us_english", "iso_1"),
+    ("fr_FR.ISO8859-1", "french", "iso_1"),
+    ("fr_FR.UTF-8", "french", "iso_1"),
+    ("fr_FR.utf8", "french", "iso_1"),
+    ("fr_FR.iso88591", "french", "iso_1"),
+    ("fr_FR@euro", "french", "iso_1"),
+    ("fr_FR", "french", "iso_1"),
+    ("fr_BE", "french", "iso_1"),
+    ("fr_CA", "french", "iso_1"),
+    ("fr_CH", "french", "iso_1"),
+    ("french", "french", "iso_1"),
+    ("de_DE.ISO8859-1", "german", "iso_1"),
+    ("de_DE.UTF-8", "german", "iso_1"),
+    ("de_DE.utf8", "german", "iso_1"),
+    ("de_DE.iso88591", "german", "iso_1"),
+    ("de_DE@euro", "german", "iso_1"),
+    ("de_DE", "german", "iso_1"),
+    ("de_AT", "german", "iso_1"),
+    ("de_CH", "german", "iso_1"),
+    ("german", "german", "iso_1"),
+    ("ja_JP.eucJP", "japanese", "eucjis"),
+    ("ja_JP.EUC", "japanese", "eucjis"),
+    ("ja_JP.ujis", "japanese", "eucjis"),
+    ("ja_JP.UTF-8", "japanese", "eucjis"),
+    ("ja_JP.utf8", "japanese", "eucjis"),
+    ("ja_JP.SJIS", "japanese", "sjis"),
+    ("ja_JP.sjis", "japanese", "sjis"),
+    ("ja_JP.PCK", "japanese", "sjis"),
+    ("ja_JP.deckanji", "japanese", "deckanji"),
+    ("ja_JP", "japanese", "eucjis"),
+    ("japanese", "japanese", "eucjis"),
+]
+
+# One name for every other shipped language and character set, so that each locale has a
+# name of its own: <territory>.<charset>.
+TERRITORY = {"us_english": "en_US", "french": "fr_FR", "german": "de_DE", "japanese": "ja_JP"}
+
+
+def all_names():
+    names = list(LOCALE_NAMES)
+    known = {(lang, cs) for _, lang, cs in names}
+    for lang, spec in LANGUAGES.items():
+        for cs in spec["charsets"]:
+            if (lang, cs) not in known:
+                names.append((f"{TERRITORY[lang]}.{cs}", lang, cs))
+    return names
+
+
+def common_loc(lang, cs, spec):
+    codec = CODECS[cs]
+
+    def names(key):
+        return ", ".join(spec[key])
+
+    lines = [
+        f"; Date and time names of {lang} in the character set {cs}.",
+        "; Generated by tools/gen/gen_locales.py; the keys are described in docs/common_loc.md.",
+        "[datetime]",
+        f"months = {names('months')}",
+        f"shortmonths = {names('shortmonths')}",
+        f"days = {names('days')}",
+        f"firstday = {spec['firstday']}",
+        f"dateorder = {spec['dateorder']}",
+        f"twelvehour = {spec['twelvehour']}",
+        "",
+    ]
+    return "\n".join(lines).encode(codec)
+
+
+def locales_dat():
+    lines = [
+        "; Locale names of the installation home: each entry of the section \"linux\" reads",
+        ";   locale = <name>, <language>, <character set>[, <sort order>]",
+        "; Names are matched over the length asked for, so a short name finds the first entry",
+        "; that begins with it; keep longer names before their prefixes.",
+        "; Generated by tools/gen/gen_locales.py.",
+        "[linux]",
+    ]
+    lines += [f"locale = {n}, {lang}, {cs}" for n, lang, cs in all_names()]
+    return ("\n".join(lines) + "\n").encode("ascii")
+
+
+def main():
+    root = sys.argv[1] if len(sys.argv) > 1 else "."
+    home = os.path.join(root, "home", "locales")
+    for lang, spec in LANGUAGES.items():
+        for cs in spec["charsets"]:
+            d = os.path.join(home, lang, cs)
+            os.makedirs(d, exist_ok=True)
+            with open(os.path.join(d, "common.loc"), "wb") as f:
+                f.write(common_loc(lang, cs, spec))
+    with open(os.path.join(home, "locales.dat"), "wb") as f:
+        f.write(locales_dat())
+
+
+if __name__ == "__main__":
+    main()
