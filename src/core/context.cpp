@@ -1,14 +1,14 @@
 // Context start-up and tear-down in one call each, for applications and the command-line
 // tool. Start-up fills a zero-filled context in this order: conversion table, null values,
 // the default locale named by the environment (LC_ALL, else LANG, else "default") loaded into
-// the locale cache and wrapped in the context's default handle. Tear-down runs the other way.
-//
-// The message files of the context are not loaded here yet: the message-file layer has no
-// loading routine to call so far.
+// the locale cache and wrapped in the context's default handle, then this library's message
+// file "cslib.loc" of that locale when the locale ships one. Tear-down runs the other way; the
+// message cache goes with the locale record that holds it.
 #include <cstdlib>
 
 #include "comnlib/convert.h"
 #include "comnlib/intl.h"
+#include "comnlib/msg.h"
 #include "intl/locale_internal.h"
 
 namespace comn {
@@ -30,6 +30,18 @@ int32_t load_default_locale(ComContext *ctx) {
     return CS_SUCCEED;
 }
 
+// Loads "cslib.loc" into the message cache of the default locale's message record. A locale
+// without the file is no failure: its messages are then simply not available.
+int32_t load_messages(ComContext *ctx) {
+    LocaleRecord *rec = ctx->conv.default_locale->message;
+    char path[COM_INTL_PATH_SIZE];
+    if (com__verify_msgfile(ctx, rec->language, rec->charset, "cslib.loc", path, sizeof path - 1) !=
+        1)
+        return CS_SUCCEED;
+    ComErrCtx errctx{rec, "cslib.loc"};
+    return com_err_init(ctx, &errctx, Com_msg_sections, COM_MSG_SECTION_COUNT, nullptr, 0);
+}
+
 } // namespace
 } // namespace comn
 
@@ -40,6 +52,7 @@ COMN_API int32_t comn_ctx_setup(ComContext *ctx) {
     int32_t rc = com_conv_init(ctx);
     if (rc == CS_SUCCEED) rc = com_null_init(ctx);
     if (rc == CS_SUCCEED) rc = comn::load_default_locale(ctx);
+    if (rc == CS_SUCCEED) rc = comn::load_messages(ctx);
     if (rc != CS_SUCCEED) comn_ctx_teardown(ctx);
     return rc;
 }

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "comnlib/msg.h"
 #include "intl/locale_internal.h"
 
 namespace comn {
@@ -81,10 +82,9 @@ COMN_API LocaleRecord *com__scan_lcache_sort(ComContext *ctx, const char *sortor
     });
 }
 
-// The message cache behind msgcache is not dropped here yet: its owner, the message-file
-// layer, has no drop routine for it so far, and nothing stores one in a record.
 COMN_API void com__lcache_drop(LocaleRecord *rec) {
     if (!rec) return;
+    com__msgcache_drop(rec->msgcache);
     std::free(rec->name);
     std::free(rec->language);
     std::free(rec->charset);

@@ -144,12 +144,22 @@ TEST(LocaleLoad, StartUpLoadsTheEnvironmentsLocaleAndTearDownUndoesIt) {
     EXPECT_EQ(ctx.conv.default_locale->ctype, ctx.conv.default_locale->time);
     EXPECT_NE(ctx.conv.conv_table, nullptr);
     EXPECT_EQ(ctx.null_count, 24);
+    const ComMsgCache *msgs = ctx.conv.default_locale->message->msgcache;
+    ASSERT_NE(msgs, nullptr);
+    ASSERT_NE(msgs->files, nullptr);
+    EXPECT_STREQ(msgs->files->name, "cslib.loc");
     LocaleHandle *h = nullptr;
     ASSERT_EQ(comn_loc_alloc(&ctx, &h), 1);
     EXPECT_EQ(h->time, ctx.conv.default_locale->time);
     comn_ctx_teardown(&ctx);
     const ComContext zero{};
     EXPECT_EQ(std::memcmp(&ctx, &zero, sizeof ctx), 0);
+
+    // A locale that ships no message file still sets up.
+    all.set("de_DE.cp850");
+    ASSERT_EQ(comn_ctx_setup(&ctx), 1);
+    EXPECT_EQ(ctx.conv.default_locale->message->msgcache, nullptr);
+    comn_ctx_teardown(&ctx);
 
     all.set("xx_YY");
     EXPECT_EQ(comn_ctx_setup(&ctx), 0);
