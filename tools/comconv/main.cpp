@@ -82,10 +82,12 @@ int convert(ComContext &ctx, const std::string &from, const std::string &to,
     return 0;
 }
 
-bool parse_date(const std::string &text, DateTimeValue &dt) {
-    const int32_t rc = com__datefromchar_mb(&dt, text.data(), static_cast<int32_t>(text.size()), 0,
-                                            com__get_date_order_id(), com__get_months(),
-                                            com__get_shortmonths(), nullptr);
+// Dates are read and written with the names and date order of the context's locale.
+bool parse_date(ComContext &ctx, const std::string &text, DateTimeValue &dt) {
+    const int32_t rc =
+        com__datefromchar_mb(&dt, text.data(), static_cast<int32_t>(text.size()), 0,
+                             com_intl_dateorder_id(&ctx, nullptr), com_intl_months(&ctx, nullptr),
+                             com_intl_shortmonths(&ctx, nullptr), com_intl_charattr(&ctx, nullptr));
     if (rc != 0) {
         std::fprintf(stderr, "comconv: '%s' is %s\n", text.c_str(),
                      rc < 0 ? "not a date" : "out of the datetime range");
@@ -94,9 +96,10 @@ bool parse_date(const std::string &text, DateTimeValue &dt) {
     return true;
 }
 
-int print_date(const DateTimeValue &dt, int32_t style) {
+int print_date(ComContext &ctx, const DateTimeValue &dt, int32_t style) {
     char buf[128];
-    const int32_t n = com__datetochar(&dt, buf, sizeof buf, style, com__get_shortmonths());
+    const int32_t n =
+        com__datetochar(&dt, buf, sizeof buf, style, com_intl_shortmonths(&ctx, nullptr));
     if (n <= 0) {
         std::fprintf(stderr, "comconv: no date style %d\n", static_cast<int>(style));
         return 1;
@@ -144,18 +147,18 @@ int main(int argc, char **argv) {
         rc = convert(ctx, args[1], args[2], args[3]);
     } else if (cmd == "date" && (args.size() == 2 || args.size() == 3)) {
         DateTimeValue dt{};
-        rc = parse_date(args[1], dt)
-                 ? print_date(dt, args.size() == 3 ? std::atoi(args[2].c_str()) : 0)
+        rc = parse_date(ctx, args[1], dt)
+                 ? print_date(ctx, dt, args.size() == 3 ? std::atoi(args[2].c_str()) : 0)
                  : 1;
     } else if (cmd == "styles" && args.size() == 2) {
         DateTimeValue dt{};
         rc = 1;
-        if (parse_date(args[1], dt)) {
+        if (parse_date(ctx, args[1], dt)) {
             for (int32_t style :
                  {0,   1,   2,   3,   4,   5,   6,   7,   8,   9,   10,  11,  12,
                   100, 101, 102, 103, 104, 105, 106, 107, 108, 109, 110, 111, 112}) {
                 std::printf("%3d  ", static_cast<int>(style));
-                print_date(dt, style);
+                print_date(ctx, dt, style);
             }
             rc = 0;
         }
