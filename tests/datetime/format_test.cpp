@@ -6,24 +6,10 @@
 #include <string>
 
 #include "comnlib.h"
+#include "datetime/make_datetime.h"
 #include "datetime/clock.h"
 
 namespace {
-
-DateTimeValue make(int y, int m, int d, int h = 0, int mi = 0, int s = 0, int ms = 0) {
-    DateRec r{};
-    r.year = y;
-    r.month = m - 1;
-    r.day_of_month = d;
-    r.hour = h;
-    r.minute = mi;
-    r.second = s;
-    r.millisecond = ms;
-    DateTimeValue dt{};
-    EXPECT_EQ(com__datemake(&dt, &r), 0);
-    EXPECT_EQ(com__timemake(&dt, &r), 0);
-    return dt;
-}
 
 std::string fmt(const DateTimeValue &dt, int32_t style, int32_t max = -1,
                 const char *const *names = com__get_shortmonths()) {
