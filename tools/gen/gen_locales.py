@@ -116,18 +116,18 @@ TERRITORY = {"us_english": "en_US", "french": "fr_FR", "german": "de_DE", "japan
 def all_names():
     names = list(LOCALE_NAMES)
     known = {(lang, cs) for _, lang, cs in names}
-    for lang, spec in LANGUAGES.items():
-        for cs in spec["charsets"]:
+    for lang, info in LANGUAGES.items():
+        for cs in info["charsets"]:
             if (lang, cs) not in known:
                 names.append((f"{TERRITORY[lang]}.{cs}", lang, cs))
     return names
 
 
-def common_loc(lang, cs, spec):
+def common_loc(lang, cs, info):
     codec = CODECS[cs]
 
     def names(key):
-        return ", ".join(spec[key])
+        return ", ".join(info[key])
 
     lines = [
         f"; Date and time names of {lang} in the character set {cs}.",
@@ -136,9 +136,9 @@ def common_loc(lang, cs, spec):
         f"months = {names('months')}",
         f"shortmonths = {names('shortmonths')}",
         f"days = {names('days')}",
-        f"firstday = {spec['firstday']}",
-        f"dateorder = {spec['dateorder']}",
-        f"twelvehour = {spec['twelvehour']}",
+        f"firstday = {info['firstday']}",
+        f"dateorder = {info['dateorder']}",
+        f"twelvehour = {info['twelvehour']}",
         "",
     ]
     return "\n".join(lines).encode(codec)
@@ -160,12 +160,12 @@ def locales_dat():
 def main():
     root = sys.argv[1] if len(sys.argv) > 1 else "."
     home = os.path.join(root, "home", "locales")
-    for lang, spec in LANGUAGES.items():
-        for cs in spec["charsets"]:
+    for lang, info in LANGUAGES.items():
+        for cs in info["charsets"]:
             d = os.path.join(home, lang, cs)
             os.makedirs(d, exist_ok=True)
             with open(os.path.join(d, "common.loc"), "wb") as f:
-                f.write(common_loc(lang, cs, spec))
+                f.write(common_loc(lang, cs, info))
     with open(os.path.join(home, "locales.dat"), "wb") as f:
         f.write(locales_dat())
 
