@@ -1,7 +1,7 @@
 // The translation driver: frames a value's text (a CS_VARCHAR carries a 16-bit length before
 // up to 256 bytes; any other type is maxlength bytes), copies or converts it, fills the
 // caller's state words (bytes taken, bytes written) and maps the converter's result bits to a
-// conversion status.
+// conversion status. The public entry points resolve the pair of formats and run it.
 #include "xlate_dispatch.h"
 
 #include <algorithm>
@@ -39,10 +39,10 @@ void set_varchar_len(const DataFormat *fmt, void *v, int32_t len) {
     std::memcpy(v, &l16, sizeof l16);
 }
 
-} // namespace
-
-int32_t xlate_run(int32_t mode, ComXlateFunc func, const DataFormat *srcfmt, const void *src,
-                  const DataFormat *destfmt, void *dest, int32_t *outlen, int32_t *state) {
+// The driver proper, inlined into the public entry point, which runs once per value.
+[[gnu::always_inline]] inline int32_t run(int32_t mode, ComXlateFunc func, const DataFormat *srcfmt,
+                                          const void *src, const DataFormat *destfmt, void *dest,
+                                          int32_t *outlen, int32_t *state) {
     if (mode == COM_XLT_MODE_NONE || (mode != COM_XLT_MODE_COPY && func == nullptr)) {
         state[0] = state[1] = 0;
         *outlen = 0;
@@ -73,4 +73,29 @@ int32_t xlate_run(int32_t mode, ComXlateFunc func, const DataFormat *srcfmt, con
     return CS_SUCCEED;
 }
 
+} // namespace
+
+int32_t xlate_run(int32_t mode, ComXlateFunc func, const DataFormat *srcfmt, const void *src,
+                  const DataFormat *destfmt, void *dest, int32_t *outlen, int32_t *state) {
+    return run(mode, func, srcfmt, src, destfmt, dest, outlen, state);
+}
+
 } // namespace comn
+
+extern "C" {
+
+COMN_API int32_t com_intl_xlate(ComContext *ctx, DataFormat *srcfmt, void *src, DataFormat *destfmt,
+                                void *dest, int32_t *outlen, int32_t *state) {
+    if (srcfmt == nullptr || destfmt == nullptr || outlen == nullptr || state == nullptr)
+        return CS_FAIL;
+    const comn::XltPair p = comn::xlate_resolve(ctx, srcfmt, destfmt);
+    return comn::run(p.mode, p.func, srcfmt, src, destfmt, dest, outlen, state);
+}
+
+COMN_API int32_t comb__intl_xlate(ComContext *ctx, DataFormat *srcfmt, void *src,
+                                  DataFormat *destfmt, void *dest, int32_t *outlen,
+                                  int32_t *state) {
+    return com_intl_xlate(ctx, srcfmt, src, destfmt, dest, outlen, state);
+}
+
+} // extern "C"

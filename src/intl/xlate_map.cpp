@@ -52,7 +52,7 @@ constexpr ComXltCell cs(uint8_t m, ComXlateFunc f = nullptr) {
 } // namespace
 
 // clang-format off
-extern "C" COMN_API constinit const ComXltRow Com_fou_xlt_map[COM_XLT_NSETS] = {
+extern "C" COMN_API constexpr ComXltRow Com_fou_xlt_map[COM_XLT_NSETS] = {
     {COM_XLT_ASCII8, {a8(COPY), i1(ASC, ascii), c850(ASC, ascii), c437(ASC, ascii), r8(ASC, ascii),
                       mac(ASC, ascii), euc(ASC, ascii), sjis(ASC, ascii), dec(ASC, ascii),
                       cs(CONV, swap)}},
@@ -94,32 +94,39 @@ extern "C" COMN_API constinit const ComXltRow Com_fou_xlt_map[COM_XLT_NSETS] = {
 namespace comn {
 namespace {
 
-// Position of each set id among the rows and cells, or -1 for an id the table does not know.
-constexpr int8_t k_nowhere = -1;
-constexpr auto k_position = [] {
-    constexpr uint8_t ids[COM_XLT_NSETS] = {
-        COM_XLT_ASCII8, COM_XLT_ISO1,   COM_XLT_CP850, COM_XLT_CP437,    COM_XLT_ROMAN8,
-        COM_XLT_MAC,    COM_XLT_EUCJIS, COM_XLT_SJIS,  COM_XLT_DECKANJI, COM_XLT_CASESWAP};
-    std::array<int8_t, 256> pos{};
-    pos.fill(k_nowhere);
-    for (int i = 0; i < COM_XLT_NSETS; ++i)
-        pos[ids[i]] = static_cast<int8_t>(i);
-    return pos;
-}();
+constexpr uint8_t k_ids[COM_XLT_NSETS] = {
+    COM_XLT_ASCII8, COM_XLT_ISO1,   COM_XLT_CP850, COM_XLT_CP437,    COM_XLT_ROMAN8,
+    COM_XLT_MAC,    COM_XLT_EUCJIS, COM_XLT_SJIS,  COM_XLT_DECKANJI, COM_XLT_CASESWAP};
+
+// Rows and cells must stand in id order for the position lookup below to find them.
+constexpr bool in_id_order() {
+    for (int r = 0; r < COM_XLT_NSETS; ++r) {
+        if (Com_fou_xlt_map[r].src_id != k_ids[r]) return false;
+        for (int c = 0; c < COM_XLT_NSETS; ++c)
+            if (Com_fou_xlt_map[r].cells[c].dest_id != k_ids[c]) return false;
+    }
+    return true;
+}
+static_assert(in_id_order(), "translation rows and cells out of id order");
 
 } // namespace
 
-const ComXltCell *xlate_cell(int32_t src_id, int32_t dst_id) {
-    if (src_id < 0 || src_id > 255 || dst_id < 0 || dst_id > 255) return nullptr;
-    const int r = k_position[static_cast<size_t>(src_id)];
-    const int c = k_position[static_cast<size_t>(dst_id)];
-    if (r == k_nowhere || c == k_nowhere) return nullptr;
-    const ComXltRow &row = Com_fou_xlt_map[r];
-    const ComXltCell &cell = row.cells[c];
-    // Rows and cells are laid out in id order; the check keeps a slip in the table from
-    // handing out the wrong converter.
-    if (row.src_id != src_id || cell.dest_id != dst_id) return nullptr;
-    return &cell;
-}
+constexpr std::array<int8_t, 256> xlt_position = [] {
+    std::array<int8_t, 256> pos{};
+    pos.fill(-1);
+    for (int i = 0; i < COM_XLT_NSETS; ++i)
+        pos[k_ids[i]] = static_cast<int8_t>(i);
+    return pos;
+}();
+
+// The exported table is reached through the symbol table on every access, this copy at a
+// fixed offset.
+constexpr std::array<std::array<ComXltCell, COM_XLT_NSETS>, COM_XLT_NSETS> xlt_cells = [] {
+    std::array<std::array<ComXltCell, COM_XLT_NSETS>, COM_XLT_NSETS> cells{};
+    for (int r = 0; r < COM_XLT_NSETS; ++r)
+        for (int c = 0; c < COM_XLT_NSETS; ++c)
+            cells[r][c] = Com_fou_xlt_map[r].cells[c];
+    return cells;
+}();
 
 } // namespace comn
