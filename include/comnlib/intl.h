@@ -30,15 +30,15 @@ COMN_BEGIN_DECLS
    pointers; on 64-bit hosts the four pointers make it larger.) */
 typedef struct CharAttrib {
     uint16_t image_id;
-    uint8_t mb_level;                    /* 1 for a single-byte set */
-    uint8_t xlate_id;                    /* character set id used by translation */
+    uint8_t mb_level; /* 1 for a single-byte set */
+    uint8_t xlate_id; /* character set id used by translation */
     uint16_t namelen;
-    char name[COM_CHARSET_NAME_MAX];     /* not terminated when 30 long */
+    char name[COM_CHARSET_NAME_MAX]; /* not terminated when 30 long */
     uint8_t flags[5];
-    const uint8_t *widthmap;             /* 256 bytes: low nibble byte length, high nibble columns */
-    const uint8_t *asciimap;             /* 256 bytes plus 256-byte pages, or null */
-    const uint8_t *typemap;              /* 256 4-byte entries plus 1024-byte pages */
-    const uint8_t *second;               /* a further table of the set, carried as is */
+    const uint8_t *widthmap; /* 256 bytes: low nibble byte length, high nibble columns */
+    const uint8_t *asciimap; /* 256 bytes plus 256-byte pages, or null */
+    const uint8_t *typemap;  /* 256 4-byte entries plus 1024-byte pages */
+    const uint8_t *second;   /* a further table of the set, carried as is */
 } CharAttrib;
 
 /* ---- Locale cache ---- */
@@ -53,7 +53,7 @@ typedef struct CommonInfo {
     int32_t firstday;      /* 1..7 as numbered by the platform reader */
     char dateorder[4];     /* three letters and a terminator, such as "mdy" */
     int32_t is12hour;
-    int32_t dtfmt;         /* default date style derived from the date order */
+    int32_t dtfmt; /* default date style derived from the date order */
 } CommonInfo;
 
 /* One cached locale. */
@@ -62,7 +62,7 @@ typedef struct LocaleRecord {
     char *language;
     char *charset;
     char *sortorder;
-    struct ComMsgCache *msgcache;        /* message files of this locale, dropped with it */
+    struct ComMsgCache *msgcache; /* message files of this locale, dropped with it */
     intptr_t reserved[3];
     struct ComCharsetDesc *charset_desc; /* shared, owned by the context's description list */
     int32_t dateorder_id;                /* 1 mdy, 2 dmy, 3 ymd, 4 ydm, 5 myd, 6 dym */
@@ -253,8 +253,8 @@ COMN_API int32_t com__verify_charfile(ComContext *ctx, const char *charset, cons
 COMN_API int32_t com_intl_verify_locfiles(ComContext *ctx, const char *language,
                                           const char *charset, const char *sortorder,
                                           char *path_out, int32_t size);
-COMN_API int32_t com_intl_verify_a_msgfile(ComContext *ctx, LocaleRecord *locale,
-                                           const char *file, char *path_out, int32_t size);
+COMN_API int32_t com_intl_verify_a_msgfile(ComContext *ctx, LocaleRecord *locale, const char *file,
+                                           char *path_out, int32_t size);
 COMN_API void com_intl_verify_ctxloc(ComContext *ctx);
 
 /* ---- Character attributes and classification ----
@@ -308,6 +308,48 @@ COMN_API int32_t com_isxdigit(int32_t c);
 COMN_API int32_t com_isspace(int32_t c);
 COMN_API int32_t com_isgraph(int32_t c);
 
+/* Inline forms of the tests and case maps, for loops that classify text a byte at a time:
+   each gives the routine's answer by reading the maps directly, without a call into the
+   library. They evaluate their arguments once. Define COMN_NO_INLINE_CTYPE before including
+   this header to call the routines instead; a parenthesised name, (comn_isalpha)(attr, c),
+   always calls the routine. */
+#ifndef COMN_NO_INLINE_CTYPE
+/* The second byte is read only after a lead byte, which a whole character always follows;
+   once inlined beside a one-byte buffer, the compiler cannot see that and would warn. */
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Warray-bounds"
+#endif
+static inline int32_t comn__ctype_bits(const CharAttrib *attr, const char *c) {
+    const uint8_t *map = attr ? attr->typemap : com_get_typemap();
+    const uint8_t *e = map + 4 * (size_t)(uint8_t)c[0];
+    if (e[3] & COM_CT_LEAD) e = map + 1024 * (size_t)e[0] + 4 * (size_t)(uint8_t)c[1];
+    return e[3];
+}
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic pop
+#endif
+#define comn_isalpha(attr, c) (comn__ctype_bits((attr), (c)) & (COM_CT_UPPER | COM_CT_LOWER))
+#define comn_isupper(attr, c) (comn__ctype_bits((attr), (c)) & COM_CT_UPPER)
+#define comn_islower(attr, c) (comn__ctype_bits((attr), (c)) & COM_CT_LOWER)
+#define comn_isdigit(attr, c) (comn__ctype_bits((attr), (c)) & COM_CT_DIGIT)
+#define comn_isxdigit(attr, c) (comn__ctype_bits((attr), (c)) & COM_CT_XDIGIT)
+#define comn_isspace(attr, c) (comn__ctype_bits((attr), (c)) & COM_CT_SPACE)
+#define comn_ispunct(attr, c) (comn__ctype_bits((attr), (c)) & COM_CT_PUNCT)
+#define comn_isgraph(attr, c) (comn__ctype_bits((attr), (c)) & COM_CT_GRAPH)
+
+#define COMN__CHARMAP(c, slot) ((int32_t)Com_charmap[4 * (size_t)((c)&0xFF) + (slot)])
+#define com_toupper(c) COMN__CHARMAP(c, 0)
+#define com_tolower(c) COMN__CHARMAP(c, 1)
+#define com_isalpha(c) (COMN__CHARMAP(c, 3) & (COM_CT_UPPER | COM_CT_LOWER))
+#define com_isupper(c) (COMN__CHARMAP(c, 3) & COM_CT_UPPER)
+#define com_islower(c) (COMN__CHARMAP(c, 3) & COM_CT_LOWER)
+#define com_isdigit(c) (COMN__CHARMAP(c, 3) & COM_CT_DIGIT)
+#define com_isxdigit(c) (COMN__CHARMAP(c, 3) & COM_CT_XDIGIT)
+#define com_isspace(c) (COMN__CHARMAP(c, 3) & COM_CT_SPACE)
+#define com_isgraph(c) (COMN__CHARMAP(c, 3) & COM_CT_GRAPH)
+#endif
+
 /* ---- Character set and sort order descriptions ----
    One description per (character set, sort order) pair, loaded from the set's "charset.loc"
    and "<sort order>.srt" and kept in the context's list, shared by every locale record with
@@ -319,10 +361,10 @@ COMN_API int32_t com_isgraph(int32_t c);
 typedef struct ComCharsetDesc {
     char *charset;
     char *sortorder;
-    CharAttrib *attr;     /* the set's attribute record, pointing into image */
-    uint8_t *image;       /* the character set image */
-    uint8_t *sort_table;  /* the sort order's weight table */
-    int32_t sort_size;    /* its size in bytes */
+    CharAttrib *attr;    /* the set's attribute record, pointing into image */
+    uint8_t *image;      /* the character set image */
+    uint8_t *sort_table; /* the sort order's weight table */
+    int32_t sort_size;   /* its size in bytes */
     struct ComCharsetDesc *next;
 } ComCharsetDesc;
 
@@ -342,8 +384,8 @@ COMN_API int32_t com__smel_lsc(const uint8_t *list, int32_t start, const uint8_t
 /* Primary comparison with secondary tie-break: a signed difference; the com_ form its sign. */
 COMN_API int32_t com__ps_dl_sqlhilo(const uint8_t *table, const char *a, int32_t alen,
                                     const char *b, int32_t blen);
-COMN_API int32_t com_ps_dl_sqlhilo(const uint8_t *table, const char *a, int32_t alen,
-                                   const char *b, int32_t blen);
+COMN_API int32_t com_ps_dl_sqlhilo(const uint8_t *table, const char *a, int32_t alen, const char *b,
+                                   int32_t blen);
 /* Tertiary comparison: a signed difference; the com_ form its sign. */
 COMN_API int32_t com__spec_tord(const uint8_t *table, const char *a, int32_t alen, const char *b,
                                 int32_t blen);

@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <iterator>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "comnlib.h"
 #include "intl/charset_internal.h"
@@ -92,6 +95,57 @@ TEST(CharsetLoader, JapaneseSetsReduceFullWidthTextToAscii) {
     char copy[4];
     EXPECT_EQ(comn_toupper(euc->attr, "\x8f\xb0\xa1", copy), 3); // copied whole
     EXPECT_EQ(std::string(copy, 3), "\x8f\xb0\xa1");
+}
+
+// The header's inline tests must answer as the routines do, for every first byte and, behind a
+// lead byte, every second byte, in each bundled set (the multibyte ones reach the pages).
+TEST(CharsetLoader, InlineTestsAgreeWithTheRoutines) {
+    EnvGuard veldar("VELDAR");
+    veldar.set(COMN_TEST_HOME);
+    Ctx ctx;
+    using ClassTest = int32_t (*)(const CharAttrib *, const char *);
+    const ClassTest routines[] = {(comn_isalpha),  (comn_isupper), (comn_islower), (comn_isdigit),
+                                  (comn_isxdigit), (comn_isspace), (comn_ispunct), (comn_isgraph)};
+    for (const char *set : {"iso_1", "cp850", "roman8", "mac", "eucjis", "sjis", "deckanji"}) {
+        ComCharsetDesc *d = nullptr;
+        ASSERT_EQ(com__charset_desc_get(&ctx.c, set, "binary", &d), 1) << set;
+        for (const CharAttrib *a :
+             {static_cast<const CharAttrib *>(nullptr), static_cast<const CharAttrib *>(d->attr)})
+            for (int b0 = 0; b0 < 256; ++b0)
+                for (int b1 = 0; b1 < 256; b1 += (b1 < 0x40 ? 0x1F : 1)) {
+                    const char c[2] = {static_cast<char>(b0), static_cast<char>(b1)};
+                    const int32_t inline_forms[] = {comn_isalpha(a, c),  comn_isupper(a, c),
+                                                    comn_islower(a, c),  comn_isdigit(a, c),
+                                                    comn_isxdigit(a, c), comn_isspace(a, c),
+                                                    comn_ispunct(a, c),  comn_isgraph(a, c)};
+                    for (size_t i = 0; i < std::size(routines); ++i)
+                        ASSERT_EQ(inline_forms[i], routines[i](a, c))
+                            << set << " test " << i << " bytes " << b0 << " " << b1;
+                }
+    }
+    // The older family follows Com_charmap wherever it points.
+    std::vector<uint8_t> swapped(Com_Iso1_charmap, Com_Iso1_charmap + 1024);
+    for (int c = 0; c < 256; ++c)
+        std::swap(swapped[4 * c], swapped[4 * c + 1]);
+    swapped[4 * '7' + 3] = COM_CT_UPPER;
+    const uint8_t *saved = Com_charmap;
+    for (const uint8_t *map : {Com_Iso1_charmap, static_cast<const uint8_t *>(swapped.data())}) {
+        Com_charmap = map;
+        for (int c = -128; c < 256; ++c) {
+            EXPECT_EQ(com_isalpha(c), (com_isalpha)(c)) << c;
+            EXPECT_EQ(com_isupper(c), (com_isupper)(c)) << c;
+            EXPECT_EQ(com_islower(c), (com_islower)(c)) << c;
+            EXPECT_EQ(com_isdigit(c), (com_isdigit)(c)) << c;
+            EXPECT_EQ(com_isxdigit(c), (com_isxdigit)(c)) << c;
+            EXPECT_EQ(com_isspace(c), (com_isspace)(c)) << c;
+            EXPECT_EQ(com_isgraph(c), (com_isgraph)(c)) << c;
+            EXPECT_EQ(com_toupper(c), (com_toupper)(c)) << c;
+            EXPECT_EQ(com_tolower(c), (com_tolower)(c)) << c;
+        }
+    }
+    EXPECT_EQ(com_isupper('7'), COM_CT_UPPER);
+    Com_charmap = saved;
+    EXPECT_EQ(com_isupper('7'), 0);
 }
 
 TEST(CharsetLoader, DescriptionsAreSharedPerPairAndFreedWithTheContext) {
