@@ -12,6 +12,8 @@
 #ifndef COMNLIB_MONEY_H
 #define COMNLIB_MONEY_H
 
+#include <string.h>
+
 #include "intl.h"
 #include "types.h"
 
@@ -153,6 +155,66 @@ COMN_API int32_t com__flt8tomny(const double *value, int32_t len, MoneyValue *ds
 COMN_API int32_t com__flt4tomny(const float *value, int32_t len, MoneyValue *dst);
 COMN_API int32_t com__flt8tomny4(const double *value, int32_t len, Money4Value *dst);
 COMN_API int32_t com__flt4tomny4(const float *value, int32_t len, Money4Value *dst);
+
+/* Inline forms of addition and subtraction, in all three layers, for loops that add a value
+   at a time: the routine's result and destination, without a call into the library. They
+   evaluate their arguments once. Define COMN_NO_INLINE_MONEY before including this header to
+   call the routines instead; a parenthesised name, (com__mnyadd)(a, b, dst), always calls.
+   COMN_PORTABLE_INLINE selects the plain C overflow test used where the compiler has no
+   checked-arithmetic builtins. */
+#ifndef COMN_NO_INLINE_MONEY
+/* The 64-bit value of a money record, upper word first, and back. */
+static inline int64_t comn__mny_get(const MoneyValue *m) {
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+    uint64_t u; /* one load: the words are swapped in a register */
+    memcpy(&u, m, sizeof u);
+    return (int64_t)(u << 32 | u >> 32);
+#else
+    return (int64_t)((uint64_t)(uint32_t)m->high << 32 | m->low);
+#endif
+}
+static inline void comn__mny_set(MoneyValue *m, int64_t v) {
+    m->high = (int32_t)(uint32_t)((uint64_t)v >> 32);
+    m->low = (uint32_t)v;
+}
+/* Sum (subtract 0) or difference (subtract 1); on overflow the destination is 0 and the code
+   COM_MNY_OVERFLOW. */
+static inline int32_t comn__mny_addsub(const MoneyValue *a, const MoneyValue *b, MoneyValue *dst,
+                                       int subtract) {
+    const int64_t x = comn__mny_get(a), y = comn__mny_get(b);
+    int64_t r;
+#if (defined(__GNUC__) || defined(__clang__)) && !defined(COMN_PORTABLE_INLINE)
+    const int over = subtract ? __builtin_sub_overflow(x, y, &r) : __builtin_add_overflow(x, y, &r);
+#else
+    const uint64_t ux = (uint64_t)x, uy = (uint64_t)y, ur = subtract ? ux - uy : ux + uy;
+    /* overflow exactly when the operands' signs call for a sign the wrapped result lacks */
+    const int over = (int)(((subtract ? ux ^ uy : ~(ux ^ uy)) & (ux ^ ur)) >> 63);
+    r = (int64_t)ur;
+#endif
+    comn__mny_set(dst, over ? 0 : r);
+    return over ? COM_MNY_OVERFLOW : COM_MNY_OK;
+}
+static inline int32_t comn__mny4_addsub(const Money4Value *a, const Money4Value *b,
+                                        Money4Value *dst, int subtract) {
+    const int64_t r = subtract ? (int64_t)a->mny4 - b->mny4 : (int64_t)a->mny4 + b->mny4;
+    const int over = r < INT32_MIN || r > INT32_MAX;
+    dst->mny4 = over ? 0 : (int32_t)r;
+    return over ? COM_MNY_OVERFLOW : COM_MNY_OK;
+}
+#define COMN__MNY_CLIENT(code) ((code) == COM_MNY_OK ? CS_SUCCEED : CS_CONV_OVERFLOW)
+#define com__mnyadd(a, b, dst) comn__mny_addsub((a), (b), (dst), 0)
+#define com__mnysub(a, b, dst) comn__mny_addsub((a), (b), (dst), 1)
+#define com_mnyadd(a, b, dst) comn__mny_addsub((a), (b), (dst), 0)
+#define com_mnysub(a, b, dst) comn__mny_addsub((a), (b), (dst), 1)
+#define comn_mnyadd(a, b, dst) COMN__MNY_CLIENT(comn__mny_addsub((a), (b), (dst), 0))
+#define comn_mnysub(a, b, dst) COMN__MNY_CLIENT(comn__mny_addsub((a), (b), (dst), 1))
+#define com__mnyadd4(a, b, dst) comn__mny4_addsub((a), (b), (dst), 0)
+#define com__mnysub4(a, b, dst) comn__mny4_addsub((a), (b), (dst), 1)
+#define com_mny4add(a, b, dst) comn__mny4_addsub((a), (b), (dst), 0)
+#define com_mny4sub(a, b, dst) comn__mny4_addsub((a), (b), (dst), 1)
+#define comn_mny4add(a, b, dst) COMN__MNY_CLIENT(comn__mny4_addsub((a), (b), (dst), 0))
+#define comn_mny4sub(a, b, dst) COMN__MNY_CLIENT(comn__mny4_addsub((a), (b), (dst), 1))
+#endif
 
 COMN_END_DECLS
 

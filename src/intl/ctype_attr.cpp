@@ -1,8 +1,6 @@
 // Character classification, case mapping, widths and ASCII equivalents through a character
 // attribute record (null means the built-in "iso_1" record). Characters of a multibyte set
 // are reached through the width map (byte length) and the two-level type map.
-// The routines themselves are defined here, so the header's inline forms stay out of the way.
-#define COMN_NO_INLINE_CTYPE
 #include <cstring>
 
 #include "intl/charattr_internal.h"

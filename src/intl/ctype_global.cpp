@@ -1,7 +1,5 @@
 // The older single-byte classification family: one byte in, read through the global map
 // Com_charmap (entries: upper-case byte, lower-case byte, unused, type bits).
-// The routines themselves are defined here, so the header's inline forms stay out of the way.
-#define COMN_NO_INLINE_CTYPE
 #include "comnlib/intl.h"
 
 extern "C" {

@@ -4,6 +4,7 @@
 
 #include "comnlib/money.h"
 #include "money/money_internal.h"
+#include "inline_addsub_check.h"
 
 namespace {
 
@@ -123,6 +124,12 @@ TEST(MoneyArith, FourByteAddSubStoreZeroOnOverflow) {
         EXPECT_EQ(c.op(&a, &b, &d), c.code);
         EXPECT_EQ(d.mny4, c.out);
     }
+}
+
+// The header's inline forms of addition and subtraction against the routines they stand in
+// for; inline_portable_test.cpp runs the same check over the plain C overflow test.
+TEST(MoneyArith, InlineAddSubAgreeWithTheRoutines) {
+    check_inline_addsub();
 }
 
 TEST(MoneyArith, ExtremesCopyCodesAndStubs) {
