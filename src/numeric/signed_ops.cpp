@@ -8,8 +8,10 @@
 // result must fit the descriptor's precision and length, else the code is 1. Rounding is not
 // reported as an error: the result descriptor's scale is the caller's request.
 //
-// Sums and products that need no rescaling take fixed-width paths first: one 128-bit word
-// for operands of up to 38 digits, four 64-bit limbs for up to 32 magnitude bytes.
+// Sums that need no rescaling take fixed-width paths first: one 128-bit word for operands of
+// up to 38 digits, four 64-bit limbs for up to 32 magnitude bytes. Products of two 128-bit
+// operands do too, and are rounded in one word when they lose at most 19 digits to the
+// result's scale and stay below 2^128.
 #include <cstring>
 
 #include "numeric/descriptor.h"
@@ -217,7 +219,8 @@ int32_t addorsub_general(const ExactNumericRef *a, const ExactNumericRef *b, Exa
 }
 
 int32_t mul(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef *r) {
-    if (U256 fx, fy; r->scale == a->scale + b->scale && fits_result(r) && load256(a, fx) &&
+    const int drop = a->scale + b->scale - r->scale; // digits the product loses to r's scale
+    if (U256 fx, fy; drop >= 0 && drop <= 19 && fits_result(r) && load256(a, fx) &&
                      load256(b, fy) && (fx.w[2] | fx.w[3] | fy.w[2] | fy.w[3]) == 0) {
         // 128 x 128 bits: four partial products.
         const u128 ll = static_cast<u128>(fx.w[0]) * fy.w[0];
@@ -228,7 +231,12 @@ int32_t mul(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef 
         const u128 high = hh + (lh >> 64) + (hl >> 64) + (mid >> 64);
         const U256 z{{static_cast<u64>(ll), static_cast<u64>(mid), static_cast<u64>(high),
                       static_cast<u64>(high >> 64)}};
-        return store256(r, z, negative(a) != negative(b));
+        const bool neg = negative(a) != negative(b);
+        if (drop == 0) return store256(r, z, neg);
+        if (high == 0) { // a product below 2^128 rounded to r's scale in one word
+            const u128 v = (mid << 64) | static_cast<u64>(ll);
+            return store128(r, wide::div_pow10_round128(v, drop), neg);
+        }
     }
     return mul_general(a, b, r);
 }

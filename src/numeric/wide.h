@@ -308,6 +308,48 @@ inline u64 div_ten19(Nat &x) {
     return r;
 }
 
+// Reciprocals of the normalised powers 10^k << shift, k = 1..19, for dividing by a power of
+// ten without computing a reciprocal or using a hardware division.
+struct Pow10Recip {
+    Reciprocal rc;
+    int shift;
+};
+inline constexpr auto kPow10Recip = [] {
+    struct {
+        Pow10Recip e[20];
+    } t{};
+    for (int k = 1; k < 20; ++k) {
+        int s = 0;
+        while ((kPow10[k] << s) >> 63 == 0)
+            ++s;
+        t.e[k] = {make_reciprocal(kPow10[k] << s), s};
+    }
+    return t;
+}();
+
+// v / 10^k for k = 1..19, with the remainder in rem.
+inline u128 divmod_pow10(u128 v, int k, u64 &rem) {
+    const Pow10Recip &p = kPow10Recip.e[k];
+    const int s = p.shift; // 0 only for 10^19
+    const u64 hi = static_cast<u64>(v >> 64), lo = static_cast<u64>(v);
+    const u64 u2 = s ? hi >> (64 - s) : 0;
+    const u64 u1 = (hi << s) | (s ? lo >> (64 - s) : 0);
+    const u64 u0 = lo << s;
+    u64 r;
+    const u64 q1 = div_preinv(u2, u1, p.rc, r);
+    const u64 q0 = div_preinv(r, u0, p.rc, r);
+    rem = r >> s;
+    return (static_cast<u128>(q1) << 64) | q0;
+}
+
+// v / 10^k (k = 1..19) rounded half away from zero on the first dropped digit: up when the
+// dropped part is at least 5 * 10^(k-1).
+inline u128 div_pow10_round128(u128 v, int k) {
+    u64 rem;
+    const u128 q = divmod_pow10(v, k, rem);
+    return q + (rem >= 5 * kPow10[k - 1]);
+}
+
 // x = x / d in place (d > 0); returns the remainder. The divisor is normalised (shifted so
 // that its top bit is set) and the dividend shifted with it on the fly.
 inline u64 div_small(Nat &x, u64 d) {

@@ -245,3 +245,22 @@ TEST(NumericWide, ReciprocalMatchesTheDefinition) {
         ASSERT_EQ(comn::wide::reciprocal(d).v, static_cast<uint64_t>(want)) << d;
     }
 }
+
+// Division by the powers of ten through their stored reciprocals against the compiler's
+// 128-bit division, and the rounding on the first dropped digit built on it.
+TEST(NumericWide, PowerOfTenDivisionMatchesNativeDivision) {
+    std::mt19937_64 rng(5);
+    for (int k = 1; k <= 19; ++k) {
+        const u128 p = comn::wide::kPow10[k];
+        std::vector<u128> vs = {0, p - 1, p, p * 5 - 1, p * 5, ~static_cast<u128>(0)};
+        for (int i = 0; i < 5000; ++i)
+            vs.push_back((static_cast<u128>(rng()) << 64 | rng()) >> (rng() % 128));
+        for (const u128 v : vs) {
+            uint64_t rem;
+            ASSERT_TRUE(comn::wide::divmod_pow10(v, k, rem) == v / p) << k;
+            ASSERT_EQ(rem, static_cast<uint64_t>(v % p)) << k;
+            const u128 rounded = v / p + (v % p >= p / 2 ? 1 : 0);
+            ASSERT_TRUE(comn::wide::div_pow10_round128(v, k) == rounded) << k;
+        }
+    }
+}
