@@ -11,7 +11,8 @@
 // Sums that need no rescaling take fixed-width paths first: one 128-bit word for operands of
 // up to 38 digits, four 64-bit limbs for up to 32 magnitude bytes. Products of two 128-bit
 // operands do too, and are rounded in one word when they lose at most 19 digits to the
-// result's scale and stay below 2^128.
+// result's scale and stay below 2^128. Quotients whose scaled dividend and divisor fit four
+// limbs are formed on fixed arrays as well.
 #include <cstring>
 
 #include "numeric/descriptor.h"
@@ -160,6 +161,58 @@ inline int32_t store128(ExactNumericRef *r, u128 v, bool neg) {
     return kOk;
 }
 
+// x = x * 10^k (k >= 0) on four limbs; false when the product needs more.
+inline bool mul_pow10_256(U256 &x, int k) {
+    for (; k > 0; k -= 19) {
+        const u64 m = wide::kPow10[k < 19 ? k : 19];
+        u64 c = 0;
+#pragma GCC unroll 4
+        for (int i = 0; i < 4; ++i) {
+            const u128 t = static_cast<u128>(x.w[i]) * m + c;
+            x.w[i] = static_cast<u64>(t);
+            c = static_cast<u64>(t >> 64);
+        }
+        if (c != 0) return false;
+    }
+    return true;
+}
+
+// q = x / y and r = x % y on four limbs, y != 0. The divisor's length picks a path: one limb
+// divides limb by limb in hardware; two to four run the schoolbook division with the length
+// fixed at compile time.
+inline void divmod256(const U256 &x, const U256 &y, U256 &q, U256 &r) {
+    int xn = 4, yn = 4;
+    while (xn > 0 && x.w[xn - 1] == 0)
+        --xn;
+    while (y.w[yn - 1] == 0)
+        --yn;
+    q = U256{};
+    r = U256{};
+    if (xn < yn) {
+        r = x;
+        return;
+    }
+    u64 u[5], v[5];
+    if (yn == 1) {
+        u64 rest = 0;
+        for (int i = xn - 1; i >= 0; --i)
+            q.w[i] = wide::div128(rest, x.w[i], y.w[0], rest);
+        r.w[0] = rest;
+        return;
+    }
+    const int s = __builtin_clzll(y.w[yn - 1]);
+    wide::shl_into(y.w, yn, s, v);
+    wide::shl_into(x.w, xn, s, u);
+    const int m = xn - yn;
+    if (yn == 2)
+        wide::knuth_div<2>(u, v, 2, m, q.w);
+    else if (yn == 3)
+        wide::knuth_div<3>(u, v, 3, m, q.w);
+    else
+        wide::knuth_div<4>(u, v, 4, m, q.w);
+    wide::shr_from(u, yn, s, r.w);
+}
+
 } // namespace
 
 namespace comn::nume {
@@ -251,6 +304,21 @@ int32_t mul_general(const ExactNumericRef *a, const ExactNumericRef *b, ExactNum
 
 int32_t div(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef *q,
             ExactNumericRef *rem) {
+    // Fixed-width path: no remainder wanted, a dividend that stays within four limbs once
+    // scaled up, and a divisor of at most four limbs.
+    if (U256 x, y;
+        rem == nullptr && fits_result(q) && load256(a, x) && load256(b, y) && !is_zero(y)) {
+        const int shift = q->scale - a->scale + b->scale;
+        if (shift >= 0 && mul_pow10_256(x, shift)) {
+            U256 quot, r, gap;
+            divmod256(x, y, quot, r);
+            // Half away from zero: up when the remainder is at least half the divisor, that
+            // is when it is no less than what it lacks of the divisor.
+            sub256(y, r, gap);
+            if (!less(r, gap) && !add256(quot, U256{{1, 0, 0, 0}}, quot)) return kOverflow;
+            return store256(q, quot, negative(a) != negative(b));
+        }
+    }
     Nat x, y;
     load(a, x);
     load(b, y);

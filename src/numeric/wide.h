@@ -369,30 +369,28 @@ inline u64 div_small(Nat &x, u64 d) {
     return r >> s;
 }
 
-// q = a / b, r = a % b for b != 0 (schoolbook division on normalised limbs, Knuth's
-// algorithm D). q and r must not alias a or b.
-inline void divmod(const Nat &a, const Nat &b, Nat &q, Nat &r) {
-    if (cmp(a, b) < 0) {
-        q.n = 0;
-        copy(r, a);
-        return;
-    }
-    if (b.n == 1) {
-        copy(q, a);
-        set_u64(r, div_small(q, b.w[0]));
-        return;
-    }
-    const int n = b.n, m = a.n - b.n;
-    const int s = __builtin_clzll(b.w[n - 1]);
-    u64 v[kCap], u[kCap + 1];
-    for (int i = n - 1; i > 0; --i)
-        v[i] = (b.w[i] << s) | (s ? b.w[i - 1] >> (64 - s) : 0);
-    v[0] = b.w[0] << s;
-    u[a.n] = s ? a.w[a.n - 1] >> (64 - s) : 0;
-    for (int i = a.n - 1; i > 0; --i)
-        u[i] = (a.w[i] << s) | (s ? a.w[i - 1] >> (64 - s) : 0);
-    u[0] = a.w[0] << s;
+// dst[0..len] = src[0..len-1] << s (0 <= s < 64): len + 1 limbs, the last the bits shifted out.
+inline void shl_into(const u64 *src, int len, int s, u64 *dst) {
+    dst[len] = s ? src[len - 1] >> (64 - s) : 0;
+    for (int i = len - 1; i > 0; --i)
+        dst[i] = (src[i] << s) | (s ? src[i - 1] >> (64 - s) : 0);
+    dst[0] = src[0] << s;
+}
 
+// dst[0..len-1] = src[0..len] >> s, the inverse of shl_into.
+inline void shr_from(const u64 *src, int len, int s, u64 *dst) {
+    for (int i = 0; i < len; ++i)
+        dst[i] = (src[i] >> s) | (s ? src[i + 1] << (64 - s) : 0);
+}
+
+// Schoolbook division on normalised limbs (Knuth's algorithm D): u holds the dividend shifted
+// left with the divisor (m + n + 1 limbs), v the divisor (n >= 2 limbs, top bit set). The m + 1
+// quotient limbs go to q and u is left holding the shifted remainder in its low n limbs. N
+// fixes n at compile time (0: taken from n_rt) so that short divisors get straight-line
+// inner loops.
+template <int N>
+inline void knuth_div(u64 *u, const u64 *v, int n_rt, int m, u64 *q) {
+    const int n = N ? N : n_rt;
     const u64 vtop = v[n - 1], vnext = v[n - 2];
     const Reciprocal rtop = reciprocal(vtop);
     for (int j = m; j >= 0; --j) {
@@ -441,13 +439,31 @@ inline void divmod(const Nat &a, const Nat &b, Nat &q, Nat &r) {
             }
             u[j + n] += c;
         }
-        q.w[j] = qd;
+        q[j] = qd;
     }
+}
+
+// q = a / b, r = a % b for b != 0. q and r must not alias a or b.
+inline void divmod(const Nat &a, const Nat &b, Nat &q, Nat &r) {
+    if (cmp(a, b) < 0) {
+        q.n = 0;
+        copy(r, a);
+        return;
+    }
+    if (b.n == 1) {
+        copy(q, a);
+        set_u64(r, div_small(q, b.w[0]));
+        return;
+    }
+    const int n = b.n, m = a.n - b.n;
+    const int s = __builtin_clzll(b.w[n - 1]);
+    u64 v[kCap + 1], u[kCap + 1];
+    shl_into(b.w, n, s, v);
+    shl_into(a.w, a.n, s, u);
+    knuth_div<0>(u, v, n, m, q.w);
     q.n = m + 1;
     trim(q);
-    for (int i = 0; i < n - 1; ++i)
-        r.w[i] = (u[i] >> s) | (s ? u[i + 1] << (64 - s) : 0);
-    r.w[n - 1] = u[n - 1] >> s;
+    shr_from(u, n, s, r.w);
     r.n = n;
     trim(r);
 }
