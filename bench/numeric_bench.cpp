@@ -73,6 +73,10 @@ const Operands &set77() {
     static const Operands o = make(77, 77, 77, 2);
     return o;
 }
+const Operands &add77() {
+    static const Operands o = make(77, 76, 76, 6);
+    return o;
+}
 const Operands &mul77() {
     static const Operands o = make(77, 38, 38, 3);
     return o;
@@ -92,6 +96,8 @@ const Operands &pick(int which) {
         return set38();
     case 77:
         return set77();
+    case 760:
+        return add77();
     case 770:
         return mul77();
     case 380:
@@ -190,12 +196,15 @@ struct Mpz {
 };
 
 const Mpz &mpz_of(int which) {
-    static const Mpz m38(set38()), m77(set77()), mm77(mul77()), d38(div38()), d77(div77());
+    static const Mpz m38(set38()), m77(set77()), ma77(add77()), mm77(mul77()), d38(div38()),
+        d77(div77());
     switch (which) {
     case 38:
         return m38;
     case 77:
         return m77;
+    case 760:
+        return ma77;
     case 770:
         return mm77;
     case 380:

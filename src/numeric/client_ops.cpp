@@ -30,7 +30,7 @@ int int_digits(const NumericValue *v) {
 }
 
 ExactNumericRef ref_of(NumericValue *v) {
-    return {Com__Nume_Prec_To_Len[v->precision], v->precision, v->scale, v->array};
+    return {comn::kPrecToLen[v->precision], v->precision, v->scale, v->array};
 }
 
 int32_t map_code(int32_t rc) {

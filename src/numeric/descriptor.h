@@ -4,8 +4,15 @@
 #ifndef COMN_NUMERIC_DESCRIPTOR_H
 #define COMN_NUMERIC_DESCRIPTOR_H
 
+#include <array>
+
 #include "comnlib/numeric.h"
 #include "numeric/wide.h"
+
+namespace comn {
+// Com__Nume_Prec_To_Len as the library reads it (defined in tables.cpp).
+[[gnu::visibility("hidden")]] extern const std::array<uint8_t, CS_MAX_PREC + 1> kPrecToLen;
+} // namespace comn
 
 namespace comn::nume {
 

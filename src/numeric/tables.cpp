@@ -10,6 +10,7 @@
 #include <cstdint>
 
 #include "comnlib/numeric.h"
+#include "numeric/descriptor.h"
 
 namespace comn {
 namespace {
@@ -47,7 +48,13 @@ constexpr std::array<uint8_t, CS_MAX_PREC + 1> make_prec_to_len() {
     return t;
 }
 
-constexpr auto kPrecToLen = make_prec_to_len();
+} // namespace
+
+// The library's own reference to the lengths: reached at a fixed offset rather than through
+// the symbol table as the exported copy is (declared in numeric/descriptor.h).
+constexpr std::array<uint8_t, CS_MAX_PREC + 1> kPrecToLen = make_prec_to_len();
+
+namespace {
 static_assert(kPrecToLen[0] == 2 && kPrecToLen[2] == 2 && kPrecToLen[3] == 3);
 static_assert(kPrecToLen[9] == 5 && kPrecToLen[10] == 6 && kPrecToLen[38] == 17);
 static_assert(kPrecToLen[77] == 33);
