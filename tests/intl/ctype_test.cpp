@@ -84,7 +84,7 @@ TEST(Iso1Attrib, LexicalClassesCaseAndSoundex) {
         EXPECT_EQ(soundex['A' + i], codes[i]);
         EXPECT_EQ(soundex['a' + i], codes[i]);
     }
-    EXPECT_EQ(soundex['1'], 0);
+    EXPECT_EQ(soundex[0x31] /* '1' */, 0);
     const CharAttrib *a = com_get_charattrib();
     EXPECT_EQ(std::string(a->name, a->namelen), "iso_1");
     EXPECT_EQ(a->xlate_id, 1);
