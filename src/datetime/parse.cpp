@@ -440,6 +440,29 @@ int datelookup(const char *text, int32_t len, const char *const *table, int32_t 
                            : lookup(p, len, table, count, AsciiChars());
 }
 
+namespace {
+
+// The value of a text of ASCII digits only, or -1 when another byte is in it.
+int32_t digits_value(const char *text, int32_t len) {
+    int32_t v = 0;
+    for (int32_t i = 0; i < len; ++i) {
+        const unsigned d = static_cast<unsigned char>(text[i]) - '0';
+        if (d > 9) return -1;
+        v = v * 10 + static_cast<int32_t>(d);
+    }
+    return v;
+}
+
+// The packed date (yyyymmdd, or yymmdd with a two-digit year) into rec.
+int32_t packed_date(int32_t v, int32_t digits, DateRec &rec) {
+    rec.day_of_month = v % 100;
+    rec.month = v / 100 % 100 - 1;
+    rec.year = v / 10000;
+    return digits == 6 ? com__year2digit(&rec.year) : 0;
+}
+
+} // namespace
+
 int32_t xdatefromchar(DateTimeValue *out, const char *text, int32_t len, int32_t timeonly,
                       int32_t style, int32_t dateorder, const char *const *month_names,
                       const char *const *short_month_names, const CharAttrib *attr) {
@@ -447,6 +470,16 @@ int32_t xdatefromchar(DateTimeValue *out, const char *text, int32_t len, int32_t
     out->ticks = 0;
     const StyleRule *rule = find_style(style);
     if (rule == nullptr) return -1;
+
+    // A packed date with nothing around it, the commonest form in bulk loads, skips the
+    // tokenizer: the fields are those its one packed token would give.
+    if (!timeonly && attr == nullptr && text != nullptr && (len == 8 || len == 6)) {
+        if (const int32_t v = digits_value(text, len); v >= 0) {
+            DateRec rec{};
+            if (const int32_t rc = packed_date(v, len, rec); rc != 0) return rc;
+            return com__datemake(out, &rec);
+        }
+    }
 
     Tokens tk;
     if (!(attr != nullptr
@@ -467,13 +500,8 @@ int32_t xdatefromchar(DateTimeValue *out, const char *text, int32_t len, int32_t
     } else if (const int sep = tk.find_from(1, TOK_DATESEP); sep >= 0) {
         rc = parse_numeric(tk, sep, *rule, dateorder, leading_year, rec);
     } else if (const int p = findtoken(tk.t, TOK_PACKED); p >= 0) {
-        // yyyymmdd, or yymmdd with a two-digit year.
-        const int32_t v = tk.t[p].value;
-        rec.day_of_month = v % 100;
-        rec.month = v / 100 % 100 - 1;
-        rec.year = v / 10000;
+        rc = packed_date(tk.t[p].value, tk.t[p].digits, rec);
         tk.use(p);
-        if (tk.t[p].digits == 6) rc = com__year2digit(&rec.year);
     } else if (const int y = findtoken(tk.t, TOK_YEAR); y >= 0) {
         rec.year = tk.t[y].value; // 1 January of that year
         tk.use(y);
