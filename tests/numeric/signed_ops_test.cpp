@@ -219,3 +219,40 @@ TEST(NumericConversions, DoublesConvertExactlyBothWays) {
         EXPECT_EQ(d, std::strtod(text, nullptr)) << text;
     }
 }
+
+// A quotient without its remainder takes the fixed-width path wherever the scaled dividend and
+// the divisor fit four limbs; asking for the remainder takes the general division. Both must
+// give the same code and quotient over random magnitudes, precisions and scales.
+TEST(NumericSigned, FixedWidthQuotientsMatchTheGeneralDivision) {
+    std::mt19937_64 rng(9);
+    auto fill = [&rng](uint8_t *buf, int len) {
+        buf[0] = static_cast<uint8_t>(rng() % 2);
+        const int used = 1 + static_cast<int>(rng() % static_cast<uint64_t>(len - 1));
+        for (int k = 1; k < len; ++k)
+            buf[k] = k >= len - used ? static_cast<uint8_t>(rng()) : 0;
+    };
+    int fast_ok = 0;
+    for (int i = 0; i < 30000; ++i) {
+        const int pa = 1 + rng() % 77, pb = 1 + rng() % 77, pq = 1 + rng() % 77;
+        uint8_t ba[35]{}, bb[35]{}, b1[35]{}, b2[35]{}, br[35]{};
+        ExactNumericRef a{comn_num_getlen(pa), static_cast<uint8_t>(pa),
+                          static_cast<uint8_t>(rng() % (pa + 1)), ba};
+        ExactNumericRef b{comn_num_getlen(pb), static_cast<uint8_t>(pb),
+                          static_cast<uint8_t>(rng() % (pb + 1)), bb};
+        const auto sq = static_cast<uint8_t>(rng() % (pq + 1));
+        ExactNumericRef q1{comn_num_getlen(pq), static_cast<uint8_t>(pq), sq, b1};
+        ExactNumericRef q2 = q1;
+        q2.bytes = b2;
+        ExactNumericRef rem{34, 77, b.scale, br};
+        fill(ba, a.length);
+        fill(bb, b.length);
+        const int32_t rc1 = com__exctnume_div(&a, &b, &q1, nullptr);
+        const int32_t rc2 = com__exctnume_div(&a, &b, &q2, &rem);
+        ASSERT_EQ(rc1, rc2) << "case " << i;
+        if (rc1 == 0) {
+            ASSERT_EQ(std::memcmp(b1, b2, static_cast<size_t>(q1.length)), 0) << "case " << i;
+            ++fast_ok;
+        }
+    }
+    EXPECT_GT(fast_ok, 3000); // enough successful quotients to mean something
+}
