@@ -15,6 +15,9 @@
 #include "xlate_internal.h"
 
 #include <array>
+#include <bit>
+#include <cstdint>
+#include <cstring>
 
 namespace comn {
 namespace {
@@ -167,26 +170,44 @@ int32_t convert(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstlen
     const int32_t n = span.n;
     unsigned bad = 0;
     int32_t i = 0;
+    // Translates and stores the character b0 (b1) at `at`, whose step is 1 + hi: an ASCII
+    // byte is stored twice at its own place, a pair at its two places, without a branch.
+    auto put = [&](int32_t at, unsigned b0, unsigned b1, unsigned hi) {
+        unsigned c1 = 0, c2 = 0;
+        From::jis(b0, b1, c1, c2);
+        To::pair(c1, c2);
+        if constexpr (!To::has_jis) {
+            c1 = c2 = '?';
+            bad |= hi;
+        }
+        const unsigned keep = hi - 1; // all ones for an ASCII byte
+        dst[at] = static_cast<uint8_t>((b0 & keep) | (c1 & ~keep));
+        dst[at + hi] = static_cast<uint8_t>((b0 & keep) | (c2 & ~keep));
+    };
     for (;;) {
-        // Fast loop over ASCII bytes and ordinary pairs. In it a byte from 80 always leads a
-        // valid pair, so the step is 1 + its top bit: the only dependency from one character
-        // to the next is that byte, and the validity test is a branch that holds until an
-        // unusual character comes. The stores are free of branches too: an ASCII byte is
-        // stored twice at its own place, a pair at its two places.
+        // Fast loops over ASCII bytes and ordinary pairs. In them a byte from 80 always leads
+        // a valid pair, so the step is 1 + its top bit, and the validity test is a branch that
+        // holds until an unusual character comes. The only dependency from one character to
+        // the next is that byte. The first loop halves it: it reads the four bytes two
+        // characters may span as one word and finds the second character by shifting the
+        // word by the first one's length, with no branch on the text.
+        while (std::endian::native == std::endian::little && i + 3 < n) {
+            uint32_t w;
+            std::memcpy(&w, src + i, sizeof w);
+            const unsigned a0 = w & 0xFF, a1 = w >> 8 & 0xFF, ha = a0 >> 7;
+            w >>= 8 + 8 * ha; // the second character and what follows
+            const unsigned b0 = w & 0xFF, b1 = w >> 8 & 0xFF, hb = b0 >> 7;
+            if ((ha & ~(leads[a0] & trails[a1])) | (hb & ~(leads[b0] & trails[b1]))) break;
+            put(i, a0, a1, ha);
+            i += 1 + static_cast<int32_t>(ha);
+            put(i, b0, b1, hb);
+            i += 1 + static_cast<int32_t>(hb);
+        }
         while (i + 1 < n) {
             const unsigned b0 = src[i], b1 = src[i + 1];
             const unsigned hi = b0 >> 7; // 1: b0 leads a pair
             if (hi & ~(leads[b0] & trails[b1])) break;
-            unsigned c1 = 0, c2 = 0;
-            From::jis(b0, b1, c1, c2);
-            To::pair(c1, c2);
-            if constexpr (!To::has_jis) {
-                c1 = c2 = '?';
-                bad |= hi;
-            }
-            const unsigned keep = hi - 1; // all ones for an ASCII byte
-            dst[i] = static_cast<uint8_t>((b0 & keep) | (c1 & ~keep));
-            dst[i + hi] = static_cast<uint8_t>((b0 & keep) | (c2 & ~keep));
+            put(i, b0, b1, hi);
             i += 1 + static_cast<int32_t>(hi);
         }
         if (i >= n) break;
