@@ -40,6 +40,21 @@ COMN_API int32_t com__conv_usr_install(ComContext *ctx, int32_t srctype, int32_t
                                        ComConvFunc func);
 COMN_API int32_t com_conv_default(ComContext *ctx, int32_t srctype, int32_t desttype);
 
+/* Inline form of com_conv_func for code that looks a conversion up per value: a built-in pair
+   is read straight from the context's table, anything else goes to the routine. It gives the
+   routine's answer and evaluates its arguments once. Define COMN_NO_INLINE_CONV before
+   including this header to call the routine instead; (com_conv_func)(ctx, s, d) always
+   calls it. */
+#ifndef COMN_NO_INLINE_CONV
+static inline ComConvFunc comn__conv_func(ComContext *ctx, int32_t srctype, int32_t desttype) {
+    const uint32_t s = (uint32_t)srctype, d = (uint32_t)desttype, dim = ctx->conv.conv_dim;
+    if (s < COMN_CONV_DIM && d < COMN_CONV_DIM && s < dim && d < dim && ctx->conv.conv_table)
+        return ctx->conv.conv_table[s * dim + d];
+    return (com_conv_func)(ctx, srctype, desttype);
+}
+#define com_conv_func(ctx, srctype, desttype) comn__conv_func((ctx), (srctype), (desttype))
+#endif
+
 /* ---- Null substitution values ---- */
 
 /* One per built-in datatype id; pad kind 1 pads like text, 2 like binary, 3 not at all. */
@@ -80,13 +95,14 @@ COMN_DECLARE_CONV_(comn_voidtovoid)
    One row per (source, destination) short-name pair; the routine is comn_<src>to<dst>.
    "i8" is the platform long integer, stored in 32 bits. */
 #define COMN_SCALAR_PAIRS(X)                                                                       \
-    X(i1, i1) X(i1, i2) X(i1, i4) X(i1, i8) X(i1, bit) X(i1, flt4) X(i1, flt8)                     \
-    X(i2, i1) X(i2, i2) X(i2, i4) X(i2, i8) X(i2, bit) X(i2, flt4) X(i2, flt8)                     \
-    X(i4, i1) X(i4, i2) X(i4, i4) X(i4, i8) X(i4, bit) X(i4, flt4) X(i4, flt8)                     \
-    X(i8, i4) X(i8, i8)                                                                            \
-    X(bit, i1) X(bit, i2) X(bit, i4) X(bit, i8) X(bit, bit) X(bit, flt4) X(bit, flt8)              \
-    X(flt4, i1) X(flt4, i2) X(flt4, i4) X(flt4, i8) X(flt4, bit) X(flt4, flt4) X(flt4, flt8)       \
-    X(flt8, i1) X(flt8, i2) X(flt8, i4) X(flt8, i8) X(flt8, bit) X(flt8, flt4) X(flt8, flt8)
+    X(i1, i1)                                                                                      \
+    X(i1, i2) X(i1, i4) X(i1, i8) X(i1, bit) X(i1, flt4) X(i1, flt8) X(i2, i1) X(i2, i2) X(i2, i4) \
+        X(i2, i8) X(i2, bit) X(i2, flt4) X(i2, flt8) X(i4, i1) X(i4, i2) X(i4, i4) X(i4, i8)       \
+            X(i4, bit) X(i4, flt4) X(i4, flt8) X(i8, i4) X(i8, i8) X(bit, i1) X(bit, i2)           \
+                X(bit, i4) X(bit, i8) X(bit, bit) X(bit, flt4) X(bit, flt8) X(flt4, i1)            \
+                    X(flt4, i2) X(flt4, i4) X(flt4, i8) X(flt4, bit) X(flt4, flt4) X(flt4, flt8)   \
+                        X(flt8, i1) X(flt8, i2) X(flt8, i4) X(flt8, i8) X(flt8, bit) X(flt8, flt4) \
+                            X(flt8, flt8)
 
 #define COMN_DECLARE_PAIR_(a, b) COMN_DECLARE_CONV_(comn_##a##to##b)
 COMN_SCALAR_PAIRS(COMN_DECLARE_PAIR_)
@@ -99,20 +115,21 @@ COMN_API int32_t comn__padbin(int32_t n, DataFormat *destfmt, void *dest, int32_
 /* Copies a fixed-length value of size bytes into a binary / varbinary destination. */
 COMN_API int32_t comn_fixedtobin(const void *src, int32_t size, DataFormat *destfmt, void *dest,
                                  int32_t *destlen);
-COMN_API int32_t comn_fixedtovarbin(const void *src, int32_t size, DataFormat *destfmt,
-                                    void *dest, int32_t *destlen);
+COMN_API int32_t comn_fixedtovarbin(const void *src, int32_t size, DataFormat *destfmt, void *dest,
+                                    int32_t *destlen);
 
 /* ---- Money conversions ----
    Money sources to integers, floats, bit and money, and integers and floats into money;
    the routine is comn_<src>to<dst>. */
 #define COMN_MONEY_SOURCE_PAIRS(X)                                                                 \
-    X(money, i1) X(money, i2) X(money, i4) X(money, i8) X(money, bit) X(money, flt4)               \
-    X(money, flt8) X(money, money) X(money, mny4)                                                  \
-    X(mny4, i1) X(mny4, i2) X(mny4, i4) X(mny4, i8) X(mny4, bit) X(mny4, flt4) X(mny4, flt8)       \
-    X(mny4, money) X(mny4, mny4)
+    X(money, i1)                                                                                   \
+    X(money, i2) X(money, i4) X(money, i8) X(money, bit) X(money, flt4) X(money, flt8)             \
+        X(money, money) X(money, mny4) X(mny4, i1) X(mny4, i2) X(mny4, i4) X(mny4, i8)             \
+            X(mny4, bit) X(mny4, flt4) X(mny4, flt8) X(mny4, money) X(mny4, mny4)
 #define COMN_INTO_MONEY_PAIRS(X)                                                                   \
-    X(i1, money) X(i1, mny4) X(i2, money) X(i2, mny4) X(i4, money) X(i4, mny4)                     \
-    X(flt4, money) X(flt4, mny4) X(flt8, money) X(flt8, mny4)
+    X(i1, money)                                                                                   \
+    X(i1, mny4) X(i2, money) X(i2, mny4) X(i4, money) X(i4, mny4) X(flt4, money) X(flt4, mny4)     \
+        X(flt8, money) X(flt8, mny4)
 COMN_MONEY_SOURCE_PAIRS(COMN_DECLARE_PAIR_)
 COMN_INTO_MONEY_PAIRS(COMN_DECLARE_PAIR_)
 COMN_DECLARE_CONV_(comn_moneytonum)
@@ -127,10 +144,10 @@ COMN_DECLARE_CONV_(comn_numtomny4)
 /* ---- Datetime conversions ---- */
 
 #define COMN_DATE_CONVS(X)                                                                         \
-    X(comn_datetodate) X(comn_datetodate4) X(comn_datetochar) X(comn_datetovarchar)                \
-    X(comn_datetobin) X(comn_datetovarbin)                                                         \
-    X(comn_date4todate4) X(comn_date4todate) X(comn_date4tochar) X(comn_date4tovarchar)            \
-    X(comn_date4tobin) X(comn_date4tovarbin)
+    X(comn_datetodate)                                                                             \
+    X(comn_datetodate4) X(comn_datetochar) X(comn_datetovarchar) X(comn_datetobin)                 \
+        X(comn_datetovarbin) X(comn_date4todate4) X(comn_date4todate) X(comn_date4tochar)          \
+            X(comn_date4tovarchar) X(comn_date4tobin) X(comn_date4tovarbin)
 COMN_DATE_CONVS(COMN_DECLARE_CONV_)
 
 /* The output style of a datetime-to-text conversion: the locale's, if the formatter knows it,

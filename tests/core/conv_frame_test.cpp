@@ -84,6 +84,31 @@ TEST(ConvFrame, FreeLeavesNoTable) {
     EXPECT_EQ(com_conv_func(&c, CS_INT, CS_INT), nullptr);
 }
 
+// The header's inline lookup against the routine over every id pair around the table's edge,
+// with built-in, replaced and user conversions, and after the table is freed.
+TEST(ConvFrame, InlineLookupAgreesWithTheRoutine) {
+    ComContext c{};
+    ASSERT_EQ(com_conv_init(&c), CS_SUCCEED);
+    ASSERT_EQ(com_conv_install(&c, CS_INT, CS_SMALLINT, user_conv), CS_SUCCEED);
+    ASSERT_EQ(com_conv_install(&c, 30, CS_INT, other_conv), CS_SUCCEED);
+    ASSERT_EQ(com_conv_install(&c, CS_INT, 31, user_conv), CS_SUCCEED);
+    auto check = [&c] {
+        for (int32_t s = -3; s < 34; ++s)
+            for (int32_t d = -3; d < 34; ++d)
+                ASSERT_EQ(com_conv_func(&c, s, d), (com_conv_func)(&c, s, d)) << s << " " << d;
+    };
+    check();
+    EXPECT_EQ(com_conv_func(&c, CS_INT, CS_SMALLINT), user_conv);
+    EXPECT_EQ(com_conv_func(&c, 30, CS_INT), other_conv);
+    EXPECT_EQ(com_conv_func(&c, CS_INT, 31), user_conv);
+    c.conv.conv_dim = 20; // a smaller table: ids 20..23 have no built-in conversion
+    check();
+    EXPECT_EQ(com_conv_func(&c, 21, CS_INT), nullptr);
+    c.conv.conv_dim = COMN_CONV_DIM;
+    ASSERT_EQ(com_conv_free(&c), CS_SUCCEED);
+    check();
+}
+
 TEST(ConvFrame, TypeLengths) {
     struct {
         int32_t id, len, want;
