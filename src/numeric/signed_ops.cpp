@@ -161,6 +161,12 @@ inline int32_t store128(ExactNumericRef *r, u128 v, bool neg) {
     return kOk;
 }
 
+// Stores v / 10^drop (drop = 1..19), rounded half away from zero, into r. Out of line so that
+// the products that need no rounding keep a lean path.
+[[gnu::noinline]] int32_t store_rounded128(u128 v, int drop, ExactNumericRef *r, bool neg) {
+    return store128(r, wide::div_pow10_round128(v, drop), neg);
+}
+
 // x = x * 10^k (k >= 0) on four limbs; false when the product needs more.
 inline bool mul_pow10_256(U256 &x, int k) {
     for (; k > 0; k -= 19) {
@@ -286,10 +292,8 @@ int32_t mul(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef 
                       static_cast<u64>(high >> 64)}};
         const bool neg = negative(a) != negative(b);
         if (drop == 0) return store256(r, z, neg);
-        if (high == 0) { // a product below 2^128 rounded to r's scale in one word
-            const u128 v = (mid << 64) | static_cast<u64>(ll);
-            return store128(r, wide::div_pow10_round128(v, drop), neg);
-        }
+        if (high == 0) // a product below 2^128 rounded to r's scale in one word
+            return store_rounded128((mid << 64) | static_cast<u64>(ll), drop, r, neg);
     }
     return mul_general(a, b, r);
 }
