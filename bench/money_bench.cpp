@@ -60,112 +60,83 @@ bool fits(i128 v) {
     return v >= INT64_MIN && v <= INT64_MAX;
 }
 
-// com__mnyadd as a loop over values compiles it: the header's inline form. The _Call row
-// calls the exported routine for each value.
-template <bool Call>
-void money_add(benchmark::State &state) {
-    const Data &d = data();
-    MoneyValue r;
-    int64_t sum = 0;
-    for (auto _ : state)
-        for (size_t i = 0; i < kCount; ++i) {
-            sum += Call ? (com__mnyadd)(&d.a[i], &d.b[i], &r) : com__mnyadd(&d.a[i], &d.b[i], &r);
-            sum += r.low;
-        }
-    benchmark::DoNotOptimize(sum);
-    state.SetItemsProcessed(state.iterations() * kCount);
-}
-void BM_MoneyAdd(benchmark::State &state) {
-    money_add<false>(state);
-}
-void BM_MoneyAdd_Call(benchmark::State &state) {
-    money_add<true>(state);
-}
-
-void BM_Int64AddChecked(benchmark::State &state) {
-    const Data &d = data();
-    int64_t sum = 0;
-    for (auto _ : state)
-        for (size_t i = 0; i < kCount; ++i) {
-            int64_t r;
-            if (__builtin_add_overflow(d.ia[i], d.ib[i], &r)) r = 0;
-            benchmark::DoNotOptimize(r);
-            sum += r;
-        }
-    benchmark::DoNotOptimize(sum);
-    state.SetItemsProcessed(state.iterations() * kCount);
-}
-
-// The cost of one call into the shared library and back, with the same operands and
-// result handling as BM_MoneyAdd: com__mnyrem does no work at all. It is the floor under
-// every money routine measured here, which the inlined native baselines do not pay.
-void BM_LibraryCallFloor(benchmark::State &state) {
+// A money operation over every pair of values, its code and result's low word summed so the
+// work stays. Op is a lambda so that an add written in it takes the header's inline form.
+template <typename Op>
+void money_loop(benchmark::State &state, Op op) {
     const Data &d = data();
     MoneyValue r{};
     int64_t sum = 0;
     for (auto _ : state)
         for (size_t i = 0; i < kCount; ++i) {
-            sum += com__mnyrem(&d.a[i], &d.b[i], &r);
+            sum += op(&d.a[i], &d.b[i], &r);
             sum += r.low;
         }
     benchmark::DoNotOptimize(sum);
     state.SetItemsProcessed(state.iterations() * kCount);
+}
+
+// The native equivalent: f(a, b) gives the 64-bit result for the same pair of values.
+template <typename F>
+void native_loop(benchmark::State &state, F f) {
+    const Data &d = data();
+    int64_t sum = 0;
+    for (auto _ : state)
+        for (size_t i = 0; i < kCount; ++i) {
+            const int64_t r = f(d.ia[i], d.ib[i]);
+            benchmark::DoNotOptimize(r);
+            sum += r;
+        }
+    benchmark::DoNotOptimize(sum);
+    state.SetItemsProcessed(state.iterations() * kCount);
+}
+
+using M = const MoneyValue *;
+
+// com__mnyadd as a loop over values compiles it: the header's inline form. The _Call row
+// calls the exported routine for each value.
+void BM_MoneyAdd(benchmark::State &state) {
+    money_loop(state, [](M a, M b, MoneyValue *r) { return com__mnyadd(a, b, r); });
+}
+void BM_MoneyAdd_Call(benchmark::State &state) {
+    money_loop(state, [](M a, M b, MoneyValue *r) { return (com__mnyadd)(a, b, r); });
+}
+
+void BM_Int64AddChecked(benchmark::State &state) {
+    native_loop(state, [](int64_t a, int64_t b) {
+        int64_t r;
+        return __builtin_add_overflow(a, b, &r) ? int64_t{0} : r;
+    });
+}
+
+// The cost of one call into the shared library and back, with the same operands and
+// result handling as BM_MoneyAdd_Call: com__mnyrem does no work at all. It is the floor
+// under every called money routine measured here, which the native baselines do not pay.
+void BM_LibraryCallFloor(benchmark::State &state) {
+    money_loop(state, [](M a, M b, MoneyValue *r) { return com__mnyrem(a, b, r); });
 }
 
 void BM_MoneyMul(benchmark::State &state) {
-    const Data &d = data();
-    MoneyValue r;
-    int64_t sum = 0;
-    for (auto _ : state)
-        for (size_t i = 0; i < kCount; ++i) {
-            sum += com__mnymul(&d.a[i], &d.b[i], &r);
-            sum += r.low;
-        }
-    benchmark::DoNotOptimize(sum);
-    state.SetItemsProcessed(state.iterations() * kCount);
+    money_loop(state, [](M a, M b, MoneyValue *r) { return com__mnymul(a, b, r); });
 }
 
 void BM_Int128Mul(benchmark::State &state) {
-    const Data &d = data();
-    int64_t sum = 0;
-    for (auto _ : state)
-        for (size_t i = 0; i < kCount; ++i) {
-            const i128 p = round_div(static_cast<i128>(d.ia[i]) * d.ib[i], 10000);
-            const int64_t r = fits(p) ? static_cast<int64_t>(p) : 0;
-            benchmark::DoNotOptimize(r);
-            sum += r;
-        }
-    benchmark::DoNotOptimize(sum);
-    state.SetItemsProcessed(state.iterations() * kCount);
+    native_loop(state, [](int64_t a, int64_t b) {
+        const i128 p = round_div(static_cast<i128>(a) * b, 10000);
+        return fits(p) ? static_cast<int64_t>(p) : int64_t{0};
+    });
 }
 
 void BM_MoneyDiv(benchmark::State &state) {
-    const Data &d = data();
-    MoneyValue r;
-    int64_t sum = 0;
-    for (auto _ : state)
-        for (size_t i = 0; i < kCount; ++i) {
-            sum += com__mnydiv(&d.a[i], &d.b[i], &r);
-            sum += r.low;
-        }
-    benchmark::DoNotOptimize(sum);
-    state.SetItemsProcessed(state.iterations() * kCount);
+    money_loop(state, [](M a, M b, MoneyValue *r) { return com__mnydiv(a, b, r); });
 }
 
 void BM_Int128Div(benchmark::State &state) {
-    const Data &d = data();
-    int64_t sum = 0;
-    for (auto _ : state)
-        for (size_t i = 0; i < kCount; ++i) {
-            const i128 y = d.ib[i];
-            const i128 q =
-                round_div(static_cast<i128>(d.ia[i]) * 10000 * (y < 0 ? -1 : 1), y < 0 ? -y : y);
-            const int64_t r = fits(q) ? static_cast<int64_t>(q) : 0;
-            benchmark::DoNotOptimize(r);
-            sum += r;
-        }
-    benchmark::DoNotOptimize(sum);
-    state.SetItemsProcessed(state.iterations() * kCount);
+    native_loop(state, [](int64_t a, int64_t b) {
+        const i128 y = b;
+        const i128 q = round_div(static_cast<i128>(a) * 10000 * (y < 0 ? -1 : 1), y < 0 ? -y : y);
+        return fits(q) ? static_cast<int64_t>(q) : int64_t{0};
+    });
 }
 
 void BM_MoneyPrint(benchmark::State &state) {
