@@ -313,22 +313,28 @@ COMN_API int32_t com_isgraph(int32_t c);
    library. They evaluate their arguments once. Define COMN_NO_INLINE_CTYPE before including
    this header to call the routines instead; a parenthesised name, (comn_isalpha)(attr, c),
    always calls the routine. */
-#ifndef COMN_NO_INLINE_CTYPE
-/* The second byte is read only after a lead byte, which a whole character always follows;
-   once inlined beside a one-byte buffer, the compiler cannot see that and would warn. */
+/* The 4-byte type map entry of the character at c: a lead byte's entry names the page that
+   holds the entry of the pair, indexed by the second byte. The library's routines and the
+   inline forms below both read entries this way. The second byte is read only after a lead
+   byte, which a whole character always follows; once inlined beside a one-byte buffer, the
+   compiler cannot see that and would warn. */
 #if defined(__GNUC__) && !defined(__clang__)
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Warray-bounds"
 #endif
-static inline int32_t comn__ctype_bits(const CharAttrib *attr, const char *c) {
-    const uint8_t *map = attr ? attr->typemap : com_get_typemap();
+static inline const uint8_t *comn__type_entry(const uint8_t *map, const char *c) {
     const uint8_t *e = map + 4 * (size_t)(uint8_t)c[0];
     if (e[3] & COM_CT_LEAD) e = map + 1024 * (size_t)e[0] + 4 * (size_t)(uint8_t)c[1];
-    return e[3];
+    return e;
 }
 #if defined(__GNUC__) && !defined(__clang__)
 #pragma GCC diagnostic pop
 #endif
+
+#ifndef COMN_NO_INLINE_CTYPE
+static inline int32_t comn__ctype_bits(const CharAttrib *attr, const char *c) {
+    return comn__type_entry(attr ? attr->typemap : com_get_typemap(), c)[3];
+}
 #define comn_isalpha(attr, c) (comn__ctype_bits((attr), (c)) & (COM_CT_UPPER | COM_CT_LOWER))
 #define comn_isupper(attr, c) (comn__ctype_bits((attr), (c)) & COM_CT_UPPER)
 #define comn_islower(attr, c) (comn__ctype_bits((attr), (c)) & COM_CT_LOWER)

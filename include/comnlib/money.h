@@ -156,14 +156,8 @@ COMN_API int32_t com__flt4tomny(const float *value, int32_t len, MoneyValue *dst
 COMN_API int32_t com__flt8tomny4(const double *value, int32_t len, Money4Value *dst);
 COMN_API int32_t com__flt4tomny4(const float *value, int32_t len, Money4Value *dst);
 
-/* Inline forms of addition and subtraction, in all three layers, for loops that add a value
-   at a time: the routine's result and destination, without a call into the library. They
-   evaluate their arguments once. Define COMN_NO_INLINE_MONEY before including this header to
-   call the routines instead; a parenthesised name, (com__mnyadd)(a, b, dst), always calls.
-   COMN_PORTABLE_INLINE selects the plain C overflow test used where the compiler has no
-   checked-arithmetic builtins. */
-#ifndef COMN_NO_INLINE_MONEY
-/* The 64-bit value of a money record, upper word first, and back. */
+/* The 64-bit value of a money record, upper word first, and back; the library reads and
+   writes money values through these too. */
 static inline int64_t comn__mny_get(const MoneyValue *m) {
 #if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
     uint64_t u; /* one load: the words are swapped in a register */
@@ -177,6 +171,14 @@ static inline void comn__mny_set(MoneyValue *m, int64_t v) {
     m->high = (int32_t)(uint32_t)((uint64_t)v >> 32);
     m->low = (uint32_t)v;
 }
+
+/* Inline forms of addition and subtraction, in all three layers, for loops that add a value
+   at a time: the routine's result and destination, without a call into the library. They
+   evaluate their arguments once. Define COMN_NO_INLINE_MONEY before including this header to
+   call the routines instead; a parenthesised name, (com__mnyadd)(a, b, dst), always calls.
+   COMN_PORTABLE_INLINE selects the plain C overflow test used where the compiler has no
+   checked-arithmetic builtins. */
+#ifndef COMN_NO_INLINE_MONEY
 /* Sum (subtract 0) or difference (subtract 1); on overflow the destination is 0 and the code
    COM_MNY_OVERFLOW. */
 static inline int32_t comn__mny_addsub(const MoneyValue *a, const MoneyValue *b, MoneyValue *dst,

@@ -12,14 +12,9 @@ inline const CharAttrib *attr_or_builtin(const CharAttrib *a) {
     return a ? a : &Iso1_attrib;
 }
 
-// The 4-byte type map entry of the character at p: a lead byte's entry names the page that
-// holds the entry of the pair, indexed by the second byte.
+// The 4-byte type map entry of the character at p (see comn__type_entry).
 inline const uint8_t *type_entry(const CharAttrib *a, const char *p) {
-    const uint8_t *map = a->typemap;
-    const uint8_t *e = map + 4 * static_cast<uint8_t>(p[0]);
-    if (e[3] & COM_CT_LEAD)
-        e = map + 1024 * static_cast<size_t>(e[0]) + 4 * static_cast<uint8_t>(p[1]);
-    return e;
+    return comn__type_entry(a->typemap, p);
 }
 
 // Byte length of the character that begins with p; never 0, so that walks always advance.

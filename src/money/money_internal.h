@@ -18,21 +18,14 @@ namespace comn {
 __extension__ typedef unsigned __int128 u128;
 __extension__ typedef __int128 i128;
 
-// The value as the 64-bit two's-complement integer it denotes (upper word first). On a
-// little-endian host the two words loaded as one 64-bit integer come out swapped, which a
-// rotation by 32 bits puts right: one load and one rotate instead of two loads and a shift.
+// The value as the 64-bit two's-complement integer it denotes (upper word first), and back.
+static_assert(sizeof(MoneyValue) == 8 && offsetof(MoneyValue, low) == 4);
 inline int64_t mny_get(const MoneyValue &m) {
-    static_assert(sizeof(MoneyValue) == 8 && offsetof(MoneyValue, low) == 4);
-    uint64_t u;
-    std::memcpy(&u, &m, 8);
-    if constexpr (std::endian::native == std::endian::little) u = std::rotl(u, 32);
-    return static_cast<int64_t>(u);
+    return comn__mny_get(&m);
 }
 
 inline void mny_set(MoneyValue *m, int64_t v) {
-    auto u = static_cast<uint64_t>(v);
-    if constexpr (std::endian::native == std::endian::little) u = std::rotl(u, 32);
-    std::memcpy(m, &u, 8);
+    comn__mny_set(m, v);
 }
 
 inline MoneyValue mny_make(int64_t v) {
