@@ -12,12 +12,19 @@
 // The result's precision is I + scale (plus one for a sum, which may carry), 77 at most,
 // and its scale is then lowered so that the I integer digits still fit. An operand whose
 // scale exceeds its precision has no integer digits (I counts from 0).
+//
+// A value's magnitude always fits four 64-bit limbs, so the common cases (a sum of operands
+// of one scale, a quotient whose scaled dividend stays within four limbs) are done here on
+// the fixed-width words straight from the values' bytes; the rest goes to the signed
+// operations.
 #include <algorithm>
 
 #include "comnlib/convert.h"
-#include "numeric/descriptor.h"
+#include "numeric/fixed_width.h"
 
 using namespace comn::nume;
+namespace fixed = comn::fixed;
+using fixed::u128;
 
 namespace {
 
@@ -31,6 +38,10 @@ int int_digits(const NumericValue *v) {
 
 ExactNumericRef ref_of(NumericValue *v) {
     return {comn::kPrecToLen[v->precision], v->precision, v->scale, v->array};
+}
+
+bool negative(const NumericValue *v) {
+    return v->array[0] != 0;
 }
 
 int32_t map_code(int32_t rc) {
@@ -58,6 +69,45 @@ inline ExactNumericRef shape_result(NumericValue *r, int idigits, int scale, int
     r->precision = static_cast<uint8_t>(prec);
     r->scale = static_cast<uint8_t>(scale);
     return ref_of(r);
+}
+
+// The magnitude of a valid value: four limbs hold any, one 128-bit word up to 38 digits.
+template <class W>
+W magnitude(const NumericValue *v);
+
+template <>
+inline fixed::U256 magnitude(const NumericValue *v) {
+    fixed::U256 x;
+    fixed::load256(v->array + 1, comn::kPrecToLen[v->precision] - 1, x);
+    return x;
+}
+
+template <>
+inline u128 magnitude(const NumericValue *v) {
+    static_assert(sizeof v->array >= 17, "16 readable bytes behind the sign");
+    return fixed::load128_area(v->array + 1, comn::kPrecToLen[v->precision] - 1);
+}
+
+// A sum of operands of one scale on words W: the operands need only widen to p digits, which
+// they must fit, and the sum keeps their scale. False (nothing written) when a sum on one
+// 128-bit word carries out of it; otherwise rc holds the result code.
+template <class W>
+bool same_scale_sum(const NumericValue *a, const NumericValue *b, NumericValue *result,
+                    bool subtract, int idigits, int p, int32_t &rc) {
+    const W x = magnitude<W>(a), y = magnitude<W>(b);
+    if ((a->precision < p && !fixed::fits_precision(x, p)) ||
+        (b->precision < p && !fixed::fits_precision(y, p))) {
+        rc = CS_CONV_OVERFLOW;
+        return true;
+    }
+    W z;
+    bool neg;
+    const bool carried = !fixed::signed_add(x, negative(a), y, negative(b) != subtract, z, neg);
+    if (carried && sizeof(W) < sizeof(fixed::U256)) return false;
+    // Past 256 bits a sum exceeds 77 digits.
+    ExactNumericRef rr = shape_result(result, idigits, a->scale, 1);
+    rc = carried ? CS_CONV_OVERFLOW : map_code(fixed::store_words(&rr, z, neg));
+    return true;
 }
 
 // Converts v to (precision, scale) into tmp (and points v at it).
@@ -89,6 +139,16 @@ int32_t comn_num_addorsub(NumericValue *a, NumericValue *b, NumericValue *result
     const int idigits = std::min(std::max(int_digits(a), int_digits(b)), CS_MAX_PREC);
     const int s = std::max(a->scale, b->scale);
     const int p = std::min(idigits + s, CS_MAX_PREC);
+    if (a->scale == b->scale) {
+        const bool subtract = op == COMN_NUME_SUB;
+        int32_t rc;
+        if (a->precision <= 38 && b->precision <= 38 &&
+            same_scale_sum<u128>(a, b, result, subtract, idigits, p, rc))
+            return rc;
+        // Longer operands, or a carry out of 128 bits.
+        same_scale_sum<fixed::U256>(a, b, result, subtract, idigits, p, rc);
+        return rc;
+    }
     NumericValue ta, tb;
     if (const int32_t rc = align(a, ta, p, s); rc != CS_SUCCEED) return rc;
     if (const int32_t rc = align(b, tb, p, s); rc != CS_SUCCEED) return rc;
@@ -118,7 +178,16 @@ int32_t comn_numdivide(NumericValue *a, NumericValue *b, NumericValue *result) {
     const ExactNumericRef ra = ref_of(a), rb = ref_of(b);
     const int idigits = int_digits(a) + b->scale;
     const int scale = std::max(a->precision + b->scale + 1, 6);
+    fixed::U256 x = magnitude<fixed::U256>(a);
+    const fixed::U256 y = magnitude<fixed::U256>(b);
+    const bool neg = negative(a) != negative(b);
     ExactNumericRef rr = shape_result(result, idigits, scale, 0);
+    // Quotients whose dividend, scaled up to the result's scale, stays within four limbs.
+    if (fixed::U256 q; !fixed::is_zero(y) && rr.scale >= ra.scale - rb.scale &&
+                       fixed::mul_pow10_256(x, rr.scale - ra.scale + rb.scale)) {
+        if (!fixed::div_round256(x, y, q)) return CS_CONV_OVERFLOW;
+        return map_code(fixed::store_words(&rr, q, neg));
+    }
     return map_code(div(&ra, &rb, &rr, nullptr));
 }
 

@@ -15,208 +15,19 @@
 // limbs are formed on fixed arrays as well.
 #include <cstring>
 
-#include "numeric/descriptor.h"
+#include "numeric/fixed_width.h"
 
 using namespace comn::nume;
 namespace wide = comn::wide;
 
 namespace {
 
-using wide::u128;
-using wide::u64;
-
-// Fixed-width path: when no rescaling is needed, operands and results of at most 32
-// magnitude bytes are handled as four 64-bit limbs without the general loops.
-struct U256 {
-    u64 w[4];
-};
-
-// False when the magnitude is longer than 32 bytes.
-inline bool load256(const ExactNumericRef *x, U256 &v) {
-    const uint8_t *p = mag(x);
-    int n = x->length - 1;
-    if (n == 32) { // precisions 75 to 77
-        v = U256{{wide::load_be64(p + 24), wide::load_be64(p + 16), wide::load_be64(p + 8),
-                  wide::load_be64(p)}};
-        return true;
-    }
-    if (n < 0 || n > 32) return false;
-    v = U256{};
-    int i = 0;
-    for (; n >= 8; n -= 8)
-        v.w[i++] = wide::load_be64(p + n - 8);
-    for (int j = 0; j < n; ++j)
-        v.w[i] = (v.w[i] << 8) | p[j];
-    return true;
-}
-
-inline bool is_zero(const U256 &v) {
-    return (v.w[0] | v.w[1] | v.w[2] | v.w[3]) == 0;
-}
-
-inline bool less(const U256 &a, const U256 &b) {
-    // Subtract with borrow: branch-free, in registers.
-    u64 borrow = 0;
-#pragma GCC unroll 4
-    for (int i = 0; i < 4; ++i) {
-        const u64 d = a.w[i] - b.w[i];
-        borrow = (a.w[i] < b.w[i]) | (d < borrow);
-    }
-    return borrow != 0;
-}
-
-// a + b; false on a carry out of 256 bits.
-inline bool add256(const U256 &a, const U256 &b, U256 &r) {
-    u64 c = 0;
-#pragma GCC unroll 4
-    for (int i = 0; i < 4; ++i) {
-        const u128 t = static_cast<u128>(a.w[i]) + b.w[i] + c;
-        r.w[i] = static_cast<u64>(t);
-        c = static_cast<u64>(t >> 64);
-    }
-    return c == 0;
-}
-
-// a - b for a >= b.
-inline void sub256(const U256 &a, const U256 &b, U256 &r) {
-    u64 borrow = 0;
-#pragma GCC unroll 4
-    for (int i = 0; i < 4; ++i) {
-        const u64 d = a.w[i] - b.w[i];
-        const u64 nb = (a.w[i] < b.w[i]) | (d < borrow);
-        r.w[i] = d - borrow;
-        borrow = nb;
-    }
-}
-
-// Stores v into r (magnitude of at most 32 bytes) after the precision and length tests.
-inline int32_t store256(ExactNumericRef *r, const U256 &v, bool neg) {
-    if (r->precision >= 1 && r->precision <= CS_MAX_PREC) {
-        const wide::Pow10Limbs &lim = wide::kPow10Limbs.e[r->precision];
-        const U256 bound{{lim.w[0], lim.w[1], lim.w[2], lim.w[3]}};
-        if (!less(v, bound)) return kOverflow;
-    }
-    uint8_t *p = mag(r);
-    int n = r->length - 1;
-    if (n == 32) {
-        for (int k = 0; k < 4; ++k)
-            wide::store_be64(p + 24 - 8 * k, v.w[k]);
-        r->bytes[0] = neg && !is_zero(v) ? 1 : 0;
-        return kOk;
-    }
-    int i = 0;
-    for (; n >= 8; n -= 8)
-        wide::store_be64(p + n - 8, v.w[i++]);
-    if (i < 4) {
-        u64 top = v.w[i];
-        for (int j = n - 1; j >= 0; --j, top >>= 8)
-            p[j] = static_cast<uint8_t>(top);
-        if (top != 0) return kOverflow;
-        for (int k = i + 1; k < 4; ++k)
-            if (v.w[k] != 0) return kOverflow;
-    }
-    r->bytes[0] = neg && !is_zero(v) ? 1 : 0;
-    return kOk;
-}
-
-inline bool fits_result(const ExactNumericRef *r) {
-    return r->length >= 1 && r->length <= 33;
-}
-
-// Up to 38 digits: one 128-bit word (magnitudes of at most 16 bytes).
-inline bool load128(const ExactNumericRef *x, u128 &v) {
-    const uint8_t *p = mag(x);
-    const int n = x->length - 1;
-    if (n == 16) {
-        v = (static_cast<u128>(wide::load_be64(p)) << 64) | wide::load_be64(p + 8);
-        return true;
-    }
-    if (n < 0 || n > 16) return false;
-    v = 0;
-    for (int i = 0; i < n; ++i)
-        v = (v << 8) | p[i];
-    return true;
-}
-
-// Stores v into r (magnitude of at most 32 bytes). Below 2^128 a value passes any precision
-// of 39 digits or more unchecked.
-inline int32_t store128(ExactNumericRef *r, u128 v, bool neg) {
-    if (r->precision >= 1 && r->precision <= 38) {
-        const wide::Pow10Limbs &lim = wide::kPow10Limbs.e[r->precision];
-        if (v >= ((static_cast<u128>(lim.w[1]) << 64) | lim.w[0])) return kOverflow;
-    }
-    uint8_t *p = mag(r);
-    const int n = r->length - 1;
-    if (n >= 16) {
-        std::memset(p, 0, static_cast<size_t>(n - 16));
-        wide::store_be64(p + n - 16, static_cast<u64>(v >> 64));
-        wide::store_be64(p + n - 8, static_cast<u64>(v));
-    } else {
-        u128 rest = v;
-        for (int i = n - 1; i >= 0; --i, rest >>= 8)
-            p[i] = static_cast<uint8_t>(rest);
-        if (rest != 0) return kOverflow;
-    }
-    r->bytes[0] = neg && v != 0 ? 1 : 0;
-    return kOk;
-}
+using namespace comn::fixed;
 
 // Stores v / 10^drop (drop = 1..19), rounded half away from zero, into r. Out of line so that
 // the products that need no rounding keep a lean path.
 [[gnu::noinline]] int32_t store_rounded128(u128 v, int drop, ExactNumericRef *r, bool neg) {
-    return store128(r, wide::div_pow10_round128(v, drop), neg);
-}
-
-// x = x * 10^k (k >= 0) on four limbs; false when the product needs more.
-inline bool mul_pow10_256(U256 &x, int k) {
-    for (; k > 0; k -= 19) {
-        const u64 m = wide::kPow10[k < 19 ? k : 19];
-        u64 c = 0;
-#pragma GCC unroll 4
-        for (int i = 0; i < 4; ++i) {
-            const u128 t = static_cast<u128>(x.w[i]) * m + c;
-            x.w[i] = static_cast<u64>(t);
-            c = static_cast<u64>(t >> 64);
-        }
-        if (c != 0) return false;
-    }
-    return true;
-}
-
-// q = x / y and r = x % y on four limbs, y != 0. The divisor's length picks a path: one limb
-// divides limb by limb in hardware; two to four run the schoolbook division with the length
-// fixed at compile time.
-inline void divmod256(const U256 &x, const U256 &y, U256 &q, U256 &r) {
-    int xn = 4, yn = 4;
-    while (xn > 0 && x.w[xn - 1] == 0)
-        --xn;
-    while (y.w[yn - 1] == 0)
-        --yn;
-    q = U256{};
-    r = U256{};
-    if (xn < yn) {
-        r = x;
-        return;
-    }
-    u64 u[5], v[5];
-    if (yn == 1) {
-        u64 rest = 0;
-        for (int i = xn - 1; i >= 0; --i)
-            q.w[i] = wide::div128(rest, x.w[i], y.w[0], rest);
-        r.w[0] = rest;
-        return;
-    }
-    const int s = __builtin_clzll(y.w[yn - 1]);
-    wide::shl_into(y.w, yn, s, v);
-    wide::shl_into(x.w, xn, s, u);
-    const int m = xn - yn;
-    if (yn == 2)
-        wide::knuth_div<2>(u, v, 2, m, q.w);
-    else if (yn == 3)
-        wide::knuth_div<3>(u, v, 3, m, q.w);
-    else
-        wide::knuth_div<4>(u, v, 4, m, q.w);
-    wide::shr_from(u, yn, s, r.w);
+    return store_words(r, wide::div_pow10_round128(v, drop), neg);
 }
 
 } // namespace
@@ -231,23 +42,14 @@ namespace comn::nume {
 
 int32_t addorsub(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef *r,
                  int32_t op) {
-    if (u128 x, y; a->scale == b->scale && r->scale == a->scale && fits_result(r) &&
-                   load128(a, x) && load128(b, y)) {
+    if (a->scale == b->scale && r->scale == a->scale && fits_result(r)) {
         const bool na = negative(a), nb = negative(b) != (op == COMN_NUME_SUB);
-        if (na != nb) return x >= y ? store128(r, x - y, na) : store128(r, y - x, nb);
-        if (x + y >= x) return store128(r, x + y, na);
-        // A carry out of 128 bits: the four-limb path below takes it.
-    }
-    if (U256 fx, fy, fz; a->scale == b->scale && r->scale == a->scale && fits_result(r) &&
-                         load256(a, fx) && load256(b, fy)) {
-        const bool na = negative(a), nb = negative(b) != (op == COMN_NUME_SUB);
-        if (na == nb) return add256(fx, fy, fz) ? store256(r, fz, na) : kOverflow;
-        if (less(fx, fy)) {
-            sub256(fy, fx, fz);
-            return store256(r, fz, nb);
-        }
-        sub256(fx, fy, fz);
-        return store256(r, fz, na);
+        bool neg;
+        if (u128 x, y, z; load128(a, x) && load128(b, y) && signed_add(x, na, y, nb, z, neg))
+            return store_words(r, z, neg);
+        // A carry out of 128 bits, or longer operands: four limbs.
+        if (U256 x, y, z; load256(a, x) && load256(b, y))
+            return signed_add(x, na, y, nb, z, neg) ? store_words(r, z, neg) : kOverflow;
     }
     return addorsub_general(a, b, r, op);
 }
@@ -291,7 +93,7 @@ int32_t mul(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef 
         const U256 z{{static_cast<u64>(ll), static_cast<u64>(mid), static_cast<u64>(high),
                       static_cast<u64>(high >> 64)}};
         const bool neg = negative(a) != negative(b);
-        if (drop == 0) return store256(r, z, neg);
+        if (drop == 0) return store_words(r, z, neg);
         if (high == 0) // a product below 2^128 rounded to r's scale in one word
             return store_rounded128((mid << 64) | static_cast<u64>(ll), drop, r, neg);
     }
@@ -314,13 +116,9 @@ int32_t div(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef 
         rem == nullptr && fits_result(q) && load256(a, x) && load256(b, y) && !is_zero(y)) {
         const int shift = q->scale - a->scale + b->scale;
         if (shift >= 0 && mul_pow10_256(x, shift)) {
-            U256 quot, r, gap;
-            divmod256(x, y, quot, r);
-            // Half away from zero: up when the remainder is at least half the divisor, that
-            // is when it is no less than what it lacks of the divisor.
-            sub256(y, r, gap);
-            if (!less(r, gap) && !add256(quot, U256{{1, 0, 0, 0}}, quot)) return kOverflow;
-            return store256(q, quot, negative(a) != negative(b));
+            U256 quot;
+            if (!div_round256(x, y, quot)) return kOverflow;
+            return store_words(q, quot, negative(a) != negative(b));
         }
     }
     Nat x, y;

@@ -1,0 +1,373 @@
+// Fixed-width exact-numeric arithmetic: a magnitude of a valid descriptor is at most 32 bytes,
+// so sums, products of 38-digit operands and quotients whose scaled dividend stays below
+// 2^256 are formed on four 64-bit limbs (or one 128-bit word) in registers, without the
+// general loops of wide.h. Shared by the signed operations and the client operations.
+#ifndef COMN_NUMERIC_FIXED_WIDTH_H
+#define COMN_NUMERIC_FIXED_WIDTH_H
+
+#include <cstring>
+#if defined(__x86_64__)
+#include <x86intrin.h>
+#endif
+
+#include "numeric/descriptor.h"
+
+namespace comn::fixed {
+
+using wide::u128;
+using wide::u64;
+
+// Four limbs, least significant first.
+struct U256 {
+    u64 w[4];
+};
+
+// Reads n (0..32) big-endian magnitude bytes.
+inline void load256(const uint8_t *p, int n, U256 &v) {
+    if (n == 32) { // precisions 75 to 77
+        v = U256{{wide::load_be64(p + 24), wide::load_be64(p + 16), wide::load_be64(p + 8),
+                  wide::load_be64(p)}};
+        return;
+    }
+    v = U256{};
+    int i = 0;
+    for (; n >= 8; n -= 8)
+        v.w[i++] = wide::load_be64(p + n - 8);
+    for (int j = 0; j < n; ++j)
+        v.w[i] = (v.w[i] << 8) | p[j];
+}
+
+// False when the descriptor's magnitude is longer than 32 bytes.
+inline bool load256(const ExactNumericRef *x, U256 &v) {
+    const int n = x->length - 1;
+    if (n < 0 || n > 32) return false;
+    load256(nume::mag(x), n, v);
+    return true;
+}
+
+inline bool is_zero(const U256 &v) {
+    return (v.w[0] | v.w[1] | v.w[2] | v.w[3]) == 0;
+}
+
+// a < b, deciding on the highest limb that differs: for the bound tests and sign decisions
+// that is nearly always the top one.
+inline bool less(const U256 &a, const U256 &b) {
+    for (int i = 3; i > 0; --i)
+        if (a.w[i] != b.w[i]) return a.w[i] < b.w[i];
+    return a.w[0] < b.w[0];
+}
+
+// The borrow out of a - b (that is, a < b) as 0 or 1, without branches: for the tests whose
+// outcome is as good as random, such as the rounding of a quotient.
+inline u64 borrow_of(const U256 &a, const U256 &b) {
+    u64 borrow = 0;
+#pragma GCC unroll 4
+    for (int i = 0; i < 4; ++i) {
+        const u128 t = static_cast<u128>(a.w[i]) - b.w[i] - borrow;
+        borrow = static_cast<u64>(t >> 64) & 1;
+    }
+    return borrow;
+}
+
+// a + b; false on a carry out of 256 bits.
+inline bool add256(const U256 &a, const U256 &b, U256 &r) {
+#if defined(__x86_64__)
+    unsigned char c = 0;
+    unsigned long long t;
+#pragma GCC unroll 4
+    for (int i = 0; i < 4; ++i) {
+        c = _addcarry_u64(c, a.w[i], b.w[i], &t);
+        r.w[i] = t;
+    }
+#else
+    u64 c = 0;
+#pragma GCC unroll 4
+    for (int i = 0; i < 4; ++i) {
+        const u128 t = static_cast<u128>(a.w[i]) + b.w[i] + c;
+        r.w[i] = static_cast<u64>(t);
+        c = static_cast<u64>(t >> 64);
+    }
+#endif
+    return c == 0;
+}
+
+// a - b for a >= b.
+inline void sub256(const U256 &a, const U256 &b, U256 &r) {
+    u64 borrow = 0;
+#pragma GCC unroll 4
+    for (int i = 0; i < 4; ++i) {
+        const u64 d = a.w[i] - b.w[i];
+        const u64 nb = (a.w[i] < b.w[i]) | (d < borrow);
+        r.w[i] = d - borrow;
+        borrow = nb;
+    }
+}
+
+// Stores v as n (0..32) big-endian bytes; false when it needs more.
+inline bool store256(uint8_t *p, int n, const U256 &v) {
+    if (n == 32) {
+        for (int k = 0; k < 4; ++k)
+            wide::store_be64(p + 24 - 8 * k, v.w[k]);
+        return true;
+    }
+    int i = 0;
+    for (; n >= 8; n -= 8)
+        wide::store_be64(p + n - 8, v.w[i++]);
+    u64 top = v.w[i];
+    for (int j = n - 1; j >= 0; --j, top >>= 8)
+        p[j] = static_cast<uint8_t>(top);
+    if (top != 0) return false;
+    for (int k = i + 1; k < 4; ++k)
+        if (v.w[k] != 0) return false;
+    return true;
+}
+
+// v < 10^precision for a precision of 1..77 (anything else passes).
+inline bool fits_precision(const U256 &v, int precision) {
+    if (precision < 1 || precision > CS_MAX_PREC) return true;
+    const wide::Pow10Limbs &lim = wide::kPow10Limbs.e[precision];
+    return less(v, U256{{lim.w[0], lim.w[1], lim.w[2], lim.w[3]}});
+}
+
+// Stores v into r (magnitude of at most 32 bytes) after the precision and length tests.
+inline int32_t store_words(ExactNumericRef *r, const U256 &v, bool neg) {
+    if (!fits_precision(v, r->precision)) return nume::kOverflow;
+    if (!store256(nume::mag(r), r->length - 1, v)) return nume::kOverflow;
+    r->bytes[0] = neg && !is_zero(v) ? 1 : 0;
+    return nume::kOk;
+}
+
+inline bool fits_result(const ExactNumericRef *r) {
+    return r->length >= 1 && r->length <= 33;
+}
+
+// Up to 38 digits: one 128-bit word from n (0..16) big-endian bytes.
+inline u128 load128(const uint8_t *p, int n) {
+    if (n == 16) return (static_cast<u128>(wide::load_be64(p)) << 64) | wide::load_be64(p + 8);
+    u128 v = 0;
+    for (int i = 0; i < n; ++i)
+        v = (v << 8) | p[i];
+    return v;
+}
+
+// Reads n (1..16) big-endian magnitude bytes from an area with 16 readable bytes at p (a
+// value's magnitude area): the first 16 bytes shifted down by those past the magnitude.
+inline u128 load128_area(const uint8_t *p, int n) {
+    const u128 image = (static_cast<u128>(wide::load_be64(p)) << 64) | wide::load_be64(p + 8);
+    return image >> (8 * (16 - n));
+}
+
+// False when the descriptor's magnitude is longer than 16 bytes.
+inline bool load128(const ExactNumericRef *x, u128 &v) {
+    const int n = x->length - 1;
+    if (n < 0 || n > 16) return false;
+    v = load128(nume::mag(x), n);
+    return true;
+}
+
+// Stores v as n (0..32) big-endian bytes; false when it needs more.
+inline bool store128(uint8_t *p, int n, u128 v) {
+    if (n >= 16) {
+        // Up to 16 leading zero bytes: two zero words, then the value over their tail (a
+        // memset of a byte or two costs more than the whole sum).
+        wide::store_be64(p, 0);
+        wide::store_be64(p + 8, 0);
+        wide::store_be64(p + n - 16, static_cast<u64>(v >> 64));
+        wide::store_be64(p + n - 8, static_cast<u64>(v));
+        return true;
+    }
+    for (int i = n - 1; i >= 0; --i, v >>= 8)
+        p[i] = static_cast<uint8_t>(v);
+    return v == 0;
+}
+
+// v < 10^precision; below 2^128 a value passes any precision of 39 digits or more.
+inline bool fits_precision(u128 v, int precision) {
+    if (precision < 1 || precision > 38) return true;
+    const wide::Pow10Limbs &lim = wide::kPow10Limbs.e[precision];
+    return v < ((static_cast<u128>(lim.w[1]) << 64) | lim.w[0]);
+}
+
+// Stores v into r (magnitude of at most 32 bytes) after the precision and length tests.
+inline int32_t store_words(ExactNumericRef *r, u128 v, bool neg) {
+    if (!fits_precision(v, r->precision)) return nume::kOverflow;
+    if (!store128(nume::mag(r), r->length - 1, v)) return nume::kOverflow;
+    r->bytes[0] = neg && v != 0 ? 1 : 0;
+    return nume::kOk;
+}
+
+// The same word operations on one 128-bit word, so that signed_add takes either width.
+inline bool less(u128 a, u128 b) {
+    return a < b;
+}
+
+inline bool add_words(u128 a, u128 b, u128 &r) {
+    r = a + b;
+    return r >= a;
+}
+
+inline bool add_words(const U256 &a, const U256 &b, U256 &r) {
+    return add256(a, b, r);
+}
+
+inline void sub_words(u128 a, u128 b, u128 &r) {
+    r = a - b;
+}
+
+inline void sub_words(const U256 &a, const U256 &b, U256 &r) {
+    sub256(a, b, r);
+}
+
+// The signed sum of magnitudes x and y with signs nx and ny: magnitude z and its sign;
+// false on a carry out of the word.
+template <class W>
+inline bool signed_add(const W &x, bool nx, const W &y, bool ny, W &z, bool &neg) {
+    if (nx == ny) {
+        neg = nx;
+        return add_words(x, y, z);
+    }
+    if (less(x, y)) {
+        sub_words(y, x, z);
+        neg = ny;
+    } else {
+        sub_words(x, y, z);
+        neg = nx;
+    }
+    return true;
+}
+
+// x = x * p for x of at most XN limbs, on unrolled rows that stay in registers; false when
+// the product needs more than four limbs.
+template <int XN>
+inline bool mul_by_limbs(U256 &x, const u64 (&p)[4]) {
+    u64 out[XN + 4] = {};
+#pragma GCC unroll 4
+    for (int i = 0; i < XN; ++i) {
+        u64 c = 0;
+#pragma GCC unroll 4
+        for (int j = 0; j < 4; ++j) {
+            const u128 t = static_cast<u128>(x.w[i]) * p[j] + out[i + j] + c;
+            out[i + j] = static_cast<u64>(t);
+            c = static_cast<u64>(t >> 64);
+        }
+        out[i + 4] = c;
+    }
+    u64 spill = 0;
+#pragma GCC unroll 4
+    for (int k = 4; k < XN + 4; ++k)
+        spill |= out[k];
+    x = U256{{out[0], out[1], out[2], out[3]}};
+    return spill == 0;
+}
+
+// x = x * 10^k (k >= 0) from the table of powers; false when the product needs more than
+// four limbs.
+inline bool mul_pow10_256(U256 &x, int k) {
+    if (k == 0 || is_zero(x)) return true;
+    if (k > CS_MAX_PREC) return false; // 10^78 alone needs more
+    const u64(&p)[4] = wide::kPow10Limbs.e[k].w;
+    if ((x.w[2] | x.w[3]) == 0) return mul_by_limbs<2>(x, p);
+    return mul_by_limbs<4>(x, p);
+}
+
+// The reciprocal of a normalised two-limb divisor (d1:d0), floor((2^192 - 1) / (d1:d0)) -
+// 2^64, from the reciprocal of d1 (Moller and Granlund, "Improved division by invariant
+// integers", algorithm 6).
+inline u64 reciprocal_3by2(u64 d1, u64 d0) {
+    u64 v = wide::reciprocal(d1).v;
+    u64 p = d1 * v + d0;
+    if (p < d0) {
+        --v;
+        if (p >= d1) {
+            --v;
+            p -= d1;
+        }
+        p -= d1;
+    }
+    const u128 t = static_cast<u128>(v) * d0;
+    const u64 t1 = static_cast<u64>(t >> 64), t0 = static_cast<u64>(t);
+    p += t1;
+    if (p < t1) {
+        --v;
+        if (p > d1 || (p == d1 && t0 >= d0)) --v;
+    }
+    return v;
+}
+
+// (u2:u1:u0) / (d1:d0) for (u2:u1) < (d1:d0), d1 normalised, v its 3/2 reciprocal: one
+// quotient limb, the remainder left in r (algorithm 5 of the same paper).
+inline u64 div_3by2(u64 u2, u64 u1, u64 u0, u64 d1, u64 d0, u64 v, u128 &r) {
+    const u128 q = static_cast<u128>(v) * u2 + ((static_cast<u128>(u2) << 64) | u1);
+    u64 q1 = static_cast<u64>(q >> 64);
+    const u64 q0 = static_cast<u64>(q);
+    const u128 d = (static_cast<u128>(d1) << 64) | d0;
+    const u64 r1 = u1 - q1 * d1;
+    r = ((static_cast<u128>(r1) << 64) | u0) - static_cast<u128>(d0) * q1 - d;
+    ++q1;
+    if (static_cast<u64>(r >> 64) >= q0) {
+        --q1;
+        r += d;
+    }
+    if (r >= d) [[unlikely]] {
+        ++q1;
+        r -= d;
+    }
+    return q1;
+}
+
+// q = x / y and r = x % y on four limbs, y != 0. The divisor's length picks a path: one limb
+// divides limb by limb in hardware; two take one 3-by-2 step per quotient limb; three and
+// four run the schoolbook division with the length fixed at compile time.
+inline void divmod256(const U256 &x, const U256 &y, U256 &q, U256 &r) {
+    int xn = 4, yn = 4;
+    while (xn > 0 && x.w[xn - 1] == 0)
+        --xn;
+    while (y.w[yn - 1] == 0)
+        --yn;
+    q = U256{};
+    r = U256{};
+    if (xn < yn) {
+        r = x;
+        return;
+    }
+    if (yn == 1) {
+        u64 rest = 0;
+        for (int i = xn - 1; i >= 0; --i)
+            q.w[i] = wide::div128(rest, x.w[i], y.w[0], rest);
+        r.w[0] = rest;
+        return;
+    }
+    const int s = __builtin_clzll(y.w[yn - 1]);
+    u64 u[5], v[5];
+    wide::shl_into(y.w, yn, s, v);
+    wide::shl_into(x.w, xn, s, u);
+    if (yn == 2) {
+        const u64 inv = reciprocal_3by2(v[1], v[0]);
+        u128 rest = (static_cast<u128>(u[xn]) << 64) | u[xn - 1];
+        for (int j = xn - 2; j >= 0; --j)
+            q.w[j] = div_3by2(static_cast<u64>(rest >> 64), static_cast<u64>(rest), u[j], v[1],
+                              v[0], inv, rest);
+        u[0] = static_cast<u64>(rest);
+        u[1] = static_cast<u64>(rest >> 64);
+        u[2] = 0;
+    } else if (yn == 3) {
+        wide::knuth_div<3>(u, v, 3, xn - 3, q.w);
+    } else {
+        wide::knuth_div<4>(u, v, 4, xn - 4, q.w);
+    }
+    wide::shr_from(u, yn, s, r.w);
+}
+
+// x / y rounded half away from zero (y != 0): up when the remainder is at least half the
+// divisor, that is when it is no less than what it lacks of the divisor. False when the
+// rounded quotient needs more than four limbs.
+inline bool div_round256(const U256 &x, const U256 &y, U256 &quot) {
+    U256 r, gap;
+    divmod256(x, y, quot, r);
+    sub256(y, r, gap);
+    return add256(quot, U256{{1 - borrow_of(r, gap), 0, 0, 0}}, quot);
+}
+
+} // namespace comn::fixed
+
+#endif
