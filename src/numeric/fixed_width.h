@@ -270,54 +270,9 @@ inline bool mul_pow10_256(U256 &x, int k) {
     return mul_by_limbs<4>(x, p);
 }
 
-// The reciprocal of a normalised two-limb divisor (d1:d0), floor((2^192 - 1) / (d1:d0)) -
-// 2^64, from the reciprocal of d1 (Moller and Granlund, "Improved division by invariant
-// integers", algorithm 6).
-inline u64 reciprocal_3by2(u64 d1, u64 d0) {
-    u64 v = wide::reciprocal(d1).v;
-    u64 p = d1 * v + d0;
-    if (p < d0) {
-        --v;
-        if (p >= d1) {
-            --v;
-            p -= d1;
-        }
-        p -= d1;
-    }
-    const u128 t = static_cast<u128>(v) * d0;
-    const u64 t1 = static_cast<u64>(t >> 64), t0 = static_cast<u64>(t);
-    p += t1;
-    if (p < t1) {
-        --v;
-        if (p > d1 || (p == d1 && t0 >= d0)) --v;
-    }
-    return v;
-}
-
-// (u2:u1:u0) / (d1:d0) for (u2:u1) < (d1:d0), d1 normalised, v its 3/2 reciprocal: one
-// quotient limb, the remainder left in r (algorithm 5 of the same paper).
-inline u64 div_3by2(u64 u2, u64 u1, u64 u0, u64 d1, u64 d0, u64 v, u128 &r) {
-    const u128 q = static_cast<u128>(v) * u2 + ((static_cast<u128>(u2) << 64) | u1);
-    u64 q1 = static_cast<u64>(q >> 64);
-    const u64 q0 = static_cast<u64>(q);
-    const u128 d = (static_cast<u128>(d1) << 64) | d0;
-    const u64 r1 = u1 - q1 * d1;
-    r = ((static_cast<u128>(r1) << 64) | u0) - static_cast<u128>(d0) * q1 - d;
-    ++q1;
-    if (static_cast<u64>(r >> 64) >= q0) {
-        --q1;
-        r += d;
-    }
-    if (r >= d) [[unlikely]] {
-        ++q1;
-        r -= d;
-    }
-    return q1;
-}
-
 // q = x / y and r = x % y on four limbs, y != 0. The divisor's length picks a path: one limb
-// divides limb by limb in hardware; two take one 3-by-2 step per quotient limb; three and
-// four run the schoolbook division with the length fixed at compile time.
+// divides limb by limb with a reciprocal; two to four run the schoolbook division with the
+// length fixed at compile time.
 inline void divmod256(const U256 &x, const U256 &y, U256 &q, U256 &r) {
     int xn = 4, yn = 4;
     while (xn > 0 && x.w[xn - 1] == 0)
@@ -331,41 +286,33 @@ inline void divmod256(const U256 &x, const U256 &y, U256 &q, U256 &r) {
         return;
     }
     if (yn == 1) {
-        u64 rest = 0;
-        for (int i = xn - 1; i >= 0; --i)
-            q.w[i] = wide::div128(rest, x.w[i], y.w[0], rest);
-        r.w[0] = rest;
+        r.w[0] = wide::divrem_1(x.w, xn, y.w[0], q.w);
         return;
     }
     const int s = __builtin_clzll(y.w[yn - 1]);
     u64 u[5], v[5];
     wide::shl_into(y.w, yn, s, v);
     wide::shl_into(x.w, xn, s, u);
-    if (yn == 2) {
-        const u64 inv = reciprocal_3by2(v[1], v[0]);
-        u128 rest = (static_cast<u128>(u[xn]) << 64) | u[xn - 1];
-        for (int j = xn - 2; j >= 0; --j)
-            q.w[j] = div_3by2(static_cast<u64>(rest >> 64), static_cast<u64>(rest), u[j], v[1],
-                              v[0], inv, rest);
-        u[0] = static_cast<u64>(rest);
-        u[1] = static_cast<u64>(rest >> 64);
-        u[2] = 0;
-    } else if (yn == 3) {
-        wide::knuth_div<3>(u, v, 3, xn - 3, q.w);
-    } else {
-        wide::knuth_div<4>(u, v, 4, xn - 4, q.w);
-    }
+    if (yn == 2)
+        wide::schoolbook_div<2>(u, v, 2, xn - 2, q.w);
+    else if (yn == 3)
+        wide::schoolbook_div<3>(u, v, 3, xn - 3, q.w);
+    else
+        wide::schoolbook_div<4>(u, v, 4, xn - 4, q.w);
     wide::shr_from(u, yn, s, r.w);
 }
 
-// x / y rounded half away from zero (y != 0): up when the remainder is at least half the
-// divisor, that is when it is no less than what it lacks of the divisor. False when the
-// rounded quotient needs more than four limbs.
+// x / y rounded half away from zero (y != 0): up when twice the remainder is at least the
+// divisor, that is when the remainder exceeds (y - 1) / 2, which is formed while the division
+// runs. False when the rounded quotient needs more than four limbs.
 inline bool div_round256(const U256 &x, const U256 &y, U256 &quot) {
-    U256 r, gap;
+    U256 half, r;
+    sub256(y, U256{{1, 0, 0, 0}}, half);
+#pragma GCC unroll 4
+    for (int i = 0; i < 4; ++i)
+        half.w[i] = (half.w[i] >> 1) | (i < 3 ? half.w[i + 1] << 63 : 0);
     divmod256(x, y, quot, r);
-    sub256(y, r, gap);
-    return add256(quot, U256{{1 - borrow_of(r, gap), 0, 0, 0}}, quot);
+    return add256(quot, U256{{borrow_of(half, r), 0, 0, 0}}, quot);
 }
 
 } // namespace comn::fixed

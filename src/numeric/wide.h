@@ -329,23 +329,31 @@ inline u128 div_pow10_round128(u128 v, int k) {
     return q + (rem >= 5 * kPow10[k - 1]);
 }
 
-// x = x / d in place (d > 0); returns the remainder. The divisor is normalised (shifted so
-// that its top bit is set) and the dividend shifted with it on the fly.
+// q[0..n-1] = x[0..n-1] / d (n >= 1, d > 0; q may be x); returns the remainder. The divisor
+// is normalised (shifted so that its top bit is set) with a reciprocal, and the dividend
+// shifted with it on the fly: one multiplication per limb instead of a hardware division,
+// which is the faster of the two for a few limbs or more on the hosts measured.
+inline u64 divrem_1(const u64 *x, int n, u64 d, u64 *q) {
+    const int s = __builtin_clzll(d);
+    const Reciprocal rc = reciprocal(d << s);
+    u64 r = s ? x[n - 1] >> (64 - s) : 0; // < 2^s <= normalised d
+    for (int i = n - 1; i >= 0; --i) {
+        const u64 lo = (x[i] << s) | (s && i > 0 ? x[i - 1] >> (64 - s) : 0);
+        q[i] = div_preinv(r, lo, rc, r);
+    }
+    return r >> s;
+}
+
+// x = x / d in place (d > 0); returns the remainder.
 inline u64 div_small(Nat &x, u64 d) {
     if (x.n <= 1) {
         const u64 v = x.n ? x.w[0] : 0;
         set_u64(x, v / d);
         return v % d;
     }
-    const int s = __builtin_clzll(d);
-    const Reciprocal rc = reciprocal(d << s);
-    u64 r = s ? x.w[x.n - 1] >> (64 - s) : 0; // < 2^s <= normalised d
-    for (int i = x.n - 1; i >= 0; --i) {
-        const u64 lo = (x.w[i] << s) | (s && i > 0 ? x.w[i - 1] >> (64 - s) : 0);
-        x.w[i] = div_preinv(r, lo, rc, r);
-    }
+    const u64 r = divrem_1(x.w, x.n, d, x.w);
     trim(x);
-    return r >> s;
+    return r;
 }
 
 // dst[0..len] = src[0..len-1] << s (0 <= s < 64): len + 1 limbs, the last the bits shifted out.
@@ -362,62 +370,119 @@ inline void shr_from(const u64 *src, int len, int s, u64 *dst) {
         dst[i] = (src[i] >> s) | (s ? src[i + 1] << (64 - s) : 0);
 }
 
-// Schoolbook division on normalised limbs (Knuth's algorithm D): u holds the dividend shifted
-// left with the divisor (m + n + 1 limbs), v the divisor (n >= 2 limbs, top bit set). The m + 1
-// quotient limbs go to q and u is left holding the shifted remainder in its low n limbs. N
-// fixes n at compile time (0: taken from n_rt) so that short divisors get straight-line
-// inner loops.
+// The reciprocal of a normalised two-limb divisor (d1:d0), floor((2^192 - 1) / (d1:d0)) -
+// 2^64, from the reciprocal of d1 (Moller and Granlund, "Improved division by invariant
+// integers", algorithm 6).
+inline u64 reciprocal_3by2(u64 d1, u64 d0) {
+    u64 v = reciprocal(d1).v;
+    u64 p = d1 * v + d0;
+    if (p < d0) {
+        --v;
+        if (p >= d1) {
+            --v;
+            p -= d1;
+        }
+        p -= d1;
+    }
+    const u128 t = static_cast<u128>(v) * d0;
+    const u64 t1 = static_cast<u64>(t >> 64), t0 = static_cast<u64>(t);
+    p += t1;
+    if (p < t1) {
+        --v;
+        if (p > d1 || (p == d1 && t0 >= d0)) --v;
+    }
+    return v;
+}
+
+// (u2:u1:u0) / (d1:d0) for (u2:u1) < (d1:d0), d1 normalised, v its 3/2 reciprocal: one
+// quotient limb, the remainder left in r (algorithm 5 of the same paper).
+inline u64 div_3by2(u64 u2, u64 u1, u64 u0, u64 d1, u64 d0, u64 v, u128 &r) {
+    const u128 q = static_cast<u128>(v) * u2 + ((static_cast<u128>(u2) << 64) | u1);
+    u64 q1 = static_cast<u64>(q >> 64);
+    const u64 q0 = static_cast<u64>(q);
+    const u128 d = (static_cast<u128>(d1) << 64) | d0;
+    const u64 r1 = u1 - q1 * d1;
+    r = ((static_cast<u128>(r1) << 64) | u0) - static_cast<u128>(d0) * q1 - d;
+    ++q1;
+    if (static_cast<u64>(r >> 64) >= q0) {
+        --q1;
+        r += d;
+    }
+    if (r >= d) [[unlikely]] {
+        ++q1;
+        r -= d;
+    }
+    return q1;
+}
+
+// u[0..n-1] -= qh * v[0..n-1]; returns the limb to borrow from above.
+inline u64 submul(u64 *u, const u64 *v, int n, u64 qh) {
+    u64 carry = 0;
+    for (int i = 0; i < n; ++i) {
+        const u128 p = static_cast<u128>(qh) * v[i] + carry;
+        const u64 plo = static_cast<u64>(p);
+        carry = static_cast<u64>(p >> 64) + (u[i] < plo);
+        u[i] -= plo;
+    }
+    return carry;
+}
+
+// u[0..n-1] += v[0..n-1]; returns the carry.
+inline u64 add_back(u64 *u, const u64 *v, int n) {
+    u64 c = 0;
+    for (int i = 0; i < n; ++i) {
+        const u128 t = static_cast<u128>(u[i]) + v[i] + c;
+        u[i] = static_cast<u64>(t);
+        c = static_cast<u64>(t >> 64);
+    }
+    return c;
+}
+
+// Schoolbook division on normalised limbs: u holds the dividend shifted left with the divisor
+// (m + n + 1 limbs), v the divisor (n >= 2 limbs, top bit set). Each quotient limb is
+// estimated from the top three limbs of the partial remainder and the top two of the
+// divisor by one 3-by-2 step, which is exact or one too large; the rest of the divisor is
+// then subtracted and, rarely, added back. The m + 1 quotient limbs go to q and u is left
+// holding the shifted remainder in its low n limbs. N fixes n at compile time (0: taken
+// from n_rt) so that short divisors get straight-line loops.
 template <int N>
-inline void knuth_div(u64 *u, const u64 *v, int n_rt, int m, u64 *q) {
+inline void schoolbook_div(u64 *u, const u64 *v, int n_rt, int m, u64 *q) {
     const int n = N ? N : n_rt;
-    const u64 vtop = v[n - 1], vnext = v[n - 2];
+    const u64 d1 = v[n - 1], d0 = v[n - 2];
+    const u64 inv = reciprocal_3by2(d1, d0);
+    if (N == 2) { // nothing below the top two limbs: the remainder stays in registers
+        u128 r = (static_cast<u128>(u[m + 2]) << 64) | u[m + 1];
+        for (int j = m; j >= 0; --j)
+            q[j] = div_3by2(static_cast<u64>(r >> 64), static_cast<u64>(r), u[j], d1, d0, inv, r);
+        u[0] = static_cast<u64>(r);
+        u[1] = static_cast<u64>(r >> 64);
+        u[2] = 0;
+        return;
+    }
     for (int j = m; j >= 0; --j) {
-        u128 qh, rh;
-        if (u[j + n] >= vtop) {
-            qh = ~static_cast<u64>(0);
-            const u128 num = (static_cast<u128>(u[j + n]) << 64) | u[j + n - 1];
-            rh = num - qh * vtop;
-        } else {
-            u64 r64;
-            qh = div128(u[j + n], u[j + n - 1], vtop, r64);
-            rh = r64;
+        u64 *uj = u + j;
+        if (uj[n] == d1 && uj[n - 1] == d0) [[unlikely]] {
+            // The partial remainder's top limbs equal the divisor's: it is at least
+            // (2^64 - 1) times the divisor (and below 2^64 times it), so that is the limb.
+            uj[n] -= submul(uj, v, n, ~u64{0});
+            q[j] = ~u64{0};
+            continue;
         }
-        while (rh >> 64 == 0 && qh * vnext > ((rh << 64) | u[j + n - 2])) {
+        u128 r;
+        u64 qh = div_3by2(uj[n], uj[n - 1], uj[n - 2], d1, d0, inv, r);
+        const u64 cy = submul(uj, v, n - 2, qh);
+        const u128 rest = r - cy;
+        if (r < cy) [[unlikely]] { // one too large: add the divisor back
             --qh;
-            rh += vtop;
+            const u64 c = add_back(uj, v, n - 2);
+            r = rest + ((static_cast<u128>(d1) << 64) | d0) + c;
+        } else {
+            r = rest;
         }
-        // u[j .. j+n] -= qh * v
-        u64 carry = 0, borrow = 0;
-        for (int i = 0; i < n; ++i) {
-            const u128 p = qh * v[i] + carry;
-            carry = static_cast<u64>(p >> 64);
-            const u64 plo = static_cast<u64>(p);
-            const u64 ui = u[i + j];
-            const u64 d1 = ui - plo;
-            const u64 b1 = ui < plo;
-            const u64 d2 = d1 - borrow;
-            const u64 b2 = d1 < borrow;
-            u[i + j] = d2;
-            borrow = b1 | b2;
-        }
-        const u64 top = u[j + n];
-        const u64 d1 = top - carry;
-        const u64 b1 = top < carry;
-        const u64 d2 = d1 - borrow;
-        const u64 b2 = d1 < borrow;
-        u[j + n] = d2;
-        u64 qd = static_cast<u64>(qh);
-        if (b1 | b2) { // estimate one too large: add the divisor back
-            --qd;
-            u64 c = 0;
-            for (int i = 0; i < n; ++i) {
-                const u128 t = static_cast<u128>(u[i + j]) + v[i] + c;
-                u[i + j] = static_cast<u64>(t);
-                c = static_cast<u64>(t >> 64);
-            }
-            u[j + n] += c;
-        }
-        q[j] = qd;
+        uj[n - 2] = static_cast<u64>(r);
+        uj[n - 1] = static_cast<u64>(r >> 64);
+        uj[n] = 0;
+        q[j] = qh;
     }
 }
 
@@ -438,7 +503,7 @@ inline void divmod(const Nat &a, const Nat &b, Nat &q, Nat &r) {
     u64 v[kCap + 1], u[kCap + 1];
     shl_into(b.w, n, s, v);
     shl_into(a.w, a.n, s, u);
-    knuth_div<0>(u, v, n, m, q.w);
+    schoolbook_div<0>(u, v, n, m, q.w);
     q.n = m + 1;
     trim(q);
     shr_from(u, n, s, r.w);
