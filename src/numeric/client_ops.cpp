@@ -194,8 +194,9 @@ int32_t comn_numdivide(NumericValue *a, NumericValue *b, NumericValue *result) {
     const bool neg = negative(a) != negative(b);
     ExactNumericRef rr = shape_result(result, idigits, scale, 0);
     // Quotients whose dividend, scaled up to the result's scale, stays within four limbs.
-    if (fixed::U256 q; !fixed::is_zero(y) && rr.scale >= ra.scale - rb.scale &&
-                       fixed::mul_pow10_256(x, rr.scale - ra.scale + rb.scale)) {
+    const int shift = rr.scale - ra.scale + rb.scale;
+    if (fixed::U256 q;
+        !fixed::is_zero(y) && shift >= 0 && (shift == 0 || fixed::mul_pow10_256(x, shift))) {
         if (!fixed::div_round256(x, y, q)) return CS_CONV_OVERFLOW;
         return map_code(fixed::store_words(&rr, q, neg));
     }

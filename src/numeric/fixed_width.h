@@ -302,16 +302,26 @@ inline void divmod256(const U256 &x, const U256 &y, U256 &q, U256 &r) {
     wide::shr_from(u, yn, s, r.w);
 }
 
-// x / y rounded half away from zero (y != 0): up when twice the remainder is at least the
-// divisor, that is when the remainder exceeds (y - 1) / 2, which is formed while the division
-// runs. False when the rounded quotient needs more than four limbs.
+// x / y rounded half away from zero (y != 0), which is floor((x + floor(y / 2)) / y): the
+// addend is ready before the division starts, so no rounding step waits for its remainder
+// (when x + y / 2 passes 2^256 the remainder decides). False when the rounded quotient needs
+// more than four limbs.
 inline bool div_round256(const U256 &x, const U256 &y, U256 &quot) {
-    U256 half, r;
+    U256 half, biased, r;
+#pragma GCC unroll 4
+    for (int i = 0; i < 4; ++i)
+        half.w[i] = (y.w[i] >> 1) | (i < 3 ? y.w[i + 1] << 63 : 0);
+    if (add256(x, half, biased)) {
+        divmod256(biased, y, quot, r);
+        return true;
+    }
+    // Up when twice the remainder is at least the divisor: the remainder is more than half of
+    // y - 1.
+    divmod256(x, y, quot, r);
     sub256(y, U256{{1, 0, 0, 0}}, half);
 #pragma GCC unroll 4
     for (int i = 0; i < 4; ++i)
         half.w[i] = (half.w[i] >> 1) | (i < 3 ? half.w[i + 1] << 63 : 0);
-    divmod256(x, y, quot, r);
     return add256(quot, U256{{borrow_of(half, r), 0, 0, 0}}, quot);
 }
 

@@ -449,41 +449,38 @@ template <int N>
 inline void schoolbook_div(u64 *u, const u64 *v, int n_rt, int m, u64 *q) {
     const int n = N ? N : n_rt;
     const u64 d1 = v[n - 1], d0 = v[n - 2];
+    const u128 d = (static_cast<u128>(d1) << 64) | d0;
     const u64 inv = reciprocal_3by2(d1, d0);
-    if (N == 2) { // nothing below the top two limbs: the remainder stays in registers
-        u128 r = (static_cast<u128>(u[m + 2]) << 64) | u[m + 1];
-        for (int j = m; j >= 0; --j)
-            q[j] = div_3by2(static_cast<u64>(r >> 64), static_cast<u64>(r), u[j], d1, d0, inv, r);
-        u[0] = static_cast<u64>(r);
-        u[1] = static_cast<u64>(r >> 64);
-        u[2] = 0;
-        return;
-    }
+    // The partial remainder's top two limbs stay in registers as r; the limbs below them are
+    // in u[j .. j + n - 3], where each step's subtraction leaves them.
+    u128 r = (static_cast<u128>(u[m + n]) << 64) | u[m + n - 1];
     for (int j = m; j >= 0; --j) {
         u64 *uj = u + j;
-        if (uj[n] == d1 && uj[n - 1] == d0) [[unlikely]] {
-            // The partial remainder's top limbs equal the divisor's: it is at least
-            // (2^64 - 1) times the divisor (and below 2^64 times it), so that is the limb.
+        if (r == d) [[unlikely]] {
+            // The top limbs equal the divisor's: the partial remainder is at least 2^64 - 1
+            // times the divisor (and below 2^64 times it), so that is the limb.
+            uj[n] = d1;
+            uj[n - 1] = d0;
             uj[n] -= submul(uj, v, n, ~u64{0});
+            r = (static_cast<u128>(uj[n - 1]) << 64) | uj[n - 2];
             q[j] = ~u64{0};
             continue;
         }
-        u128 r;
-        u64 qh = div_3by2(uj[n], uj[n - 1], uj[n - 2], d1, d0, inv, r);
+        u64 qh = div_3by2(static_cast<u64>(r >> 64), static_cast<u64>(r), uj[n - 2], d1, d0,
+                          inv, r);
         const u64 cy = submul(uj, v, n - 2, qh);
         const u128 rest = r - cy;
         if (r < cy) [[unlikely]] { // one too large: add the divisor back
             --qh;
-            const u64 c = add_back(uj, v, n - 2);
-            r = rest + ((static_cast<u128>(d1) << 64) | d0) + c;
+            r = rest + d + add_back(uj, v, n - 2);
         } else {
             r = rest;
         }
-        uj[n - 2] = static_cast<u64>(r);
-        uj[n - 1] = static_cast<u64>(r >> 64);
-        uj[n] = 0;
         q[j] = qh;
     }
+    u[n - 2] = static_cast<u64>(r);
+    u[n - 1] = static_cast<u64>(r >> 64);
+    u[n] = 0;
 }
 
 // q = a / b, r = a % b for b != 0. q and r must not alias a or b.

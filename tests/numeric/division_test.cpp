@@ -119,3 +119,28 @@ TEST(NumericDivision, RandomIdentities) {
         }
     }
 }
+
+// Rounded four-limb quotients against the remainder test on the general division, with
+// dividends up to 2^256 - 1 (where adding half the divisor first would carry out).
+TEST(NumericDivision, RoundedQuotients) {
+    std::mt19937_64 rng(23);
+    for (int i = 0; i < 20000; ++i) {
+        U256 x{}, y{};
+        for (auto &l : x.w)
+            l = rng() % 4 == 0 ? ~u64{0} : rng();
+        const int yn = 1 + static_cast<int>(rng() % 4);
+        for (int k = 0; k < yn; ++k)
+            y.w[k] = rng() % 5 == 0 ? ~u64{0} : rng() >> (rng() % 64);
+        if (comn::fixed::is_zero(y)) y.w[0] = 3;
+        const Nat nx = nat({x.w[0], x.w[1], x.w[2], x.w[3]});
+        const Nat ny = nat({y.w[0], y.w[1], y.w[2], y.w[3]});
+        Nat q, r, twice;
+        comn::wide::divmod(nx, ny, q, r);
+        comn::wide::add(twice, r, r);
+        if (comn::wide::cmp(twice, ny) >= 0) comn::wide::add(q, q, nat({1}));
+        U256 fq;
+        ASSERT_TRUE(comn::fixed::div_round256(x, y, fq)) << "case " << i;
+        for (int k = 0; k < 4; ++k)
+            ASSERT_EQ(fq.w[k], k < q.n ? q.w[k] : 0) << "case " << i << " limb " << k;
+    }
+}
