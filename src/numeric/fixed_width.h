@@ -273,6 +273,8 @@ inline bool mul_pow10_256(U256 &x, int k) {
 // q = x / y and r = x % y on four limbs, y != 0. The divisor's length picks a path: one limb
 // divides limb by limb with a reciprocal; two to four run the schoolbook division with the
 // length fixed at compile time.
+// Without WantRem, r is left unspecified.
+template <bool WantRem = true>
 inline void divmod256(const U256 &x, const U256 &y, U256 &q, U256 &r) {
     int xn = 4, yn = 4;
     while (xn > 0 && x.w[xn - 1] == 0)
@@ -299,7 +301,7 @@ inline void divmod256(const U256 &x, const U256 &y, U256 &q, U256 &r) {
         wide::schoolbook_div<3>(u, v, 3, xn - 3, q.w);
     else
         wide::schoolbook_div<4>(u, v, 4, xn - 4, q.w);
-    wide::shr_from(u, yn, s, r.w);
+    if (WantRem) wide::shr_from(u, yn, s, r.w);
 }
 
 // x / y rounded half away from zero (y != 0), which is floor((x + floor(y / 2)) / y): the
@@ -312,7 +314,7 @@ inline bool div_round256(const U256 &x, const U256 &y, U256 &quot) {
     for (int i = 0; i < 4; ++i)
         half.w[i] = (y.w[i] >> 1) | (i < 3 ? y.w[i + 1] << 63 : 0);
     if (add256(x, half, biased)) {
-        divmod256(biased, y, quot, r);
+        divmod256<false>(biased, y, quot, r);
         return true;
     }
     // Up when twice the remainder is at least the divisor: the remainder is more than half of

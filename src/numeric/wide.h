@@ -466,8 +466,8 @@ inline void schoolbook_div(u64 *u, const u64 *v, int n_rt, int m, u64 *q) {
             q[j] = ~u64{0};
             continue;
         }
-        u64 qh = div_3by2(static_cast<u64>(r >> 64), static_cast<u64>(r), uj[n - 2], d1, d0,
-                          inv, r);
+        u64 qh =
+            div_3by2(static_cast<u64>(r >> 64), static_cast<u64>(r), uj[n - 2], d1, d0, inv, r);
         const u64 cy = submul(uj, v, n - 2, qh);
         const u128 rest = r - cy;
         if (r < cy) [[unlikely]] { // one too large: add the divisor back

@@ -106,8 +106,8 @@ TEST(NumericClient, SumsOfRawMagnitudes) {
         int rc;
         const char *value;
     } cases[] = {
-        {20000, 4, 1, 4, CS_SUCCEED, "20001"},     // no widening: the sum is tested alone
-        {5000, 3, 1, 4, CS_SUCCEED, "5001"},       // widens to 4 digits and fits them
+        {20000, 4, 1, 4, CS_SUCCEED, "20001"},       // no widening: the sum is tested alone
+        {5000, 3, 1, 4, CS_SUCCEED, "5001"},         // widens to 4 digits and fits them
         {20000, 3, 1, 4, CS_CONV_OVERFLOW, nullptr}, // widens to 4 digits and does not fit
         {1, 4, 20000, 3, CS_CONV_OVERFLOW, nullptr},
         {65535, 3, 65535, 3, CS_CONV_OVERFLOW, nullptr}, // 131070 is past 4 digits
