@@ -270,17 +270,22 @@ inline bool mul_pow10_256(U256 &x, int k) {
     return mul_by_limbs<4>(x, p);
 }
 
+// The count of significant limbs, by conditional moves: a loop's exit would be mispredicted
+// as often as operand lengths vary.
+inline int limbs(const U256 &v) {
+    int n = v.w[0] != 0;
+    n = v.w[1] ? 2 : n;
+    n = v.w[2] ? 3 : n;
+    return v.w[3] ? 4 : n;
+}
+
 // q = x / y and r = x % y on four limbs, y != 0. The divisor's length picks a path: one limb
 // divides limb by limb with a reciprocal; two to four run the schoolbook division with the
 // length fixed at compile time.
 // Without WantRem, r is left unspecified.
 template <bool WantRem = true>
 inline void divmod256(const U256 &x, const U256 &y, U256 &q, U256 &r) {
-    int xn = 4, yn = 4;
-    while (xn > 0 && x.w[xn - 1] == 0)
-        --xn;
-    while (y.w[yn - 1] == 0)
-        --yn;
+    const int xn = limbs(x), yn = limbs(y);
     q = U256{};
     r = U256{};
     if (xn < yn) {
