@@ -94,15 +94,16 @@ COMN_DECLARE_CONV_(comn_voidtovoid)
 /* ---- Integer, bit and float conversions ----
    One row per (source, destination) short-name pair; the routine is comn_<src>to<dst>.
    "i8" is the platform long integer, stored in 32 bits. */
-#define COMN_SCALAR_PAIRS(X)                                                                       \
-    X(i1, i1)                                                                                      \
-    X(i1, i2) X(i1, i4) X(i1, i8) X(i1, bit) X(i1, flt4) X(i1, flt8) X(i2, i1) X(i2, i2) X(i2, i4) \
-        X(i2, i8) X(i2, bit) X(i2, flt4) X(i2, flt8) X(i4, i1) X(i4, i2) X(i4, i4) X(i4, i8)       \
-            X(i4, bit) X(i4, flt4) X(i4, flt8) X(i8, i4) X(i8, i8) X(bit, i1) X(bit, i2)           \
-                X(bit, i4) X(bit, i8) X(bit, bit) X(bit, flt4) X(bit, flt8) X(flt4, i1)            \
-                    X(flt4, i2) X(flt4, i4) X(flt4, i8) X(flt4, bit) X(flt4, flt4) X(flt4, flt8)   \
-                        X(flt8, i1) X(flt8, i2) X(flt8, i4) X(flt8, i8) X(flt8, bit) X(flt8, flt4) \
-                            X(flt8, flt8)
+/* clang-format off */
+#define COMN_SCALAR_PAIRS(X)                                                                 \
+    X(i1, i1) X(i1, i2) X(i1, i4) X(i1, i8) X(i1, bit) X(i1, flt4) X(i1, flt8)               \
+    X(i2, i1) X(i2, i2) X(i2, i4) X(i2, i8) X(i2, bit) X(i2, flt4) X(i2, flt8)               \
+    X(i4, i1) X(i4, i2) X(i4, i4) X(i4, i8) X(i4, bit) X(i4, flt4) X(i4, flt8)               \
+    X(i8, i4) X(i8, i8)                                                                      \
+    X(bit, i1) X(bit, i2) X(bit, i4) X(bit, i8) X(bit, bit) X(bit, flt4) X(bit, flt8)        \
+    X(flt4, i1) X(flt4, i2) X(flt4, i4) X(flt4, i8) X(flt4, bit) X(flt4, flt4) X(flt4, flt8) \
+    X(flt8, i1) X(flt8, i2) X(flt8, i4) X(flt8, i8) X(flt8, bit) X(flt8, flt4) X(flt8, flt8)
+/* clang-format on */
 
 #define COMN_DECLARE_PAIR_(a, b) COMN_DECLARE_CONV_(comn_##a##to##b)
 COMN_SCALAR_PAIRS(COMN_DECLARE_PAIR_)
@@ -121,15 +122,18 @@ COMN_API int32_t comn_fixedtovarbin(const void *src, int32_t size, DataFormat *d
 /* ---- Money conversions ----
    Money sources to integers, floats, bit and money, and integers and floats into money;
    the routine is comn_<src>to<dst>. */
-#define COMN_MONEY_SOURCE_PAIRS(X)                                                                 \
-    X(money, i1)                                                                                   \
-    X(money, i2) X(money, i4) X(money, i8) X(money, bit) X(money, flt4) X(money, flt8)             \
-        X(money, money) X(money, mny4) X(mny4, i1) X(mny4, i2) X(mny4, i4) X(mny4, i8)             \
-            X(mny4, bit) X(mny4, flt4) X(mny4, flt8) X(mny4, money) X(mny4, mny4)
-#define COMN_INTO_MONEY_PAIRS(X)                                                                   \
-    X(i1, money)                                                                                   \
-    X(i1, mny4) X(i2, money) X(i2, mny4) X(i4, money) X(i4, mny4) X(flt4, money) X(flt4, mny4)     \
-        X(flt8, money) X(flt8, mny4)
+/* clang-format off */
+#define COMN_MONEY_SOURCE_PAIRS(X)                                                           \
+    X(money, i1) X(money, i2) X(money, i4) X(money, i8) X(money, bit) X(money, flt4)         \
+        X(money, flt8) X(money, money) X(money, mny4)                                        \
+    X(mny4, i1) X(mny4, i2) X(mny4, i4) X(mny4, i8) X(mny4, bit) X(mny4, flt4) X(mny4, flt8) \
+        X(mny4, money) X(mny4, mny4)
+/* clang-format on */
+/* clang-format off */
+#define COMN_INTO_MONEY_PAIRS(X)                                                              \
+    X(i1, money) X(i1, mny4) X(i2, money) X(i2, mny4) X(i4, money) X(i4, mny4) X(flt4, money) \
+        X(flt4, mny4) X(flt8, money) X(flt8, mny4)
+/* clang-format on */
 COMN_MONEY_SOURCE_PAIRS(COMN_DECLARE_PAIR_)
 COMN_INTO_MONEY_PAIRS(COMN_DECLARE_PAIR_)
 COMN_DECLARE_CONV_(comn_moneytonum)
@@ -143,11 +147,13 @@ COMN_DECLARE_CONV_(comn_numtomny4)
 
 /* ---- Datetime conversions ---- */
 
-#define COMN_DATE_CONVS(X)                                                                         \
-    X(comn_datetodate)                                                                             \
-    X(comn_datetodate4) X(comn_datetochar) X(comn_datetovarchar) X(comn_datetobin)                 \
-        X(comn_datetovarbin) X(comn_date4todate4) X(comn_date4todate) X(comn_date4tochar)          \
-            X(comn_date4tovarchar) X(comn_date4tobin) X(comn_date4tovarbin)
+/* clang-format off */
+#define COMN_DATE_CONVS(X)                                                              \
+    X(comn_datetodate) X(comn_datetodate4) X(comn_datetochar) X(comn_datetovarchar)     \
+        X(comn_datetobin) X(comn_datetovarbin)                                          \
+    X(comn_date4todate4) X(comn_date4todate) X(comn_date4tochar) X(comn_date4tovarchar) \
+        X(comn_date4tobin) X(comn_date4tovarbin)
+/* clang-format on */
 COMN_DATE_CONVS(COMN_DECLARE_CONV_)
 
 /* The output style of a datetime-to-text conversion: the locale's, if the formatter knows it,

@@ -309,27 +309,31 @@ inline void divmod256(const U256 &x, const U256 &y, U256 &q, U256 &r) {
     if (WantRem) wide::shr_from(u, yn, s, r.w);
 }
 
+// v / 2.
+inline U256 half_of(const U256 &v) {
+    U256 h;
+#pragma GCC unroll 4
+    for (int i = 0; i < 4; ++i)
+        h.w[i] = (v.w[i] >> 1) | (i < 3 ? v.w[i + 1] << 63 : 0);
+    return h;
+}
+
 // x / y rounded half away from zero (y != 0), which is floor((x + floor(y / 2)) / y): the
 // addend is ready before the division starts, so no rounding step waits for its remainder
 // (when x + y / 2 passes 2^256 the remainder decides). False when the rounded quotient needs
 // more than four limbs.
 inline bool div_round256(const U256 &x, const U256 &y, U256 &quot) {
-    U256 half, biased, r;
-#pragma GCC unroll 4
-    for (int i = 0; i < 4; ++i)
-        half.w[i] = (y.w[i] >> 1) | (i < 3 ? y.w[i + 1] << 63 : 0);
-    if (add256(x, half, biased)) {
+    U256 biased, r;
+    if (add256(x, half_of(y), biased)) {
         divmod256<false>(biased, y, quot, r);
         return true;
     }
     // Up when twice the remainder is at least the divisor: the remainder is more than half of
     // y - 1.
     divmod256(x, y, quot, r);
-    sub256(y, U256{{1, 0, 0, 0}}, half);
-#pragma GCC unroll 4
-    for (int i = 0; i < 4; ++i)
-        half.w[i] = (half.w[i] >> 1) | (i < 3 ? half.w[i + 1] << 63 : 0);
-    return add256(quot, U256{{borrow_of(half, r), 0, 0, 0}}, quot);
+    U256 less_one;
+    sub256(y, U256{{1, 0, 0, 0}}, less_one);
+    return add256(quot, U256{{borrow_of(half_of(less_one), r), 0, 0, 0}}, quot);
 }
 
 } // namespace comn::fixed
