@@ -446,7 +446,7 @@ inline u64 add_back(u64 *u, const u64 *v, int n) {
 // holding the shifted remainder in its low n limbs. N fixes n at compile time (0: taken
 // from n_rt) so that short divisors get straight-line loops.
 template <int N>
-inline void schoolbook_div(u64 *u, const u64 *v, int n_rt, int m, u64 *q) {
+[[gnu::always_inline]] inline void schoolbook_div(u64 *u, const u64 *v, int n_rt, int m, u64 *q) {
     const int n = N ? N : n_rt;
     const u64 d1 = v[n - 1], d0 = v[n - 2];
     const u128 d = (static_cast<u128>(d1) << 64) | d0;
