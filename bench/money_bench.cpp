@@ -3,6 +3,9 @@
 // arithmetic with the same rounding and range test, print against snprintf of the integer
 // and of the double, parse against strtoll and strtod. BM_LibraryCallFloor measures a call
 // into the shared library that does nothing, the part of every figure the baselines lack.
+// Before timing, each library row and its integer baseline are checked to agree on every
+// value; the double rows (snprintf of a double, strtod) are for orientation only, as a double
+// does not hold every amount exactly.
 #include <cstdio>
 #include <cstdlib>
 #include <random>
@@ -60,6 +63,27 @@ bool fits(i128 v) {
     return v >= INT64_MIN && v <= INT64_MAX;
 }
 
+int64_t as_int64(const MoneyValue &m) {
+    return static_cast<int64_t>((static_cast<uint64_t>(static_cast<uint32_t>(m.high)) << 32) |
+                                m.low);
+}
+
+// False, with the row skipped, when the library and the native operation differ on a pair:
+// the native side gives 0 where the library reports overflow.
+template <typename Op, typename F>
+bool agree(benchmark::State &state, Op op, F f) {
+    const Data &d = data();
+    for (size_t i = 0; i < kCount; ++i) {
+        MoneyValue r{};
+        const int64_t got = op(&d.a[i], &d.b[i], &r) == 0 ? as_int64(r) : 0;
+        if (got != f(d.ia[i], d.ib[i])) {
+            state.SkipWithError(("results differ at pair " + std::to_string(i)).c_str());
+            return false;
+        }
+    }
+    return true;
+}
+
 // A money operation over every pair of values, its code and result's low word summed so the
 // work stays. Op is a lambda so that an add written in it takes the header's inline form.
 template <typename Op>
@@ -93,20 +117,40 @@ void native_loop(benchmark::State &state, F f) {
 
 using M = const MoneyValue *;
 
+// The library's operations and their native equivalents, which each row checks against the
+// other before timing.
+const auto money_add = [](M a, M b, MoneyValue *r) { return com__mnyadd(a, b, r); };
+const auto money_mul = [](M a, M b, MoneyValue *r) { return com__mnymul(a, b, r); };
+const auto money_div = [](M a, M b, MoneyValue *r) { return com__mnydiv(a, b, r); };
+
+int64_t native_add(int64_t a, int64_t b) {
+    int64_t r;
+    return __builtin_add_overflow(a, b, &r) ? int64_t{0} : r;
+}
+
+int64_t native_mul(int64_t a, int64_t b) {
+    const i128 p = round_div(static_cast<i128>(a) * b, 10000);
+    return fits(p) ? static_cast<int64_t>(p) : int64_t{0};
+}
+
+int64_t native_div(int64_t a, int64_t b) {
+    const i128 y = b;
+    const i128 q = round_div(static_cast<i128>(a) * 10000 * (y < 0 ? -1 : 1), y < 0 ? -y : y);
+    return fits(q) ? static_cast<int64_t>(q) : int64_t{0};
+}
+
 // com__mnyadd as a loop over values compiles it: the header's inline form. The _Call row
 // calls the exported routine for each value.
 void BM_MoneyAdd(benchmark::State &state) {
-    money_loop(state, [](M a, M b, MoneyValue *r) { return com__mnyadd(a, b, r); });
+    if (agree(state, money_add, native_add)) money_loop(state, money_add);
 }
 void BM_MoneyAdd_Call(benchmark::State &state) {
-    money_loop(state, [](M a, M b, MoneyValue *r) { return (com__mnyadd)(a, b, r); });
+    const auto call = [](M a, M b, MoneyValue *r) { return (com__mnyadd)(a, b, r); };
+    if (agree(state, call, native_add)) money_loop(state, call);
 }
 
 void BM_Int64AddChecked(benchmark::State &state) {
-    native_loop(state, [](int64_t a, int64_t b) {
-        int64_t r;
-        return __builtin_add_overflow(a, b, &r) ? int64_t{0} : r;
-    });
+    if (agree(state, money_add, native_add)) native_loop(state, native_add);
 }
 
 // The cost of one call into the shared library and back, with the same operands and
@@ -117,29 +161,54 @@ void BM_LibraryCallFloor(benchmark::State &state) {
 }
 
 void BM_MoneyMul(benchmark::State &state) {
-    money_loop(state, [](M a, M b, MoneyValue *r) { return com__mnymul(a, b, r); });
+    if (agree(state, money_mul, native_mul)) money_loop(state, money_mul);
 }
 
 void BM_Int128Mul(benchmark::State &state) {
-    native_loop(state, [](int64_t a, int64_t b) {
-        const i128 p = round_div(static_cast<i128>(a) * b, 10000);
-        return fits(p) ? static_cast<int64_t>(p) : int64_t{0};
-    });
+    if (agree(state, money_mul, native_mul)) native_loop(state, native_mul);
 }
 
 void BM_MoneyDiv(benchmark::State &state) {
-    money_loop(state, [](M a, M b, MoneyValue *r) { return com__mnydiv(a, b, r); });
+    if (agree(state, money_div, native_div)) money_loop(state, money_div);
 }
 
 void BM_Int128Div(benchmark::State &state) {
-    native_loop(state, [](int64_t a, int64_t b) {
-        const i128 y = b;
-        const i128 q = round_div(static_cast<i128>(a) * 10000 * (y < 0 ? -1 : 1), y < 0 ? -y : y);
-        return fits(q) ? static_cast<int64_t>(q) : int64_t{0};
-    });
+    if (agree(state, money_div, native_div)) native_loop(state, native_div);
+}
+
+// The library's text of each value with its point dropped, against the integer's text.
+bool texts_agree(benchmark::State &state) {
+    const Data &d = data();
+    for (size_t i = 0; i < kCount; ++i) {
+        std::string digits;
+        for (char c : d.text[i])
+            if (c != '.' && !(c == '0' && (digits.empty() || digits == "-"))) digits += c;
+        if (digits.empty() || digits == "-") digits += '0';
+        if (digits != std::to_string(d.ia[i])) {
+            state.SkipWithError(("texts differ at value " + std::to_string(i)).c_str());
+            return false;
+        }
+    }
+    return true;
+}
+
+// The library's parse of each text against strtoll of the integer's text.
+bool parses_agree(benchmark::State &state) {
+    const Data &d = data();
+    for (size_t i = 0; i < kCount; ++i) {
+        MoneyValue r{};
+        const std::string &t = d.text[i];
+        if (com__mnyfromchar_mb(&r, t.data(), static_cast<int32_t>(t.size()), 0, nullptr) != 0 ||
+            as_int64(r) != std::strtoll(std::to_string(d.ia[i]).c_str(), nullptr, 10)) {
+            state.SkipWithError(("parses differ at value " + std::to_string(i)).c_str());
+            return false;
+        }
+    }
+    return true;
 }
 
 void BM_MoneyPrint(benchmark::State &state) {
+    if (!texts_agree(state)) return;
     const Data &d = data();
     char buf[32];
     size_t total = 0;
@@ -153,6 +222,7 @@ void BM_MoneyPrint(benchmark::State &state) {
 }
 
 void BM_SnprintfInt64(benchmark::State &state) {
+    if (!texts_agree(state)) return;
     const Data &d = data();
     char buf[32];
     size_t total = 0;
@@ -176,6 +246,7 @@ void BM_SnprintfDouble(benchmark::State &state) {
 }
 
 void BM_MoneyParse(benchmark::State &state) {
+    if (!parses_agree(state)) return;
     const Data &d = data();
     MoneyValue r;
     int64_t sum = 0;
@@ -190,6 +261,7 @@ void BM_MoneyParse(benchmark::State &state) {
 }
 
 void BM_Strtoll(benchmark::State &state) {
+    if (!parses_agree(state)) return;
     const Data &d = data();
     std::vector<std::string> ints;
     for (int64_t v : d.ia)
