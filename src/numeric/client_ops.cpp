@@ -81,8 +81,7 @@ inline u128 magnitude(const NumericValue *v) {
     return fixed::load128_area(v->array + 1, comn::kPrecToLen[v->precision] - 1);
 }
 
-// Built in registers for up to 38 digits and for the full 32 bytes: a limb array filled in a
-// loop would be read back wider than it was written, which stalls the load.
+// Up to 38 digits from one 128-bit word, in registers like the full 32 bytes.
 template <>
 inline fixed::U256 magnitude(const NumericValue *v) {
     const uint8_t *p = v->array + 1;
@@ -91,12 +90,7 @@ inline fixed::U256 magnitude(const NumericValue *v) {
         const u128 x = fixed::load128_area(p, n);
         return {{static_cast<fixed::u64>(x), static_cast<fixed::u64>(x >> 64), 0, 0}};
     }
-    if (n == 32)
-        return {{comn::wide::load_be64(p + 24), comn::wide::load_be64(p + 16),
-                 comn::wide::load_be64(p + 8), comn::wide::load_be64(p)}};
-    fixed::U256 x;
-    fixed::load256(p, n, x);
-    return x;
+    return fixed::load256(p, n);
 }
 
 // A sum of operands of one scale on words W: the operands need only widen to p digits, which

@@ -25,26 +25,26 @@ struct U256 {
     u64 w[4];
 };
 
-// Reads n (0..32) big-endian magnitude bytes.
-inline void load256(const uint8_t *p, int n, U256 &v) {
-    if (n == 32) { // precisions 75 to 77
-        v = U256{{wide::load_be64(p + 24), wide::load_be64(p + 16), wide::load_be64(p + 8),
-                  wide::load_be64(p)}};
-        return;
-    }
-    v = U256{};
+// Reads n (0..32) big-endian magnitude bytes. The full 32 are built straight in registers: a
+// limb array filled in a loop would be read back wider than it was written, which stalls.
+inline U256 load256(const uint8_t *p, int n) {
+    if (n == 32) // precisions 75 to 77
+        return {{wide::load_be64(p + 24), wide::load_be64(p + 16), wide::load_be64(p + 8),
+                 wide::load_be64(p)}};
+    U256 v{};
     int i = 0;
     for (; n >= 8; n -= 8)
         v.w[i++] = wide::load_be64(p + n - 8);
     for (int j = 0; j < n; ++j)
         v.w[i] = (v.w[i] << 8) | p[j];
+    return v;
 }
 
 // False when the descriptor's magnitude is longer than 32 bytes.
 inline bool load256(const ExactNumericRef *x, U256 &v) {
     const int n = x->length - 1;
     if (n < 0 || n > 32) return false;
-    load256(nume::mag(x), n, v);
+    v = load256(nume::mag(x), n);
     return true;
 }
 
