@@ -1,177 +1,122 @@
-// comconv: converts values between the library's datatypes, parses and prints dates, and
-// shows what the conversion table holds. It runs on the installation home named by VELDAR.
+// comconv: the library's command-line tool. It translates files between character sets,
+// converts values and whole columns between datatypes through the conversion table, prints
+// the table, shows what a locale gives, and parses and prints dates. It runs on the
+// installation home named by VELDAR (the home bundled with the sources when unset).
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
-#include <vector>
 
-#include "comnlib.h"
-#include "values.h"
+#include "cli.h"
+#include "commands.h"
 
 namespace {
+
+using comconv::out;
 
 constexpr const char *kUsage =
     "usage: comconv <command> [arguments]\n"
     "\n"
-    "  convert <from> <to> <value>   convert a value through the conversion table\n"
-    "  date <text> [style]           parse a date or time and print it in a style (default 0)\n"
-    "  styles <text>                 print a date in every style\n"
-    "  types                         list the datatypes and how many conversions each has\n"
-    "  version                       print the library's version\n"
-    "  --help                        this text\n"
+    "  xlate -f SET -t SET [FILE...]   translate files between character sets (-l lists them)\n"
+    "  convert FROM TO [VALUE...]      convert values, or each line or field of standard\n"
+    "                                  input, between datatypes\n"
+    "  table                           the conversion table as a grid of the 24 datatypes\n"
+    "  types                           the datatypes and how many conversions each has\n"
+    "  locale [NAME]                   what a locale resolves to and the date names it gives\n"
+    "  date TEXT [STYLE]               parse a date or time and print it in a style\n"
+    "  styles TEXT                     print a date in every style\n"
+    "  version                         the library's version\n"
     "\n"
-    "types: tinyint smallint int real float bit money money4 numeric decimal datetime\n"
-    "       datetime4 char varchar binary varbinary void\n";
+    "  --help, -h                      this text (comconv COMMAND --help for a command's own)\n"
+    "  --version                       the tool's and the library's version\n"
+    "\n"
+    "Exit status: 0 success; 1 some value failed to convert or some character had no\n"
+    "counterpart; 2 usage error; 3 a file could not be read or the output written.\n"
+    "The installation home is VELDAR's directory; see comconv(1) and docs/comconv.md.\n";
 
-const char *code_name(int32_t rc) {
-    struct Row {
-        int32_t code;
-        const char *name;
-    };
-#define COMCONV_ROW_(name, value) {value, #name},
-    static const Row rows[] = {COMN_STATUS_CODES(COMCONV_ROW_) COMN_CONV_CODES(COMCONV_ROW_)};
-#undef COMCONV_ROW_
-    for (const Row &r : rows)
-        if (r.code == rc) return r.name;
-    return "unknown status";
+struct Command {
+    const char *name;
+    int (*run)(ComContext &, const comconv::Words &);
+};
+
+int version(ComContext &, const comconv::Words &args) {
+    if (!args.empty()) {
+        comconv::complain("version takes no arguments");
+        return comconv::kUsageError;
+    }
+    int32_t major = 0, minor = 0;
+    const char *text = com_version(&major, &minor);
+    char line[64];
+    std::snprintf(line, sizeof line, "%d.%d\n", static_cast<int>(major), static_cast<int>(minor));
+    out().put(text);
+    out().put('\n');
+    out().put(line);
+    return comconv::kOk;
 }
 
-int convert(ComContext &ctx, const std::string &from, const std::string &to,
-            const std::string &text) {
-    const int32_t src = comconv::type_by_name(from), dst = comconv::type_by_name(to);
-    if (src < 0 || dst < 0) {
-        std::fprintf(stderr, "comconv: unknown type '%s'\n", src < 0 ? from.c_str() : to.c_str());
-        return 2;
+constexpr Command kCommands[] = {
+    {"xlate", comconv::cmd_xlate},   {"convert", comconv::cmd_convert},
+    {"table", comconv::cmd_table},   {"types", comconv::cmd_types},
+    {"locale", comconv::cmd_locale}, {"date", comconv::cmd_date},
+    {"styles", comconv::cmd_styles}, {"version", version},
+};
+
+// A context on the locale the environment names; when that locale cannot be loaded, says
+// why and falls back to "default".
+bool setup(ComContext &ctx) {
+    int32_t rc = comn_ctx_setup(&ctx);
+    if (rc == CS_FAIL || rc == COM_INTL_ERROR) {
+        com_intl_verify_ctxloc(&ctx);
+        setenv("LC_ALL", "default", 1);
+        rc = comn_ctx_setup(&ctx);
     }
-    comconv::Value in, out;
-    std::string why;
-    if (!comconv::parse(src, text, in, why)) {
-        std::fprintf(stderr, "comconv: '%s' as %s: %s\n", text.c_str(), from.c_str(), why.c_str());
-        return 1;
-    }
-    ComConvFunc f = com_conv_func(&ctx, src, dst);
-    if (!f) {
-        std::fprintf(stderr, "comconv: no conversion from %s to %s in this library\n", from.c_str(),
-                     to.c_str());
-        return 1;
-    }
-    out.fmt.datatype = dst;
-    out.fmt.maxlength = comn_typelen(dst, 256);
-    if (dst == CS_NUMERIC || dst == CS_DECIMAL) {
-        // A numeric source keeps its own precision and scale; others get room for 38 digits
-        // with the places their type can carry.
-        const bool numeric_src = src == CS_NUMERIC || src == CS_DECIMAL;
-        out.fmt.precision = numeric_src ? CS_SRC_VALUE : 38;
-        out.fmt.scale = numeric_src                             ? CS_SRC_VALUE
-                        : (src == CS_MONEY || src == CS_MONEY4) ? 4
-                        : (src == CS_REAL || src == CS_FLOAT)   ? 10
-                                                                : 0;
-    }
-    int32_t len = 0;
-    const int32_t rc = f(&ctx, &in.fmt, in.bytes, &out.fmt, out.bytes, &len);
-    if (dst == CS_NUMERIC || dst == CS_DECIMAL) {
-        out.fmt.precision = out.bytes[0];
-        out.fmt.scale = out.bytes[1];
-    }
-    std::printf("%s\n", comconv::format(out, len).c_str());
     if (rc != CS_SUCCEED) {
-        std::fprintf(stderr, "comconv: %s (%d)\n", code_name(rc), static_cast<int>(rc));
-        return 1;
-    }
-    return 0;
-}
-
-// Dates are read and written with the names and date order of the context's locale.
-bool parse_date(ComContext &ctx, const std::string &text, DateTimeValue &dt) {
-    const int32_t rc =
-        com__datefromchar_mb(&dt, text.data(), static_cast<int32_t>(text.size()), 0,
-                             com_intl_dateorder_id(&ctx, nullptr), com_intl_months(&ctx, nullptr),
-                             com_intl_shortmonths(&ctx, nullptr), com_intl_charattr(&ctx, nullptr));
-    if (rc != 0) {
-        std::fprintf(stderr, "comconv: '%s' is %s\n", text.c_str(),
-                     rc < 0 ? "not a date" : "out of the datetime range");
+        comconv::complain("cannot set up a context (status %d)", static_cast<int>(rc));
         return false;
     }
     return true;
 }
 
-int print_date(ComContext &ctx, const DateTimeValue &dt, int32_t style) {
-    char buf[128];
-    const int32_t n =
-        com__datetochar(&dt, buf, sizeof buf, style, com_intl_shortmonths(&ctx, nullptr));
-    if (n <= 0) {
-        std::fprintf(stderr, "comconv: no date style %d\n", static_cast<int>(style));
-        return 1;
-    }
-    std::printf("%.*s\n", static_cast<int>(n), buf);
-    return 0;
-}
-
-int types(ComContext &ctx) {
-    for (int32_t s = 0; s < COMN_CONV_DIM; ++s) {
-        int count = 0;
-        for (int32_t d = 0; d < COMN_CONV_DIM; ++d)
-            count += com_conv_func(&ctx, s, d) != nullptr;
-        std::printf("%2d %-10s %2d conversions\n", static_cast<int>(s), comconv::type_name(s),
-                    count);
-    }
-    return 0;
-}
-
 } // namespace
 
 int main(int argc, char **argv) {
-    std::vector<std::string> args(argv + 1, argv + argc);
-    if (args.empty() || args[0] == "--help" || args[0] == "-h" || args[0] == "help") {
-        std::fputs(kUsage, args.empty() ? stderr : stdout);
-        return args.empty() ? 2 : 0;
+    // A closed output pipe shows up as EPIPE from write, which ends the tool quietly.
+    std::signal(SIGPIPE, SIG_IGN);
+    const std::string cmd = argc > 1 ? argv[1] : "";
+    if (cmd.empty()) {
+        std::fputs(kUsage, stderr);
+        return comconv::kUsageError;
+    }
+    if (cmd == "--help" || cmd == "-h" || cmd == "help") {
+        out().put(kUsage);
+        out().flush();
+        return comconv::kOk;
+    }
+    if (cmd == "--version") {
+        int32_t major = 0, minor = 0;
+        const char *text = com_version(&major, &minor);
+        char line[64];
+        std::snprintf(line, sizeof line, "comconv %d.%d\n", static_cast<int>(major),
+                      static_cast<int>(minor));
+        out().put(line);
+        out().put(text);
+        out().put('\n');
+        out().flush();
+        return comconv::kOk;
+    }
+    const Command *command = nullptr;
+    for (const Command &c : kCommands)
+        if (cmd == c.name) command = &c;
+    if (!command) {
+        comconv::complain("unknown command '%s' (comconv --help lists them)", cmd.c_str());
+        return comconv::kUsageError;
     }
     if (!std::getenv("VELDAR")) setenv("VELDAR", COMN_BUNDLED_HOME, 1);
     ComContext ctx{};
-    int32_t setup = comn_ctx_setup(&ctx);
-    if (setup == CS_FAIL || setup == COM_INTL_ERROR) {
-        // The locale the environment names cannot be loaded: say why, then run on "default".
-        com_intl_verify_ctxloc(&ctx);
-        setenv("LC_ALL", "default", 1);
-        setup = comn_ctx_setup(&ctx);
-    }
-    if (setup != CS_SUCCEED) {
-        std::fprintf(stderr, "comconv: cannot set up a context (status %d)\n",
-                     static_cast<int>(setup));
-        return 1;
-    }
-    int rc = 2;
-    const std::string &cmd = args[0];
-    if (cmd == "convert" && args.size() == 4) {
-        rc = convert(ctx, args[1], args[2], args[3]);
-    } else if (cmd == "date" && (args.size() == 2 || args.size() == 3)) {
-        DateTimeValue dt{};
-        rc = parse_date(ctx, args[1], dt)
-                 ? print_date(ctx, dt, args.size() == 3 ? std::atoi(args[2].c_str()) : 0)
-                 : 1;
-    } else if (cmd == "styles" && args.size() == 2) {
-        DateTimeValue dt{};
-        rc = 1;
-        if (parse_date(ctx, args[1], dt)) {
-            for (int32_t style :
-                 {0,   1,   2,   3,   4,   5,   6,   7,   8,   9,   10,  11,  12,
-                  100, 101, 102, 103, 104, 105, 106, 107, 108, 109, 110, 111, 112}) {
-                std::printf("%3d  ", static_cast<int>(style));
-                print_date(ctx, dt, style);
-            }
-            rc = 0;
-        }
-    } else if (cmd == "types" && args.size() == 1) {
-        rc = types(ctx);
-    } else if (cmd == "version" && args.size() == 1) {
-        int32_t major = 0, minor = 0;
-        const char *text = com_version(&major, &minor);
-        std::printf("%s\n%d.%d\n", text, static_cast<int>(major), static_cast<int>(minor));
-        rc = 0;
-    } else {
-        std::fputs(kUsage, stderr);
-    }
+    if (!setup(ctx)) return comconv::kFileError;
+    const int status = command->run(ctx, comconv::Words(argv + 2, argv + argc));
+    out().flush();
     comn_ctx_teardown(&ctx);
-    return rc;
+    return status;
 }
