@@ -27,6 +27,7 @@ constexpr const char *kUsage =
     "  --field N          convert field N (from 1) of each record; the rest passes through\n"
     "  --delimiter C      field delimiter: a character, or \"tab\" (the default); \",\" reads\n"
     "                     and writes quoted CSV fields\n"
+    "  --header           pass the first record through unconverted\n"
     "  -k, --keep-going   go on past values that fail (their field is left empty)\n"
     "  --charset SET      character set of input and output instead of the locale's\n"
     "  --maxlength N      destination buffer size for text and binary destinations\n"
@@ -182,7 +183,7 @@ struct Job {
     Pipeline pipe;
     int field = 0; // 0: the whole record is the value
     char delim = '\t';
-    bool csv = false, keep_going = false, quiet = false;
+    bool csv = false, keep_going = false, quiet = false, header = false;
     unsigned long long failures = 0;
     std::string value, quoted;
 
@@ -243,6 +244,10 @@ int run_stdin(Job &job) {
     Progress progress(in.regular_size(), job.quiet);
     Record r;
     unsigned count = 0;
+    if (job.header && reader.next(r)) {
+        out().put(r.text);
+        out().put(r.end);
+    }
     while (reader.next(r)) {
         if (!job.record(r.text, r.end, r.line, "line")) break;
         if ((++count & 1023) == 0) progress.update(reader.bytes_read());
@@ -260,6 +265,7 @@ int cmd_convert(ComContext &ctx, const Words &argv) {
                     {{"field", 0, true},
                      {"delimiter", 'd', true},
                      {"keep-going", 'k', false},
+                     {"header", 0, false},
                      {"charset", 0, true},
                      {"maxlength", 0, true},
                      {"precision", 0, true},
@@ -310,6 +316,7 @@ int cmd_convert(ComContext &ctx, const Words &argv) {
     job.csv = job.delim == ',';
     job.keep_going = args.has("keep-going");
     job.quiet = args.has("quiet");
+    job.header = args.has("header");
     if (args.words.size() == 2) return run_stdin(job);
     for (size_t i = 2; i < args.words.size(); ++i)
         if (!job.record(args.words[i], "\n", i - 1, "value")) break;
