@@ -196,7 +196,7 @@ struct Job {
             if (!find_field(text, delim, csv, field, fb, fe)) {
                 complain("%s %llu: no field %d in '%.*s'", where, line, field,
                          static_cast<int>(text.size()), text.data());
-                return fail(text, end, fb, fe);
+                return fail(text, end, text.size(), text.size()); // passed on as it is
             }
             v = text.substr(fb, fe - fb);
             if (csv && !v.empty() && v[0] == '"') {
@@ -228,9 +228,9 @@ struct Job {
     bool fail(std::string_view text, std::string_view end, size_t fb, size_t fe) {
         ++failures;
         if (!keep_going) return false;
-        if (field > 0 && fb <= text.size()) { // the record with an empty field
+        if (field > 0) { // the record with the field left empty
             out().put(text.substr(0, fb));
-            out().put(text.substr(std::min(fe, text.size())));
+            out().put(text.substr(fe));
         }
         out().put(end);
         return true;
