@@ -15,6 +15,7 @@ three runs, with `cat` (and `wc -l`) over the same file as the floor of reading 
 """
 import os
 import random
+import resource
 import shutil
 import subprocess
 import sys
@@ -24,16 +25,25 @@ import time
 ROOT = os.path.normpath(os.path.join(os.path.dirname(os.path.abspath(__file__)), '..'))
 
 
+CPU = {}  # command name -> best user + system seconds of the last best_of
+
+
 def best_of(cmd, stdin_path, out_path, runs=3):
-    best = None
+    """Best wall time of runs; the best CPU time (user + system) is left in CPU[cmd[0]]."""
+    best, best_cpu = None, None
     for _ in range(runs):
         with open(stdin_path, 'rb') as src, open(out_path, 'wb') as dst:
+            before = resource.getrusage(resource.RUSAGE_CHILDREN)
             t = time.perf_counter()
             p = subprocess.run(cmd, stdin=src, stdout=dst, stderr=subprocess.PIPE)
             dt = time.perf_counter() - t
+            after = resource.getrusage(resource.RUSAGE_CHILDREN)
         if p.returncode not in (0, 1):
             raise SystemExit('%s failed: %s' % (' '.join(cmd), p.stderr.decode(errors='replace')))
+        cpu = (after.ru_utime - before.ru_utime) + (after.ru_stime - before.ru_stime)
         best = dt if best is None else min(best, dt)
+        best_cpu = cpu if best_cpu is None else min(best_cpu, cpu)
+    CPU[os.path.basename(cmd[0])] = best_cpu
     return best
 
 
@@ -96,11 +106,15 @@ def xlate_rows(tool, tmp, size, env):
         best_of(iconv_cmd, src, theirs, runs=1)
         agree = 'outputs agree' if same(ours, theirs) else 'OUTPUTS DIFFER'
         a = best_of(ours_cmd, src, os.devnull)
+        a_cpu = CPU[os.path.basename(tool)]
         b = best_of(iconv_cmd, src, os.devnull)
+        b_cpu = CPU['iconv']
         c = best_of(['cat'], src, os.devnull)
         mib = size / (1 << 20)
-        rows.append('xlate %-6s -> %-6s %4.0f MiB: comconv %6.0f MiB/s  iconv %5.0f MiB/s (%.2fx, %s)  cat %5.0f MiB/s'
-                    % (f, t, mib, mib / a, mib / b, b / a, agree, mib / c))
+        rows.append('xlate %-6s -> %-6s %4.0f MiB: comconv %6.0f MiB/s (cpu %6.0f)  iconv %5.0f MiB/s (cpu %5.0f)'
+                    '  %.2fx, %s; cat %5.0f MiB/s'
+                    % (f, t, mib, mib / a, mib / max(a_cpu, 1e-9), mib / b, mib / max(b_cpu, 1e-9),
+                       b / a, agree, mib / c))
         os.remove(src)
     return rows
 
@@ -120,9 +134,10 @@ def convert_rows(tool, tmp, lines, env):
             for _ in range(lines // 100000):
                 f.write(block)
         a = best_of([tool, 'convert', '--quiet', 'char', to], src, os.devnull)
+        a_cpu = CPU[os.path.basename(tool)]
         b = best_of(['wc', '-l'], src, os.devnull)
-        rows.append('convert char -> %-8s %d lines: %5.2f M lines/s (goal %.0f M)   wc -l %6.1f M lines/s'
-                    % (to, lines, lines / a / 1e6, goal / 1e6, lines / b / 1e6))
+        rows.append('convert char -> %-8s %d lines: %5.2f M lines/s (cpu %5.2f; goal %.0f M)   wc -l %6.1f M lines/s'
+                    % (to, lines, lines / a / 1e6, lines / max(a_cpu, 1e-9) / 1e6, goal / 1e6, lines / b / 1e6))
         os.remove(src)
     return rows
 
