@@ -58,6 +58,7 @@ class Output {
             flush();
             if (n > sizeof buf_) return write_all(p, n);
         }
+        if (n == 0) return; // an empty view may have no address
         __builtin_memcpy(buf_ + used_, p, n);
         used_ += n;
     }
