@@ -155,7 +155,8 @@ COMN_DECLARE_CONV_(comn_numtomny4)
 #define COMN_INTO_NUMERIC_SOURCES(X) X(i1) X(i2) X(i4) X(i8) X(bit) X(flt4) X(flt8)
 /* clang-format on */
 #define COMN_DECLARE_NUM_TO_(b) COMN_DECLARE_CONV_(comn_numto##b)
-#define COMN_DECLARE_MONEY_TO_(b) COMN_DECLARE_CONV_(comn_moneyto##b) COMN_DECLARE_CONV_(comn_mny4to##b)
+#define COMN_DECLARE_MONEY_TO_(b)                                                                  \
+    COMN_DECLARE_CONV_(comn_moneyto##b) COMN_DECLARE_CONV_(comn_mny4to##b)
 #define COMN_DECLARE_INTO_NUM_(a) COMN_DECLARE_CONV_(comn_##a##tonum)
 COMN_NUMERIC_TO_SCALAR(COMN_DECLARE_NUM_TO_)
 COMN_TEXT_BIN_DESTS(COMN_DECLARE_NUM_TO_)
