@@ -334,4 +334,24 @@ TEST(CrossConversions, ShortBinaryDestinationsTruncate) {
     EXPECT_EQ(len, 0);
 }
 
+TEST(CrossConversions, DateStylesTheFormatterDoesNotKnowBecomeNine) {
+    const int32_t known[] = {0, 1, 8, 10, 12, 15, 100, 105, 112};
+    const int32_t unknown[] = {-1, 9, 16, 20, 99, 113, 200, CS_SRC_VALUE};
+    CommonInfo info{};
+    LocaleRecord rec{};
+    rec.common = &info;
+    LocaleHandle loc{};
+    loc.time = &rec;
+    DataFormat df{};
+    df.locale = &loc;
+    for (const int32_t id : known) {
+        info.dtfmt = id;
+        EXPECT_EQ(comn_get_datetochar_fmt(nullptr, &df), id);
+    }
+    for (const int32_t id : unknown) {
+        info.dtfmt = id;
+        EXPECT_EQ(comn_get_datetochar_fmt(nullptr, &df), 9) << id;
+    }
+}
+
 } // namespace
