@@ -316,24 +316,6 @@ TEST(CrossConversions, RoundTripsThroughBinary) {
     if (tried == 0) GTEST_SKIP() << "no binary-source conversions in the table";
 }
 
-TEST(CrossConversions, ShortBinaryDestinationsTruncate) {
-    NumericValue num = numeric("1.5", 5, 1);
-    DataFormat df{};
-    df.maxlength = 10;
-    unsigned char out[40];
-    std::memset(out, kCanary, sizeof out);
-    int32_t len = 0;
-    EXPECT_EQ(comn_numtobin(nullptr, nullptr, &num, &df, out, &len), CS_CONV_TRUNCATED);
-    EXPECT_EQ(len, 10);
-    EXPECT_EQ(std::memcmp(out, &num, 10), 0);
-    EXPECT_EQ(out[10], kCanary);
-    MoneyValue m;
-    comn__mny_set(&m, 1);
-    df.maxlength = 0;
-    EXPECT_EQ(comn_moneytobin(nullptr, nullptr, &m, &df, out, &len), CS_CONV_TRUNCATED);
-    EXPECT_EQ(len, 0);
-}
-
 TEST(CrossConversions, DateStylesTheFormatterDoesNotKnowBecomeNine) {
     const int32_t known[] = {0, 1, 8, 10, 12, 15, 100, 105, 112};
     const int32_t unknown[] = {-1, 9, 16, 20, 99, 113, 200, CS_SRC_VALUE};
