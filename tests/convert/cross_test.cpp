@@ -4,10 +4,11 @@
 // cross_oracle.py.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <limits>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "comnlib.h"
