@@ -145,6 +145,24 @@ COMN_DECLARE_CONV_(comn_numtonum)
 COMN_DECLARE_CONV_(comn_numtomoney)
 COMN_DECLARE_CONV_(comn_numtomny4)
 
+/* ---- Money, numeric and date cross conversions ----
+   Exact numeric sources to bit, integers and floats (through the value's nearest double, then
+   as the float routines), and to text, varchar, binary and varbinary; money and small money to
+   text, varchar, binary and varbinary; integers, floats and bit into exact numerics. */
+/* clang-format off */
+#define COMN_NUMERIC_TO_SCALAR(X) X(bit) X(i1) X(i2) X(i4) X(i8) X(flt4) X(flt8)
+#define COMN_TEXT_BIN_DESTS(X) X(char) X(varchar) X(bin) X(varbin)
+#define COMN_INTO_NUMERIC_SOURCES(X) X(i1) X(i2) X(i4) X(i8) X(bit) X(flt4) X(flt8)
+/* clang-format on */
+#define COMN_DECLARE_NUM_TO_(b) COMN_DECLARE_CONV_(comn_numto##b)
+#define COMN_DECLARE_MONEY_TO_(b)                                                                  \
+    COMN_DECLARE_CONV_(comn_moneyto##b) COMN_DECLARE_CONV_(comn_mny4to##b)
+#define COMN_DECLARE_INTO_NUM_(a) COMN_DECLARE_CONV_(comn_##a##tonum)
+COMN_NUMERIC_TO_SCALAR(COMN_DECLARE_NUM_TO_)
+COMN_TEXT_BIN_DESTS(COMN_DECLARE_NUM_TO_)
+COMN_TEXT_BIN_DESTS(COMN_DECLARE_MONEY_TO_)
+COMN_INTO_NUMERIC_SOURCES(COMN_DECLARE_INTO_NUM_)
+
 /* ---- Datetime conversions ---- */
 
 /* clang-format off */

@@ -3,6 +3,20 @@
 // Every source is first checked: precision 1..77 and scale below 78, else CS_CONV_DOMAIN
 // before anything is written.
 //
+// To bit, the integers and the floats: the value becomes its nearest double (ties to even),
+// and from there the float routines of the scalar family decide, unchanged: the same bounds,
+// truncation toward zero, clamping with CS_CONV_OVERFLOW, non-zero gives 1 for bit. A valid
+// image is below 2^256 (its 32 magnitude bytes), so the double is always finite.
+//
+// To text and varchar: the value's text ("-" for negative values, at least one integer digit,
+// the scale's digits after a point) is built in an 80-byte area: a sign, a leading "0", the
+// point and 77 digits, so every value a valid image can hold prints (79 bytes would refuse a
+// negative value with 77 decimals). Text destinations get min(maxlength, length) bytes and
+// the padding flags; a text that does not fit is CS_CONV_OVERFLOW. Varchar destinations always
+// hold the whole text (80 < 256).
+//
+// To binary and varbinary: the 35 bytes of the value as they stand.
+//
 // Numeric to numeric (comn_numtonum): a precision or scale of CS_SRC_VALUE takes the
 // source's. The magnitude is copied into the destination's length as it stands (a source
 // magnitude that does not fit that length overflows even if rescaling would have shrunk it),
@@ -12,13 +26,99 @@
 
 #include "comnlib/convert.h"
 #include "comnlib/numeric.h"
+#include "convert/cross_text.h"
 
-extern "C" int32_t comn_numtonum(ComContext *, DataFormat *, void *src, DataFormat *destfmt,
-                                 void *dest, int32_t *destlen) {
-    NumericValue s; // a private copy: source and destination may be the same value
-    std::memcpy(&s, src, sizeof s);
-    if (s.precision < 1 || s.precision > CS_MAX_PREC || s.scale > CS_MAX_SCALE)
-        return CS_CONV_DOMAIN;
+namespace comn {
+namespace {
+
+// A private copy of the source (source and destination may be the same value); false when
+// the image is outside its type's domain.
+bool load_source(const void *src, NumericValue *s) {
+    std::memcpy(s, src, sizeof *s);
+    return s->precision >= 1 && s->precision <= CS_MAX_PREC && s->scale <= CS_MAX_SCALE;
+}
+
+ExactNumericRef view(NumericValue &s) {
+    return ExactNumericRef{comn_num_getlen(s.precision), s.precision, s.scale, s.array};
+}
+
+// The validated source as its nearest double: CS_SUCCEED, CS_CONV_DOMAIN or
+// CS_CONV_OVERFLOW (the last cannot arise from a valid image; see above).
+int32_t num_to_double(const void *src, double *d) {
+    NumericValue s;
+    if (!load_source(src, &s)) return CS_CONV_DOMAIN;
+    const ExactNumericRef x = view(s);
+    return com__subexctnumetoflt8(&x, d) == 0 ? CS_SUCCEED : CS_CONV_OVERFLOW;
+}
+
+constexpr int32_t kTextArea = 80; // "-0." and 77 digits
+static_assert(kTextArea <= cross::kVarcharData, "a numeric text always fits a varchar whole");
+
+// The validated source's text at area + *start, ending at the area's end: its length, or
+// CS_CONV_DOMAIN / CS_CONV_OVERFLOW (a magnitude beyond what the area holds).
+int32_t num_text(const void *src, char (&area)[kTextArea], int32_t *start) {
+    NumericValue s;
+    if (!load_source(src, &s)) return CS_CONV_DOMAIN;
+    const ExactNumericRef x = view(s);
+    *start = com__subexctnumetochar(&x, area, kTextArea);
+    return *start < 0 ? CS_CONV_OVERFLOW : kTextArea - *start;
+}
+
+} // namespace
+} // namespace comn
+
+using namespace comn;
+
+extern "C" {
+
+#define COMN_DEFINE_NUM_TO_SCALAR_(b)                                                              \
+    COMN_API int32_t comn_numto##b(ComContext *ctx, DataFormat *srcfmt, void *src,                 \
+                                   DataFormat *destfmt, void *dest, int32_t *destlen) {            \
+        double d;                                                                                  \
+        const int32_t rc = num_to_double(src, &d);                                                 \
+        if (rc != CS_SUCCEED) return rc;                                                           \
+        return comn_flt8to##b(ctx, srcfmt, &d, destfmt, dest, destlen);                            \
+    }
+COMN_NUMERIC_TO_SCALAR(COMN_DEFINE_NUM_TO_SCALAR_)
+#undef COMN_DEFINE_NUM_TO_SCALAR_
+
+COMN_API int32_t comn_numtochar(ComContext *, DataFormat *, void *src, DataFormat *destfmt,
+                                void *dest, int32_t *destlen) {
+    char area[kTextArea];
+    int32_t start = 0;
+    const int32_t n = num_text(src, area, &start);
+    if (n < 0) return n;
+    return cross::put_text(area + start, n, destfmt, dest, destlen);
+}
+
+COMN_API int32_t comn_numtovarchar(ComContext *, DataFormat *, void *src, DataFormat *, void *dest,
+                                   int32_t *destlen) {
+    char area[kTextArea];
+    int32_t start = 0;
+    const int32_t n = num_text(src, area, &start);
+    if (n == CS_CONV_DOMAIN) return n;
+    if (n < 0) return cross::put_vartext_error(n, dest, destlen);
+    return cross::put_vartext(area + start, n, dest, destlen);
+}
+
+COMN_API int32_t comn_numtobin(ComContext *, DataFormat *, void *src, DataFormat *destfmt,
+                               void *dest, int32_t *destlen) {
+    NumericValue s;
+    if (!load_source(src, &s)) return CS_CONV_DOMAIN;
+    return comn_fixedtobin(&s, sizeof s, destfmt, dest, destlen);
+}
+
+COMN_API int32_t comn_numtovarbin(ComContext *, DataFormat *, void *src, DataFormat *destfmt,
+                                  void *dest, int32_t *destlen) {
+    NumericValue s;
+    if (!load_source(src, &s)) return CS_CONV_DOMAIN;
+    return comn_fixedtovarbin(&s, sizeof s, destfmt, dest, destlen);
+}
+
+COMN_API int32_t comn_numtonum(ComContext *, DataFormat *, void *src, DataFormat *destfmt,
+                               void *dest, int32_t *destlen) {
+    NumericValue s;
+    if (!load_source(src, &s)) return CS_CONV_DOMAIN;
     *destlen = static_cast<int32_t>(sizeof(NumericValue));
     const int32_t prec = destfmt->precision == CS_SRC_VALUE ? s.precision : destfmt->precision;
     if (prec < 1 || prec > CS_MAX_PREC) return CS_CONV_PRECISION;
@@ -28,10 +128,12 @@ extern "C" int32_t comn_numtonum(ComContext *, DataFormat *, void *src, DataForm
     auto *d = static_cast<NumericValue *>(dest);
     d->precision = static_cast<uint8_t>(prec);
     d->scale = static_cast<uint8_t>(scale);
-    const ExactNumericRef from{comn_num_getlen(s.precision), s.precision, s.scale, s.array};
+    const ExactNumericRef from = view(s);
     ExactNumericRef to{comn_num_getlen(prec), d->precision, d->scale, d->array};
     if (com__exctnume_copy(&from, &to)) return CS_CONV_OVERFLOW;
     const int32_t rc = com__exctnume_scale(&to, nullptr, scale - s.scale);
     if (rc == 1 || com__exctnume_checkprecision(&to)) return CS_CONV_OVERFLOW;
     return rc == 6 ? CS_CONV_TRUNCATED : CS_SUCCEED;
 }
+
+} // extern "C"
