@@ -75,7 +75,9 @@ def env_for(home, extra):
 
 
 def resolve(arg):
-    return arg.replace('@data', DATA).replace('@ex', EXAMPLES)
+    """Paths relative to this folder, where the tool runs, so that messages naming them are the
+    same on every machine."""
+    return arg.replace('@data', 'data').replace('@ex', os.path.relpath(EXAMPLES, HERE))
 
 
 def run_golden(tool, home, update):
@@ -83,9 +85,9 @@ def run_golden(tool, home, update):
     for name, args, stdin, extra, status in CASES:
         src = None
         if stdin:
-            src = open(resolve(stdin) if stdin.startswith('@') else os.path.join(DATA, stdin), 'rb')
+            src = open(os.path.join(HERE, resolve(stdin) if stdin.startswith('@') else os.path.join('data', stdin)), 'rb')
         p = subprocess.run([tool] + [resolve(a) for a in args], stdin=src or subprocess.DEVNULL,
-                           capture_output=True, env=env_for(home, extra))
+                           capture_output=True, env=env_for(home, extra), cwd=HERE)
         if src:
             src.close()
         paths = [os.path.join(EXPECTED, name + ext) for ext in ('.out', '.err')]
