@@ -52,11 +52,11 @@ def same(a, b):
 
 
 def make_file(path, block, size):
+    """Whole copies of block up to size, so that no character is cut at the end."""
     with open(path, 'wb') as f:
-        left = size
-        while left > 0:
-            f.write(block[:left])
-            left -= len(block)
+        for _ in range(max(size // len(block), 1)):
+            f.write(block)
+    return os.path.getsize(path)
 
 
 def cp850_block(rng):
@@ -99,7 +99,7 @@ def xlate_rows(tool, tmp, size, env):
         print('utf8 -> sjis: not measured, the installation home has no utf8 set')
     for f, t, icf, ict, block in pairs:
         src = os.path.join(tmp, 'in.' + f)
-        make_file(src, block(rng), size)
+        real = make_file(src, block(rng), size)
         ours, theirs = os.path.join(tmp, 'ours'), os.path.join(tmp, 'theirs')
         ours_cmd, iconv_cmd = [tool, 'xlate', '--quiet', '-f', f, '-t', t], ['iconv', '-f', icf, '-t', ict]
         best_of(ours_cmd, src, ours, runs=1)
@@ -110,7 +110,7 @@ def xlate_rows(tool, tmp, size, env):
         b = best_of(iconv_cmd, src, os.devnull)
         b_cpu = CPU['iconv']
         c = best_of(['cat'], src, os.devnull)
-        mib = size / (1 << 20)
+        mib = real / (1 << 20)
         rows.append('xlate %-6s -> %-6s %4.0f MiB: comconv %6.0f MiB/s (cpu %6.0f)  iconv %5.0f MiB/s (cpu %5.0f)'
                     '  %.2fx, %s; cat %5.0f MiB/s'
                     % (f, t, mib, mib / a, mib / max(a_cpu, 1e-9), mib / b, mib / max(b_cpu, 1e-9),

@@ -1,9 +1,13 @@
 // comconv xlate: translates files between character sets through com_intl_xlate, a buffer at a
-// time. A character cut by the end of a buffer is left by the library (its consumed count
-// stops before it) and carried to the front of the next one, so memory stays constant and no
-// character is ever split. A buffer whose translation reports a character without counterpart
-// is translated again in halves down to single characters, to count those characters and, with
-// -c, to leave them out.
+// time. A character cut by the end of a buffer is carried to the front of the next one, so
+// memory stays constant and no character is ever split: the library's consumed count stops
+// before such a character, and where a converter reads it as one without counterpart instead,
+// the span is cut back to whole characters (comn_whole_char over the source set; a utf8 span
+// is cut before it is translated, from its last bytes). A buffer
+// whose translation reports a character without counterpart is translated again in halves, on
+// character boundaries, down to single characters, to count those characters and, with -c, to
+// leave them out.
+#include <algorithm>
 #include <cstring>
 #include <vector>
 
@@ -34,7 +38,7 @@ constexpr const char *kUsage =
 constexpr size_t kChunk = 256 * 1024; // input bytes per translation call
 constexpr size_t kCarry = 16;         // room for a cut character carried over
 constexpr size_t kGrowth = 4;         // output room per input byte: utf8 needs up to 3
-constexpr int32_t kSplitBelow = 32;   // bytes under which a bad span goes character by character
+constexpr int32_t kSplitBelow = 32;   // bytes under which a bad span goes a character at a time
 
 class Translator {
   public:
@@ -43,6 +47,8 @@ class Translator {
         src_.datatype = dst_.datatype = CS_CHAR;
         src_.locale = from;
         dst_.locale = to;
+        attr_ = com_intl_charattr(&ctx, &src_);
+        utf8_ = attr_->namelen == 4 && std::memcmp(attr_->name, "utf8", 4) == 0;
     }
 
     // Translates s[0..n) and writes the result; returns the bytes taken, which stop before a
@@ -50,14 +56,27 @@ class Translator {
     size_t run(const uint8_t *s, size_t n) {
         size_t done = 0;
         while (done < n) {
-            const auto len = static_cast<int32_t>(std::min(n - done, kChunk));
-            Call c = call(s + done, len);
-            if (c.consumed == 0) break; // a cut character: the caller brings the rest
-            if (c.bad)
-                redo(s + done, c.consumed);
-            else
+            auto len = static_cast<int32_t>(std::min(n - done, kChunk));
+            if (utf8_) len = utf8_whole(s + done, len);
+            if (len == 0) break;
+            const Call c = call(s + done, len);
+            if (!c.bad) {
+                if (c.consumed == 0) break; // a cut character: the caller brings the rest
                 out().put(out_buf_.data(), static_cast<size_t>(c.produced));
-            done += static_cast<size_t>(c.consumed);
+                done += static_cast<size_t>(c.consumed);
+                continue;
+            }
+            // Some character had no counterpart, or the converter read a character that the
+            // span cuts as one without counterpart: whole characters are done here, a cut one
+            // is left to the caller.
+            const int32_t whole = whole_prefix(s + done, len);
+            if (whole == 0) break;
+            const Call w = whole < len ? call(s + done, whole) : c;
+            if (w.bad || w.consumed != whole)
+                redo(s + done, whole);
+            else
+                out().put(out_buf_.data(), static_cast<size_t>(w.produced));
+            done += static_cast<size_t>(whole);
         }
         return done;
     }
@@ -87,36 +106,60 @@ class Translator {
         return {state[0], outlen, rc == CS_CONV_BADXLT};
     }
 
-    // s[0..n) holds whole characters, some without counterpart: halve until the spans are
-    // small, then take one character at a time (the shortest prefix the library consumes).
+    // UTF-8 finds its character boundaries from the end: the length of s[0..n) without a
+    // character that its last bytes begin and do not finish.
+    static int32_t utf8_whole(const uint8_t *s, int32_t n) {
+        for (int32_t back = 1; back <= 4 && back <= n; ++back) {
+            const uint8_t b = s[n - back];
+            if ((b & 0xC0) == 0x80) continue; // a continuation byte
+            const int32_t need = b < 0xC0 ? 1 : b < 0xE0 ? 2 : b < 0xF0 ? 3 : 4;
+            return need > back ? n - back : n;
+        }
+        return n; // no lead byte in reach: malformed bytes, the converter's to judge
+    }
+
+    // Bytes of s[0..n) that hold whole characters of the source set.
+    int32_t whole_prefix(const uint8_t *s, int32_t n) const {
+        int32_t chars = 0, whole = 0, cut = 0, overrun = 0;
+        const auto *p = reinterpret_cast<const char *>(s);
+        comn_whole_char(attr_, p, p + n, &chars, &whole, &cut, &overrun);
+        return whole;
+    }
+
+    // s[0..n) holds whole characters, some without counterpart: halve on character boundaries
+    // while the spans are long, then take one character at a time.
     void redo(const uint8_t *s, int32_t n) {
         while (n > 0) {
-            if (n >= kSplitBelow) {
-                const Call half = call(s, n / 2); // stops on a character boundary
-                if (half.consumed > 0) {
-                    if (half.bad)
-                        redo(s, half.consumed);
+            const int32_t half = n >= kSplitBelow ? whole_prefix(s, n / 2) : 0;
+            if (half > 0) {
+                const Call h = call(s, half);
+                if (h.consumed == half) {
+                    if (h.bad)
+                        redo(s, half);
                     else
-                        out().put(out_buf_.data(), static_cast<size_t>(half.produced));
-                    s += half.consumed, n -= half.consumed;
+                        out().put(out_buf_.data(), static_cast<size_t>(h.produced));
+                    s += half, n -= half;
                     continue;
                 }
             }
-            Call one;
-            for (int32_t k = 1; k <= n && one.consumed == 0; ++k)
-                one = call(s, k);
-            if (one.consumed == 0) { // cannot happen for whole characters; never loop
-                one.consumed = n, one.produced = 0, one.bad = true;
-            }
-            if (one.bad) ++bad_;
-            if (!one.bad || !drop_) out().put(out_buf_.data(), static_cast<size_t>(one.produced));
-            s += one.consumed, n -= one.consumed;
+            const int32_t k =
+                std::min(std::max(comn_char_width(attr_, reinterpret_cast<const char *>(s)), 1), n);
+            const Call one = call(s, k);
+            const bool whole = one.consumed == k; // else a malformed character the set cuts
+            if (one.bad || !whole) ++bad_;
+            if (!drop_ && !whole)
+                out().put('?');
+            else if (!drop_ || !one.bad)
+                out().put(out_buf_.data(), static_cast<size_t>(one.produced));
+            s += k, n -= k;
         }
     }
 
     ComContext &ctx_;
     bool drop_;
     DataFormat src_{}, dst_{};
+    const CharAttrib *attr_ = nullptr; // the source set's, for character lengths
+    bool utf8_ = false;
     std::vector<uint8_t> out_buf_;
     unsigned long long bad_ = 0;
 };

@@ -156,15 +156,20 @@ def run_stream(tool, home):
         parts.append(jis_kanji(rng, rng.randint(1, 400)))
         parts.append(rng.choice(['', ' ', 'x', '\n', 'ab']))
     text = ''.join(parts)
-    sjis, euc = text.encode('shift_jis'), text.encode('euc_jp')
+    sjis, euc, utf8 = text.encode('shift_jis'), text.encode('euc_jp'), text.encode('utf-8')
     ok = True
     with tempfile.TemporaryDirectory() as tmp:
         path = os.path.join(tmp, 'big.sjis')
         with open(path, 'wb') as f:
             f.write(sjis)
-        for args, data, want in ((['-f', 'sjis', '-t', 'eucjis', path], None, euc),
-                                 (['-f', 'eucjis', '-t', 'sjis'], euc, sjis),
-                                 (['-f', 'eucjis', '-t', 'deckanji'], euc, None)):
+        runs = [(['-f', 'sjis', '-t', 'eucjis', path], None, euc),
+                (['-f', 'eucjis', '-t', 'sjis'], euc, sjis),
+                (['-f', 'eucjis', '-t', 'deckanji'], euc, None)]
+        sets = subprocess.run([tool, 'xlate', '-l'], capture_output=True, env=env_for(home, {}))
+        if b'utf8' in sets.stdout.split():  # three-byte characters straddle the boundaries too
+            runs += [(['-f', 'sjis', '-t', 'utf8', path], None, utf8),
+                     (['-f', 'utf8', '-t', 'eucjis'], utf8, euc)]
+        for args, data, want in runs:
             p = subprocess.Popen([tool, 'xlate'] + args, stdin=subprocess.PIPE if data else None,
                                  stdout=subprocess.PIPE, stderr=subprocess.PIPE,
                                  env=env_for(home, {}))
