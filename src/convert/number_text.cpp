@@ -18,6 +18,7 @@
 // not even that is written.
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstring>
 
 #include "comnlib/convert.h"
@@ -27,7 +28,7 @@ namespace {
 
 constexpr int32_t kVarRoom = 256;  // text bytes of a CS_VARCHAR
 constexpr int32_t kVarFrame = 258; // its length word and text
-constexpr int kTextMax = 32;       // "-2.2250738585072014e-308" is the longest, 24 bytes
+constexpr int kTextMax = 48;       // "-2.2250738585072014e-308" is the longest text, 24 bytes
 
 template <typename T>
 T load(const void *p) {
@@ -40,42 +41,51 @@ int32_t int_text(long v, char *out) {
     return static_cast<int32_t>(std::to_chars(out, out + kTextMax, v).ptr - out);
 }
 
-int32_t float_text(double v, char *out) {
+// Writes the text at buf + 1 or buf + 2 and points *text at it. Whether the text will hold a
+// point or an exponent follows from the value, without a scan: "%.17g" prints a value in
+// fixed notation, without a point once trailing zeros go, exactly when it is an integer
+// below 1e17 in magnitude (a double that is not an integer lies farther from every integer
+// than 17 significant digits can hide); NaN and the infinities have neither either.
+int32_t float_text(double v, char *buf, const char **text) {
     if (v == 0) v = 0.0; // -0.0 prints as 0.0
-    auto *end = std::to_chars(out, out + kTextMax, v, std::chars_format::general, 17).ptr;
-    int32_t n = static_cast<int32_t>(end - out);
-    if (n >= 2 && out[0] == '0' && out[1] == '.') {
-        std::memmove(out, out + 1, static_cast<size_t>(n - 1));
-        --n;
+    char *out = buf + 1;
+    char *end = std::to_chars(out, buf + kTextMax - 2, v, std::chars_format::general, 17).ptr;
+    if (out[0] == '0' && out[1] == '.') ++out; // .25, not 0.25
+    if (!std::isfinite(v) || (std::fabs(v) < 1e17 && v == std::trunc(v))) {
+        *end++ = '.';
+        *end++ = '0';
     }
-    if (!std::memchr(out, '.', static_cast<size_t>(n)) &&
-        !std::memchr(out, 'e', static_cast<size_t>(n))) {
-        out[n++] = '.';
-        out[n++] = '0';
-    }
-    return n;
+    *text = out;
+    return static_cast<int32_t>(end - out);
 }
 
-// A source kind: text() writes the value's text and returns its length, or a conversion
-// code (negative) for a value outside its type's domain.
+// A source kind: text() writes the value's text somewhere in buf (kTextMax bytes), points
+// *text at it and returns its length, or a conversion code (negative) for a value outside
+// its type's domain.
 template <typename T>
 struct IntSource {
     static constexpr bool is_bit = false;
-    static int32_t text(const void *src, char *out) { return int_text(load<T>(src), out); }
+    static int32_t text(const void *src, char *buf, const char **text) {
+        *text = buf;
+        return int_text(load<T>(src), buf);
+    }
 };
 
 template <typename T>
 struct FloatSource {
     static constexpr bool is_bit = false;
-    static int32_t text(const void *src, char *out) { return float_text(load<T>(src), out); }
+    static int32_t text(const void *src, char *buf, const char **text) {
+        return float_text(load<T>(src), buf, text);
+    }
 };
 
 struct BitSource {
     static constexpr bool is_bit = true;
-    static int32_t text(const void *src, char *out) {
+    static int32_t text(const void *src, char *buf, const char **text) {
         const uint8_t b = load<uint8_t>(src);
         if (b > 1) return CS_CONV_DOMAIN;
-        out[0] = static_cast<char>('0' + b);
+        buf[0] = static_cast<char>('0' + b);
+        *text = buf;
         return 1;
     }
 };
@@ -96,6 +106,7 @@ int32_t place_in_char(const char *text, int32_t len, DataFormat *destfmt, void *
     const bool nullterm = destfmt->format & CS_FMT_NULLTERM;
     if (m > len || (m == len && !nullterm)) {
         std::memcpy(out, text, static_cast<size_t>(len));
+        if (destfmt->format == 0) return CS_SUCCEED; // nothing to terminate or pad
         return comn__padchar(len, destfmt, dest, destlen);
     }
     if (m < 2) return CS_CONV_OVERFLOW;
@@ -131,8 +142,9 @@ int32_t place_in_varchar(const char *text, int32_t len, void *dest, int32_t *des
 
 template <typename S>
 int32_t to_char(const void *src, DataFormat *destfmt, void *dest, int32_t *destlen) {
-    char text[kTextMax];
-    const int32_t len = S::text(src, text);
+    char buf[kTextMax];
+    const char *text;
+    const int32_t len = S::text(src, buf, &text);
     if (len < 0) return len;
     if constexpr (S::is_bit) return place_bit_in_char(text, destfmt, dest, destlen);
     return place_in_char(text, len, destfmt, dest, destlen);
@@ -140,8 +152,9 @@ int32_t to_char(const void *src, DataFormat *destfmt, void *dest, int32_t *destl
 
 template <typename S>
 int32_t to_varchar(const void *src, void *dest, int32_t *destlen) {
-    char text[kTextMax];
-    const int32_t len = S::text(src, text);
+    char buf[kTextMax];
+    const char *text;
+    const int32_t len = S::text(src, buf, &text);
     if (len < 0) return len;
     return place_in_varchar(text, len, dest, destlen);
 }

@@ -53,29 +53,61 @@ const LocaleHandle *handle_of(const ComContext *ctx, const DataFormat *fmt) {
     return fmt->locale ? fmt->locale : ctx ? ctx->conv.default_locale : nullptr;
 }
 
-// What went into the destination's text area.
-struct Placed {
-    int32_t status; // CS_SUCCEED, CS_CONV_BADXLT, or a failure to return at once
-    int32_t len;    // bytes written
-    bool cut;       // not the whole source
-};
-
-// Puts the source text into out[0..room), translated or copied.
-Placed place(ComContext *ctx, DataFormat *srcfmt, Text s, DataFormat *destfmt, uint8_t *out,
-             int32_t room) {
-    if (s.len == 0 || room <= 0) return {CS_SUCCEED, 0, s.len > 0};
+// Whether text from srcfmt to destfmt is copied (the same handle, or the same character set)
+// rather than translated.
+[[gnu::always_inline]] inline bool copies(ComContext *ctx, DataFormat *srcfmt,
+                                          DataFormat *destfmt) {
+    if (handle_of(ctx, srcfmt) == handle_of(ctx, destfmt)) return true;
     int32_t mode = COM_XLT_MODE_COPY;
-    if (handle_of(ctx, srcfmt) != handle_of(ctx, destfmt))
-        com_intl_will_xlate(ctx, srcfmt, destfmt, &mode);
-    if (mode == COM_XLT_MODE_COPY) {
-        const CharAttrib *attr = com_intl_charattr(ctx, destfmt);
-        const int32_t n =
-            attr->mb_level > 1
-                ? comnb_truncate_chars(attr, reinterpret_cast<const char *>(s.p), s.len, room)
-                : std::min(s.len, room);
-        std::memcpy(out, s.p, static_cast<size_t>(n));
-        return {CS_SUCCEED, n, n < s.len};
+    com_intl_will_xlate(ctx, srcfmt, destfmt, &mode);
+    return mode == COM_XLT_MODE_COPY;
+}
+
+// memcpy for the short values that most columns hold, without a call: two overlapping
+// moves of 8 or 16 bytes cover any length from 8 to 32.
+[[gnu::always_inline]] inline void copy_bytes(uint8_t *out, const uint8_t *in, int32_t n) {
+    struct B16 {
+        uint8_t b[16];
+    };
+    if (n >= 16 && n <= 32) {
+        B16 a, z;
+        std::memcpy(&a, in, 16);
+        std::memcpy(&z, in + n - 16, 16);
+        std::memcpy(out, &a, 16);
+        std::memcpy(out + n - 16, &z, 16);
+    } else if (n >= 8 && n < 16) {
+        uint64_t a, z;
+        std::memcpy(&a, in, 8);
+        std::memcpy(&z, in + n - 8, 8);
+        std::memcpy(out, &a, 8);
+        std::memcpy(out + n - 8, &z, 8);
+    } else {
+        std::memcpy(out, in, static_cast<size_t>(n));
     }
+}
+
+// Copies the longest whole-character prefix of s that fits room bytes into out; returns its
+// length.
+[[gnu::always_inline]] inline int32_t copy_text(ComContext *ctx, Text s, DataFormat *destfmt,
+                                                uint8_t *out, int32_t room) {
+    if (room <= 0) return 0;
+    // No locale at all is the built-in single-byte set.
+    const CharAttrib *attr = handle_of(ctx, destfmt) ? com_intl_charattr(ctx, destfmt) : nullptr;
+    const int32_t n =
+        attr && attr->mb_level > 1
+            ? comnb_truncate_chars(attr, reinterpret_cast<const char *>(s.p), s.len, room)
+            : std::min(s.len, room);
+    copy_bytes(out, s.p, n);
+    return n;
+}
+
+// Translates s into out[0..room). Returns the bytes written; *status is CS_SUCCEED,
+// CS_CONV_BADXLT or a failure to return at once, *taken the source bytes translated.
+int32_t translate(ComContext *ctx, DataFormat *srcfmt, Text s, DataFormat *destfmt, uint8_t *out,
+                  int32_t room, int32_t *status, int32_t *taken) {
+    *status = CS_SUCCEED;
+    *taken = 0;
+    if (room <= 0) return 0;
     // The translation sees plain texts of exactly the source's bytes and the room given.
     DataFormat from = *srcfmt, to = *destfmt;
     from.datatype = to.datatype = CS_CHAR;
@@ -84,48 +116,74 @@ Placed place(ComContext *ctx, DataFormat *srcfmt, Text s, DataFormat *destfmt, u
     int32_t produced = 0, state[2] = {0, 0};
     const int32_t rc =
         com_intl_xlate(ctx, &from, const_cast<uint8_t *>(s.p), &to, out, &produced, state);
-    const int32_t n = std::clamp(produced, 0, room);
-    if (rc == CS_SUCCEED || rc == CS_CONV_OVERFLOW) return {CS_SUCCEED, n, state[0] < s.len};
-    if (rc == CS_CONV_BADXLT) return {rc, n, state[0] < s.len};
-    return {rc, 0, true};
+    *taken = state[0];
+    *status = rc == CS_CONV_OVERFLOW ? CS_SUCCEED : rc; // a short room is the caller's to report
+    if (*status != CS_SUCCEED && *status != CS_CONV_BADXLT) return 0;
+    return std::clamp(produced, 0, room);
+}
+
+// Finishes a char destination holding n bytes of text: terminator and padding for a whole
+// value, terminator only for a cut one.
+[[gnu::always_inline]] inline int32_t finish_char(int32_t n, bool cut, DataFormat *destfmt,
+                                                  uint8_t *out, int32_t *destlen) {
+    *destlen = n;
+    if (cut) {
+        if ((destfmt->format & CS_FMT_NULLTERM) && destfmt->maxlength >= 1) {
+            out[n] = 0;
+            *destlen = n + 1;
+        }
+        return CS_CONV_TRUNCATED;
+    }
+    if (destfmt->format == 0 && destfmt->maxlength >= 0)
+        return CS_SUCCEED; // nothing to terminate or pad, and n <= maxlength
+    const int32_t rc = comn__padchar(n, destfmt, out, destlen);
+    return rc == CS_CONV_OVERFLOW ? CS_CONV_TRUNCATED : rc;
+}
+
+// The room a char destination gives text: all of it, less one byte for a terminator.
+int32_t char_room(const DataFormat *destfmt) {
+    const int32_t m = std::max(destfmt->maxlength, 0);
+    return destfmt->format & CS_FMT_NULLTERM ? m - 1 : m;
+}
+
+[[gnu::noinline]] int32_t translate_to_char(ComContext *ctx, DataFormat *srcfmt, Text s,
+                                            DataFormat *destfmt, uint8_t *out, int32_t *destlen) {
+    int32_t status, taken;
+    const int32_t n = translate(ctx, srcfmt, s, destfmt, out, char_room(destfmt), &status, &taken);
+    if (status != CS_SUCCEED && status != CS_CONV_BADXLT) {
+        *destlen = 0;
+        return status;
+    }
+    const int32_t rc = finish_char(n, taken < s.len, destfmt, out, destlen);
+    return status == CS_CONV_BADXLT ? status : rc;
 }
 
 template <Text (*Source)(const DataFormat *, const void *)>
 int32_t to_char(ComContext *ctx, DataFormat *srcfmt, void *src, DataFormat *destfmt, void *dest,
                 int32_t *destlen) {
     auto *out = static_cast<uint8_t *>(dest);
-    const int32_t m = std::max(destfmt->maxlength, 0);
-    const bool nullterm = destfmt->format & CS_FMT_NULLTERM;
-    const Placed r = place(ctx, srcfmt, Source(srcfmt, src), destfmt, out, nullterm ? m - 1 : m);
-    if (r.status != CS_SUCCEED && r.status != CS_CONV_BADXLT) {
-        *destlen = 0;
-        return r.status;
-    }
-    *destlen = r.len;
-    int32_t rc;
-    if (r.cut) {
-        if (nullterm && m >= 1) {
-            out[r.len] = 0;
-            *destlen = r.len + 1;
-        }
-        rc = CS_CONV_TRUNCATED;
-    } else {
-        rc = comn__padchar(r.len, destfmt, dest, destlen);
-        if (rc == CS_CONV_OVERFLOW) rc = CS_CONV_TRUNCATED;
-    }
-    return r.status == CS_CONV_BADXLT ? r.status : rc;
+    const Text s = Source(srcfmt, src);
+    if (s.len > 0 && !copies(ctx, srcfmt, destfmt))
+        return translate_to_char(ctx, srcfmt, s, destfmt, out, destlen);
+    const int32_t n = copy_text(ctx, s, destfmt, out, char_room(destfmt));
+    return finish_char(n, n < s.len, destfmt, out, destlen);
 }
 
 template <Text (*Source)(const DataFormat *, const void *)>
 int32_t to_varchar(ComContext *ctx, DataFormat *srcfmt, void *src, DataFormat *destfmt, void *dest,
                    int32_t *destlen) {
     auto *out = static_cast<uint8_t *>(dest);
-    const Placed r = place(ctx, srcfmt, Source(srcfmt, src), destfmt, out + 2, kVarRoom);
-    const auto l16 = static_cast<int16_t>(r.len);
+    const Text s = Source(srcfmt, src);
+    int32_t n, status = CS_SUCCEED, taken;
+    if (s.len > 0 && !copies(ctx, srcfmt, destfmt))
+        n = translate(ctx, srcfmt, s, destfmt, out + 2, kVarRoom, &status, &taken);
+    else
+        n = taken = copy_text(ctx, s, destfmt, out + 2, kVarRoom);
+    const auto l16 = static_cast<int16_t>(n);
     std::memcpy(out, &l16, sizeof l16);
     *destlen = kVarFrame;
-    if (r.status != CS_SUCCEED) return r.status;
-    return r.cut ? CS_CONV_TRUNCATED : CS_SUCCEED;
+    if (status != CS_SUCCEED) return status;
+    return taken < s.len ? CS_CONV_TRUNCATED : CS_SUCCEED;
 }
 
 } // namespace
