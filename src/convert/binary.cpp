@@ -93,7 +93,7 @@ int32_t to_varchar(Bytes s, DataFormat *, void *dest, int32_t *destlen) {
 int32_t to_bin(Bytes s, DataFormat *destfmt, void *dest, int32_t *destlen) {
     const int32_t m = std::max(destfmt->maxlength, 0);
     const int32_t n = std::min(m, s.len);
-    std::memcpy(dest, s.p, static_cast<size_t>(n));
+    if (n > 0) std::memcpy(dest, s.p, static_cast<size_t>(n)); // an empty value may be null
     *destlen = n;
     if (s.len > m) return CS_CONV_TRUNCATED;
     return comn__padbin(s.len, destfmt, dest, destlen);
@@ -101,7 +101,7 @@ int32_t to_bin(Bytes s, DataFormat *destfmt, void *dest, int32_t *destlen) {
 
 int32_t to_varbin(Bytes s, DataFormat *, void *dest, int32_t *destlen) {
     const int32_t n = std::min(s.len, kVarRoom);
-    std::memcpy(static_cast<uint8_t *>(dest) + 2, s.p, static_cast<size_t>(n));
+    if (n > 0) std::memcpy(static_cast<uint8_t *>(dest) + 2, s.p, static_cast<size_t>(n));
     set_length_word(dest, n);
     *destlen = kVarFrame;
     return n < s.len ? CS_CONV_TRUNCATED : CS_SUCCEED;

@@ -50,7 +50,7 @@ int32_t float_text(double v, char *buf, const char **text) {
     if (v == 0) v = 0.0; // -0.0 prints as 0.0
     char *out = buf + 1;
     char *end = std::to_chars(out, buf + kTextMax - 2, v, std::chars_format::general, 17).ptr;
-    if (out[0] == '0' && out[1] == '.') ++out; // .25, not 0.25
+    if (end - out > 1 && out[0] == '0' && out[1] == '.') ++out; // .25, not 0.25
     if (!std::isfinite(v) || (std::fabs(v) < 1e17 && v == std::trunc(v))) {
         *end++ = '.';
         *end++ = '0';

@@ -36,7 +36,7 @@ struct Text {
 Text char_source(const DataFormat *fmt, const void *src) {
     const auto *p = static_cast<const uint8_t *>(src);
     int32_t len = std::max(fmt->maxlength, 0);
-    if (fmt->format & CS_FMT_NULLTERM) {
+    if ((fmt->format & CS_FMT_NULLTERM) && len > 0) {
         if (const void *z = std::memchr(p, 0, static_cast<size_t>(len)))
             len = static_cast<int32_t>(static_cast<const uint8_t *>(z) - p);
     }
@@ -81,7 +81,7 @@ const LocaleHandle *handle_of(const ComContext *ctx, const DataFormat *fmt) {
         std::memcpy(&z, in + n - 8, 8);
         std::memcpy(out, &a, 8);
         std::memcpy(out + n - 8, &z, 8);
-    } else {
+    } else if (n > 0) { // an empty value may be null
         std::memcpy(out, in, static_cast<size_t>(n));
     }
 }
