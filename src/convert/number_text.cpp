@@ -2,12 +2,12 @@
 // formatter per source kind, one placement per destination kind, and the entry points of
 // COMN_NUMBER_OUTPUT_SOURCES generated from them.
 //
-// Integers print in decimal, a sign only when negative, no padding. Floats (real and float
-// alike, a real from its exact double value) print with 17 significant digits in the
-// shortest of fixed and exponent notation ("%.17g"): every digit is kept on purpose, so 0.1
-// as a real prints as .10000000149011612. Then a leading "0." loses its 0 (.25), and a text
-// with neither a point nor an exponent gains ".0" (3.0; 1e+20 stays). A zero of either sign
-// prints as 0.0. NaN and the infinities follow the same rules (nan.0, -inf.0).
+// Integers print in decimal, a sign only when negative, no padding (as "%ld"). Floats (real and
+// float alike, a real from its exact double value) print with 17 significant digits in the shortest
+// of fixed and exponent notation ("%.17g"): every digit is kept on purpose, so 0.1 as a real prints
+// as .10000000149011612. Then a leading "0." loses its 0 (.25), and a text with neither a point nor
+// an exponent gains ".0" (3.0; 1e+20 stays). A zero of either sign prints as 0.0. NaN and the
+// infinities follow the same rules (nan.0, -inf.0).
 //
 // std::to_chars with the general format and an explicit precision gives exactly the text of
 // "%.17g" (it rounds the exact binary value correctly, as the C library does), without the
@@ -17,6 +17,7 @@
 // asks for) is replaced by "*" and gives CS_CONV_OVERFLOW; with fewer than 2 bytes of room
 // not even that is written.
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -37,8 +38,40 @@ T load(const void *p) {
     return v;
 }
 
-int32_t int_text(long v, char *out) {
-    return static_cast<int32_t>(std::to_chars(out, out + kTextMax, v).ptr - out);
+// "00" to "99": the decimal digits of an integer are written two at a time.
+constexpr std::array<char, 200> make_digit_pairs() {
+    std::array<char, 200> t{};
+    for (int i = 0; i < 100; ++i) {
+        t[2 * i] = static_cast<char>('0' + i / 10);
+        t[2 * i + 1] = static_cast<char>('0' + i % 10);
+    }
+    return t;
+}
+constexpr auto kDigitPairs = make_digit_pairs();
+
+// "%ld": the sign when negative, then the digits. (The library writes integers itself
+// rather than through std::to_chars, whose inline digit table would be exported from the
+// shared library as a unique symbol.)
+int32_t int_text(int32_t v, char *out) {
+    uint32_t u = v < 0 ? 0u - static_cast<uint32_t>(v) : static_cast<uint32_t>(v);
+    int32_t digits = 1;
+    for (uint32_t t = u; t >= 10; t /= 10)
+        ++digits;
+    const int32_t n = digits + (v < 0);
+    char *p = out + n; // digits are written from the last one back
+    while (u >= 100) {
+        p -= 2;
+        std::memcpy(p, &kDigitPairs[2 * (u % 100)], 2);
+        u /= 100;
+    }
+    if (u >= 10) {
+        p -= 2;
+        std::memcpy(p, &kDigitPairs[2 * u], 2);
+    } else {
+        *--p = static_cast<char>('0' + u);
+    }
+    if (v < 0) *--p = '-';
+    return n;
 }
 
 // Writes the text at buf + 1 or buf + 2 and points *text at it. Whether the text will hold a
