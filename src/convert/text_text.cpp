@@ -33,7 +33,7 @@ struct Text {
     int32_t len;
 };
 
-Text char_source(const DataFormat *fmt, const void *src) {
+[[gnu::always_inline]] inline Text char_source(const DataFormat *fmt, const void *src) {
     const auto *p = static_cast<const uint8_t *>(src);
     int32_t len = std::max(fmt->maxlength, 0);
     if ((fmt->format & CS_FMT_NULLTERM) && len > 0) {
@@ -43,13 +43,14 @@ Text char_source(const DataFormat *fmt, const void *src) {
     return {p, len};
 }
 
-Text varchar_source(const DataFormat *, const void *src) {
+[[gnu::always_inline]] inline Text varchar_source(const DataFormat *, const void *src) {
     int16_t len;
     std::memcpy(&len, src, sizeof len);
     return {static_cast<const uint8_t *>(src) + sizeof len, std::clamp<int32_t>(len, 0, kVarRoom)};
 }
 
-const LocaleHandle *handle_of(const ComContext *ctx, const DataFormat *fmt) {
+[[gnu::always_inline]] inline const LocaleHandle *handle_of(const ComContext *ctx,
+                                                            const DataFormat *fmt) {
     return fmt->locale ? fmt->locale : ctx ? ctx->conv.default_locale : nullptr;
 }
 
@@ -163,7 +164,7 @@ int32_t to_char(ComContext *ctx, DataFormat *srcfmt, void *src, DataFormat *dest
                 int32_t *destlen) {
     auto *out = static_cast<uint8_t *>(dest);
     const Text s = Source(srcfmt, src);
-    if (s.len > 0 && !copies(ctx, srcfmt, destfmt))
+    if (s.len > 0 && !copies(ctx, srcfmt, destfmt)) [[unlikely]]
         return translate_to_char(ctx, srcfmt, s, destfmt, out, destlen);
     const int32_t n = copy_text(ctx, s, destfmt, out, char_room(destfmt));
     return finish_char(n, n < s.len, destfmt, out, destlen);
