@@ -182,6 +182,47 @@ COMN_API int32_t comn_get_datetochar_fmt(ComContext *ctx, DataFormat *fmt);
 
 /* ---- Text and binary output conversions ---- */
 
+/* Numbers to text, varchar, binary and varbinary: comn_<src>tochar, comn_<src>tovarchar,
+   comn_<src>tobin and comn_<src>tovarbin for each source below. */
+#define COMN_NUMBER_OUTPUT_SOURCES(X) X(i1) X(i2) X(i4) X(flt4) X(flt8) X(bit)
+#define COMN_DECLARE_NUMBER_OUTPUT_(s)                                                             \
+    COMN_DECLARE_CONV_(comn_##s##tochar)                                                           \
+    COMN_DECLARE_CONV_(comn_##s##tovarchar)                                                        \
+    COMN_DECLARE_CONV_(comn_##s##tobin) COMN_DECLARE_CONV_(comn_##s##tovarbin)
+COMN_NUMBER_OUTPUT_SOURCES(COMN_DECLARE_NUMBER_OUTPUT_)
+
+/* Binary and varbinary sources: to text as lowercase hexadecimal, to the binary types as
+   bytes, and into the fixed types as the value's own host-order image. */
+#define COMN_BINARY_SOURCES(X) X(bin) X(varbin)
+/* clang-format off */
+#define COMN_BINARY_DESTS(X)                                                                 \
+    X(char) X(bin) X(varchar) X(varbin) X(i1) X(i2) X(i4) X(flt4) X(flt8) X(bit)             \
+    X(datetime) X(date4) X(money) X(mny4) X(num)
+/* clang-format on */
+#define COMN_DECLARE_BIN_(d) COMN_DECLARE_CONV_(comn_binto##d)
+#define COMN_DECLARE_VARBIN_(d) COMN_DECLARE_CONV_(comn_varbinto##d)
+COMN_BINARY_DESTS(COMN_DECLARE_BIN_)
+COMN_BINARY_DESTS(COMN_DECLARE_VARBIN_)
+
+/* Text to text, translated between character sets when the two formats' sets differ. */
+COMN_DECLARE_CONV_(comn_chartochar)
+COMN_DECLARE_CONV_(comn_chartovarchar)
+COMN_DECLARE_CONV_(comn_varchartochar)
+COMN_DECLARE_CONV_(comn_varchartovarchar)
+
+struct CharAttrib;
+/* The longest prefix of text[0..length) of at most limit bytes that ends on a character
+   boundary of the set described by attr (null: single-byte). A length below the limit is
+   returned as it is; a limit of 0 or less gives 0. */
+COMN_API int32_t comnb_truncate_chars(const struct CharAttrib *attr, const char *text,
+                                      int32_t length, int32_t limit);
+
+/* The process-wide float format setting. It is kept for callers; the conversions themselves
+   always print floats with 17 significant digits. */
+COMN_API extern int32_t Com__fltfmt;
+COMN_API int32_t com_getfltfmt(void);
+COMN_API int32_t com_setfltfmt(int32_t fltfmt);
+
 COMN_END_DECLS
 
 #endif

@@ -1,0 +1,208 @@
+// Numbers to text and to varchar: tinyint, smallint, int, real, float and bit sources. One
+// formatter per source kind, one placement per destination kind, and the entry points of
+// COMN_NUMBER_OUTPUT_SOURCES generated from them.
+//
+// Integers print in decimal, a sign only when negative, no padding (as "%ld"). Floats (real and
+// float alike, a real from its exact double value) print with 17 significant digits in the shortest
+// of fixed and exponent notation ("%.17g"): every digit is kept on purpose, so 0.1 as a real prints
+// as .10000000149011612. Then a leading "0." loses its 0 (.25), and a text with neither a point nor
+// an exponent gains ".0" (3.0; 1e+20 stays). A zero of either sign prints as 0.0. NaN and the
+// infinities follow the same rules (nan.0, -inf.0).
+//
+// std::to_chars with the general format and an explicit precision gives exactly the text of
+// "%.17g" (it rounds the exact binary value correctly, as the C library does), without the
+// locale and format-string work of printf; the tests hold it against snprintf.
+//
+// A text that does not fit the destination (or leaves no room for the terminator that flag 1
+// asks for) is replaced by "*" and gives CS_CONV_OVERFLOW; with fewer than 2 bytes of room
+// not even that is written.
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+
+#include "comnlib/convert.h"
+
+namespace comn {
+namespace {
+
+constexpr int32_t kVarRoom = 256;  // text bytes of a CS_VARCHAR
+constexpr int32_t kVarFrame = 258; // its length word and text
+constexpr int kTextMax = 48;       // "-2.2250738585072014e-308" is the longest text, 24 bytes
+
+template <typename T>
+T load(const void *p) {
+    T v;
+    std::memcpy(&v, p, sizeof v);
+    return v;
+}
+
+// "00" to "99": the decimal digits of an integer are written two at a time.
+constexpr std::array<char, 200> make_digit_pairs() {
+    std::array<char, 200> t{};
+    for (int i = 0; i < 100; ++i) {
+        t[2 * i] = static_cast<char>('0' + i / 10);
+        t[2 * i + 1] = static_cast<char>('0' + i % 10);
+    }
+    return t;
+}
+constexpr auto kDigitPairs = make_digit_pairs();
+
+// "%ld": the sign when negative, then the digits. (The library writes integers itself
+// rather than through std::to_chars, whose inline digit table would be exported from the
+// shared library as a unique symbol.)
+int32_t int_text(int32_t v, char *out) {
+    uint32_t u = v < 0 ? 0u - static_cast<uint32_t>(v) : static_cast<uint32_t>(v);
+    int32_t digits = 1;
+    for (uint32_t t = u; t >= 10; t /= 10)
+        ++digits;
+    const int32_t n = digits + (v < 0);
+    char *p = out + n; // digits are written from the last one back
+    while (u >= 100) {
+        p -= 2;
+        std::memcpy(p, &kDigitPairs[2 * (u % 100)], 2);
+        u /= 100;
+    }
+    if (u >= 10) {
+        p -= 2;
+        std::memcpy(p, &kDigitPairs[2 * u], 2);
+    } else {
+        *--p = static_cast<char>('0' + u);
+    }
+    if (v < 0) *--p = '-';
+    return n;
+}
+
+// Writes the text at buf + 1 or buf + 2 and points *text at it. Whether the text will hold a
+// point or an exponent follows from the value, without a scan: "%.17g" prints a value in
+// fixed notation, without a point once trailing zeros go, exactly when it is an integer
+// below 1e17 in magnitude (a double that is not an integer lies farther from every integer
+// than 17 significant digits can hide); NaN and the infinities have neither either.
+int32_t float_text(double v, char *buf, const char **text) {
+    if (v == 0) v = 0.0; // -0.0 prints as 0.0
+    char *out = buf + 1;
+    char *end = std::to_chars(out, buf + kTextMax - 2, v, std::chars_format::general, 17).ptr;
+    if (end - out > 1 && out[0] == '0' && out[1] == '.') ++out; // .25, not 0.25
+    if (!std::isfinite(v) || (std::fabs(v) < 1e17 && v == std::trunc(v))) {
+        *end++ = '.';
+        *end++ = '0';
+    }
+    *text = out;
+    return static_cast<int32_t>(end - out);
+}
+
+// A source kind: text() writes the value's text somewhere in buf (kTextMax bytes), points
+// *text at it and returns its length, or a conversion code (negative) for a value outside
+// its type's domain.
+template <typename T>
+struct IntSource {
+    static constexpr bool is_bit = false;
+    static int32_t text(const void *src, char *buf, const char **text) {
+        *text = buf;
+        return int_text(load<T>(src), buf);
+    }
+};
+
+template <typename T>
+struct FloatSource {
+    static constexpr bool is_bit = false;
+    static int32_t text(const void *src, char *buf, const char **text) {
+        return float_text(load<T>(src), buf, text);
+    }
+};
+
+struct BitSource {
+    static constexpr bool is_bit = true;
+    static int32_t text(const void *src, char *buf, const char **text) {
+        const uint8_t b = load<uint8_t>(src);
+        if (b > 1) return CS_CONV_DOMAIN;
+        buf[0] = static_cast<char>('0' + b);
+        *text = buf;
+        return 1;
+    }
+};
+
+using Src_i1 = IntSource<uint8_t>;
+using Src_i2 = IntSource<int16_t>;
+using Src_i4 = IntSource<int32_t>;
+using Src_flt4 = FloatSource<float>;
+using Src_flt8 = FloatSource<double>;
+using Src_bit = BitSource;
+
+// Places a number's text of len bytes into a text destination of M bytes.
+int32_t place_in_char(const char *text, int32_t len, DataFormat *destfmt, void *dest,
+                      int32_t *destlen) {
+    auto *out = static_cast<char *>(dest);
+    const int32_t m = destfmt->maxlength;
+    *destlen = std::max(std::min(m, len), 0);
+    const bool nullterm = destfmt->format & CS_FMT_NULLTERM;
+    if (m > len || (m == len && !nullterm)) {
+        std::memcpy(out, text, static_cast<size_t>(len));
+        if (destfmt->format == 0) return CS_SUCCEED; // nothing to terminate or pad
+        return comn__padchar(len, destfmt, dest, destlen);
+    }
+    if (m < 2) return CS_CONV_OVERFLOW;
+    out[0] = '*';
+    *destlen = 1;
+    comn__padchar(1, destfmt, dest, destlen);
+    return CS_CONV_OVERFLOW;
+}
+
+// A bit always writes its digit where there is room and lets the padding decide; the result
+// length counts only what the destination can hold.
+int32_t place_bit_in_char(const char *text, DataFormat *destfmt, void *dest, int32_t *destlen) {
+    const bool room = destfmt->maxlength > 0;
+    if (room) static_cast<char *>(dest)[0] = text[0];
+    *destlen = room ? 1 : 0;
+    return comn__padchar(1, destfmt, dest, destlen);
+}
+
+int32_t place_in_varchar(const char *text, int32_t len, void *dest, int32_t *destlen) {
+    auto *out = static_cast<char *>(dest);
+    *destlen = kVarFrame;
+    int32_t rc = CS_SUCCEED;
+    if (len > kVarRoom) {
+        text = "*";
+        len = 1;
+        rc = CS_CONV_OVERFLOW;
+    }
+    const auto l16 = static_cast<int16_t>(len);
+    std::memcpy(out, &l16, sizeof l16);
+    std::memcpy(out + sizeof l16, text, static_cast<size_t>(len));
+    return rc;
+}
+
+template <typename S>
+int32_t to_char(const void *src, DataFormat *destfmt, void *dest, int32_t *destlen) {
+    char buf[kTextMax];
+    const char *text;
+    const int32_t len = S::text(src, buf, &text);
+    if (len < 0) return len;
+    if constexpr (S::is_bit) return place_bit_in_char(text, destfmt, dest, destlen);
+    return place_in_char(text, len, destfmt, dest, destlen);
+}
+
+template <typename S>
+int32_t to_varchar(const void *src, void *dest, int32_t *destlen) {
+    char buf[kTextMax];
+    const char *text;
+    const int32_t len = S::text(src, buf, &text);
+    if (len < 0) return len;
+    return place_in_varchar(text, len, dest, destlen);
+}
+
+} // namespace
+} // namespace comn
+
+#define COMN_DEFINE_NUMBER_TEXT_(s)                                                                \
+    extern "C" COMN_API int32_t comn_##s##tochar(ComContext *, DataFormat *, void *src,            \
+                                                 DataFormat *destfmt, void *dest,                  \
+                                                 int32_t *destlen) {                               \
+        return comn::to_char<comn::Src_##s>(src, destfmt, dest, destlen);                          \
+    }                                                                                              \
+    extern "C" COMN_API int32_t comn_##s##tovarchar(ComContext *, DataFormat *, void *src,         \
+                                                    DataFormat *, void *dest, int32_t *destlen) {  \
+        return comn::to_varchar<comn::Src_##s>(src, dest, destlen);                                \
+    }
+COMN_NUMBER_OUTPUT_SOURCES(COMN_DEFINE_NUMBER_TEXT_)

@@ -1,0 +1,180 @@
+// Numbers to text and varchar, against snprintf: "%ld" for the integers and "%.17g" (then the
+// leading-zero drop and the ".0" rule) for floats, over boundary and random values, every
+// maxlength from 0 to past the text and every combination of the three flag bits.
+#include <gtest/gtest.h>
+
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <random>
+#include <vector>
+
+#include "output_model.h"
+
+namespace {
+
+// What a number's text does to a text destination of m bytes: the "*" rule and the flags.
+Outcome model_number(const std::string &text, int32_t m, uint32_t flags) {
+    std::string out(static_cast<size_t>(std::max(m, 0)), kUntouched);
+    const auto l = static_cast<int32_t>(text.size());
+    int32_t len = std::max(std::min(m, l), 0);
+    if (m > l || (m == l && !(flags & CS_FMT_NULLTERM))) {
+        out.replace(0, text.size(), text);
+        const int32_t rc = model_pad(out, l, m, flags, len);
+        return {rc, out, len};
+    }
+    if (m >= 2) {
+        out[0] = '*';
+        model_pad(out, 1, m, flags, len);
+    }
+    return {CS_CONV_OVERFLOW, out, len};
+}
+
+std::string printf_float(double v) {
+    char b[64];
+    std::snprintf(b, sizeof b, "%.17g", v == 0 ? 0.0 : v);
+    std::string s = b;
+    if (s.rfind("0.", 0) == 0) s.erase(0, 1);
+    if (s.find_first_of(".e") == std::string::npos) s += ".0";
+    return s;
+}
+
+std::string printf_int(long v) {
+    char b[32];
+    std::snprintf(b, sizeof b, "%ld", v);
+    return b;
+}
+
+// Every maxlength from -1 to past the text, every flag combination, and the varchar form.
+template <typename T>
+void check_value(ComConvFunc tochar, ComConvFunc tovarchar, int32_t type, T v,
+                 const std::string &text) {
+    DataFormat sf = text_format(type, sizeof(T));
+    for (int32_t m = -1; m <= static_cast<int32_t>(text.size()) + 3; ++m)
+        for (uint32_t flags = 0; flags < 8; ++flags)
+            ASSERT_EQ(run_conv(tochar, nullptr, sf, &v, CS_CHAR, m, flags),
+                      model_number(text, m, flags))
+                << text << " m=" << m << " flags=" << flags;
+    Outcome var = run_conv(tovarchar, nullptr, sf, &v, CS_VARCHAR, 258, 0);
+    int16_t word;
+    std::memcpy(&word, var.bytes.data(), 2);
+    EXPECT_EQ(var.rc, CS_SUCCEED);
+    EXPECT_EQ(var.len, 258);
+    ASSERT_EQ(word, static_cast<int16_t>(text.size()));
+    EXPECT_EQ(var.bytes.substr(2, text.size()), text);
+}
+
+TEST(NumberText, IntegersMatchPrintf) {
+    std::mt19937_64 rng(17);
+    for (int v = 0; v < 256; ++v)
+        check_value<uint8_t>(comn_i1tochar, comn_i1tovarchar, CS_TINYINT, static_cast<uint8_t>(v),
+                             printf_int(v));
+    std::vector<int16_t> i2 = {0, 1, -1, 9, 10, -10, 32767, -32768};
+    std::vector<int32_t> i4 = {0, -1, 99999, -100000, INT32_MAX, INT32_MIN};
+    for (int i = 0; i < 500; ++i) {
+        i2.push_back(static_cast<int16_t>(rng()));
+        i4.push_back(static_cast<int32_t>(rng() >> (rng() % 32)));
+    }
+    for (int16_t v : i2)
+        check_value(comn_i2tochar, comn_i2tovarchar, CS_SMALLINT, v, printf_int(v));
+    for (int32_t v : i4)
+        check_value(comn_i4tochar, comn_i4tovarchar, CS_INT, v, printf_int(v));
+}
+
+std::vector<double> float_values() {
+    const double inf = std::numeric_limits<double>::infinity();
+    std::vector<double> v = {0.0,
+                             -0.0,
+                             0.5,
+                             0.25,
+                             -0.25,
+                             2,
+                             3,
+                             1e20,
+                             1e16,
+                             1e17,
+                             -1e17,
+                             1e-5,
+                             1e-4,
+                             0.1,
+                             123456.5,
+                             inf,
+                             -inf,
+                             std::nan(""),
+                             -std::nan(""),
+                             std::numeric_limits<double>::max(),
+                             std::numeric_limits<double>::min(),
+                             std::numeric_limits<double>::denorm_min(),
+                             -std::numeric_limits<double>::denorm_min()};
+    std::mt19937_64 rng(2026);
+    for (int i = 0; i < 1500; ++i) {
+        uint64_t bits = rng();
+        double d;
+        std::memcpy(&d, &bits, sizeof d);
+        v.push_back(d);
+        v.push_back(
+            std::ldexp(static_cast<double>(rng() % 100000), static_cast<int>(rng() % 80) - 40));
+    }
+    return v;
+}
+
+TEST(NumberText, ToCharsAtPrecision17IsPrintfsText) {
+    for (double d : float_values()) {
+        char a[64], b[64];
+        std::snprintf(a, sizeof a, "%.17g", d);
+        *std::to_chars(b, b + sizeof b, d, std::chars_format::general, 17).ptr = '\0';
+        ASSERT_STREQ(a, b);
+    }
+}
+
+TEST(NumberText, FloatsMatchPrintf) {
+    for (double d : float_values()) {
+        check_value(comn_flt8tochar, comn_flt8tovarchar, CS_FLOAT, d, printf_float(d));
+        const auto f = static_cast<float>(d);
+        check_value(comn_flt4tochar, comn_flt4tovarchar, CS_REAL, f, printf_float(f));
+    }
+    // The shapes the rules are about.
+    EXPECT_EQ(printf_float(0.5), ".5");
+    EXPECT_EQ(printf_float(-0.0), "0.0");
+    EXPECT_EQ(printf_float(1e20), "1e+20");
+    EXPECT_EQ(printf_float(0.1f), ".10000000149011612");
+}
+
+TEST(NumberText, BitDigitsAndDomain) {
+    DataFormat sf = text_format(CS_BIT, 1);
+    for (uint8_t b : {0, 1}) {
+        const std::string digit(1, static_cast<char>('0' + b));
+        for (uint32_t flags = 0; flags < 8; ++flags)
+            for (int32_t m = 0; m <= 4; ++m) {
+                Outcome want = model_number(digit, m, flags);
+                if (m == 1 && (flags & CS_FMT_NULLTERM)) want.bytes = std::string(1, '\0');
+                EXPECT_EQ(run_conv(comn_bittochar, nullptr, sf, &b, CS_CHAR, m, flags), want)
+                    << int(b) << " m=" << m << " flags=" << flags;
+            }
+    }
+    for (int v = 2; v < 256; ++v) {
+        const auto b = static_cast<uint8_t>(v);
+        for (ComConvFunc f : {comn_bittochar, comn_bittovarchar, comn_bittobin, comn_bittovarbin}) {
+            const Outcome o = run_conv(f, nullptr, sf, &b, CS_CHAR, 258, 0);
+            EXPECT_EQ(o.rc, CS_CONV_DOMAIN);
+            EXPECT_EQ(o.bytes, std::string(258, kUntouched));
+        }
+    }
+}
+
+TEST(NumberText, FloatFormatSettingIsKept) {
+    const int32_t before = com_getfltfmt();
+    EXPECT_EQ(com_setfltfmt(42), CS_SUCCEED);
+    EXPECT_EQ(com_getfltfmt(), 42);
+    EXPECT_EQ(Com__fltfmt, 42);
+    // The conversions do not read it.
+    const double v = 0.1;
+    DataFormat sf = text_format(CS_FLOAT, 8);
+    EXPECT_EQ(run_conv(comn_flt8tochar, nullptr, sf, &v, CS_CHAR, 30, 0).bytes.substr(0, 18),
+              ".10000000000000001");
+    com_setfltfmt(before);
+}
+
+} // namespace
