@@ -41,6 +41,10 @@ struct Command {
 };
 
 int version(ComContext &, const comconv::Words &args) {
+    if (args.size() == 1 && (args[0] == "--help" || args[0] == "-h")) {
+        out().put("usage: comconv version\n\nPrints the library's version text and number.\n");
+        return comconv::kOk;
+    }
     if (!args.empty()) {
         comconv::complain("version takes no arguments");
         return comconv::kUsageError;
