@@ -135,7 +135,41 @@ int32_t reduce(const Text &t, char *buf, const CharAttrib *attr) {
     return n;
 }
 
+// Whether the n bytes at p are all below 0x80.
+bool is_ascii(const char *p, int32_t n) {
+    uint64_t acc = 0;
+    int32_t i = 0;
+    for (; i + 8 <= n; i += 8) {
+        uint64_t w;
+        std::memcpy(&w, p + i, 8);
+        acc |= w;
+    }
+    for (; i < n; ++i)
+        acc |= static_cast<uint8_t>(p[i]);
+    return (acc & 0x8080808080808080ull) == 0;
+}
+
 // ---- Floats ----
+
+// Stores a scanned double in a real or float destination; a real is range-tested first.
+template <typename F>
+int32_t store_float(double v, void *dest) {
+    if constexpr (sizeof(F) == 4) {
+        constexpr double kFltMax = std::numeric_limits<float>::max();
+        if (v > kFltMax) {
+            store<float>(dest, std::numeric_limits<float>::max());
+            return CS_CONV_OVERFLOW;
+        }
+        if (v < -kFltMax) {
+            store<float>(dest, std::numeric_limits<float>::lowest());
+            return CS_CONV_OVERFLOW;
+        }
+    }
+    // A text beyond the double range scans as an infinity, which a double destination
+    // stores with CS_SUCCEED.
+    store<F>(dest, static_cast<F>(v));
+    return CS_SUCCEED;
+}
 
 template <typename F>
 int32_t to_float(ComContext *ctx, DataFormat *srcfmt, const Text &t, void *dest, int32_t *destlen) {
@@ -143,6 +177,13 @@ int32_t to_float(ComContext *ctx, DataFormat *srcfmt, const Text &t, void *dest,
     if (t.n > kBuf - 1) {
         *destlen = 0;
         return CS_CONV_SYNTAX;
+    }
+    // Plain ASCII number text reads the same before and after the reduction to ASCII, so the
+    // common case is scanned in place.
+    double v;
+    if (fltscan::scan_plain(t.p, t.p + t.n, &v)) {
+        *destlen = sizeof(F);
+        return store_float<F>(v, dest);
     }
     char buf[kBuf];
     int32_t n = reduce(t, buf, com_intl_charattr(ctx, srcfmt));
@@ -165,21 +206,7 @@ int32_t to_float(ComContext *ctx, DataFormat *srcfmt, const Text &t, void *dest,
         *destlen = 0;
         return CS_CONV_SYNTAX;
     }
-    if constexpr (sizeof(F) == 4) {
-        // The double is tested against the single range before it is rounded to single.
-        if (r.value > kFltMax) {
-            store<float>(dest, std::numeric_limits<float>::max());
-            return CS_CONV_OVERFLOW;
-        }
-        if (r.value < -kFltMax) {
-            store<float>(dest, std::numeric_limits<float>::lowest());
-            return CS_CONV_OVERFLOW;
-        }
-    }
-    // A text beyond the double range scans as an infinity, which a double destination
-    // stores with CS_SUCCEED.
-    store<F>(dest, static_cast<F>(r.value));
-    return CS_SUCCEED;
+    return store_float<F>(r.value, dest);
 }
 
 // ---- Exact numerics ----
@@ -207,16 +234,23 @@ int32_t to_num(ComContext *ctx, DataFormat *srcfmt, void *src, DataFormat *destf
     const CharAttrib *attr = com_intl_charattr(ctx, srcfmt);
     Text t = S::text(srcfmt, src);
     if (S::varchar && attr == nullptr) t.p = S::raw(src);
+    // Plain ASCII text is its own reduction (the sets fold at most the case of ASCII letters,
+    // which the parser does not mind), so it is parsed in place.
     char buf[kBuf];
-    int32_t n = reduce(t, buf, attr);
-    if (srcfmt->format & CS_FMT_NULLTERM) n = static_cast<int32_t>(strnlen(buf, n));
+    const char *text = t.p;
+    int32_t n = std::min(t.n, kBuf - 1);
+    if (!is_ascii(t.p, n)) {
+        n = reduce(t, buf, attr);
+        text = buf;
+    }
+    if (srcfmt->format & CS_FMT_NULLTERM) n = static_cast<int32_t>(strnlen(text, n));
 
     auto *out = static_cast<uint8_t *>(dest);
     out[0] = prec;
     out[1] = scale;
     uint8_t *bytes = out + 2;
     int32_t length = prec == kFromText ? 0 : comn_num_getlen(prec);
-    const int32_t rc = com__subchartoexctnume(buf, n, &bytes, &length, &out[0], &out[1], 0);
+    const int32_t rc = com__subchartoexctnume(text, n, &bytes, &length, &out[0], &out[1], 0);
     // A precision taken from the text leaves the value right-aligned in the area.
     if (bytes != out + 2 && length > 0) std::memmove(out + 2, bytes, static_cast<size_t>(length));
     if (S::varchar) return rc == 1 || rc == 2 || rc == 6 ? CS_CONV_OVERFLOW : CS_SUCCEED;

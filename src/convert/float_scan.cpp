@@ -62,4 +62,21 @@ Result scan(const char *text, size_t len) {
     return slow(text);
 }
 
+bool scan_plain(const char *p, const char *end, double *value) {
+    while (p < end && *p == ' ')
+        ++p;
+    while (end > p && end[-1] == ' ')
+        --end;
+    const char *q = p;
+    if (q < end && (*q == '+' || *q == '-')) ++q;
+    if (q == end || !(digit(*q) || *q == '.') ||
+        (q[0] == '0' && end - q > 1 && (q[1] | 0x20) == 'x'))
+        return false;
+    double v = 0;
+    const auto r = std::from_chars(q, end, v, std::chars_format::general);
+    if (r.ec != std::errc() || r.ptr != end || v == 0 || v - v != 0) return false;
+    *value = *p == '-' ? -v : v;
+    return true;
+}
+
 } // namespace comn::fltscan

@@ -18,4 +18,9 @@ struct Result {
 // would set it.
 Result scan(const char *text, size_t len);
 
+// The common case without a copy: [p, end) is blanks, an optional sign, a decimal number and
+// blanks, and the number's value is finite and not zero. Gives that value and true; false
+// when the text needs the full scan. Needs no zero byte after the text.
+bool scan_plain(const char *p, const char *end, double *value);
+
 } // namespace comn::fltscan

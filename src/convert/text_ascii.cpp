@@ -50,6 +50,24 @@ COMN_API int32_t com__conv2ascii(const char *src, int32_t srclen, char *dest, in
     const auto *p = reinterpret_cast<const uint8_t *>(src);
     const uint8_t *const end = p + srclen;
     auto *out = reinterpret_cast<uint8_t *>(dest);
+    if (attr == nullptr || attr->widthmap == nullptr) {
+        // A single-byte set: one table lookup per byte, a byte without an equivalent kept.
+        const int32_t n = std::min(srclen, destcap);
+        const uint8_t *map = attr == nullptr             ? nullptr
+                             : attr->asciimap != nullptr ? attr->asciimap
+                             : attr->typemap != nullptr  ? attr->typemap + 1
+                                                         : nullptr;
+        const size_t stride = attr != nullptr && attr->asciimap == nullptr ? 4 : 1;
+        if (map == nullptr) {
+            std::memcpy(out, p, static_cast<size_t>(n));
+            return n;
+        }
+        for (int32_t i = 0; i < n; ++i) {
+            const uint8_t e = map[stride * p[i]];
+            out[i] = e != 0 ? e : p[i];
+        }
+        return n;
+    }
     int32_t n = 0;
     while (p < end && n < destcap) {
         const int32_t avail = static_cast<int32_t>(end - p);
