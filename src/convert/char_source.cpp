@@ -243,7 +243,8 @@ int32_t to_num(ComContext *ctx, DataFormat *srcfmt, void *src, DataFormat *destf
         n = reduce(t, buf, attr);
         text = buf;
     }
-    if (srcfmt->format & CS_FMT_NULLTERM) n = static_cast<int32_t>(strnlen(text, n));
+    if ((srcfmt->format & CS_FMT_NULLTERM) && n > 0)
+        n = static_cast<int32_t>(strnlen(text, static_cast<size_t>(n)));
 
     auto *out = static_cast<uint8_t *>(dest);
     out[0] = prec;

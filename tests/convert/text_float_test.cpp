@@ -196,13 +196,11 @@ struct Gen {
     std::string next() {
         static const char *const lead[] = {"", "", "", " ", "  ", "\t", "\n \r\v\f", "\x0e"};
         static const char *const sign[] = {"", "", "", "-", "+", "--", "+-", "- "};
-        static const char *const tail[] = {
-            "",   "",  "",   "",  " ",  "   ", "\t", "\x0e", "\xa0",
-            "x",  "e", "e+", ".", ".5", "d",   "f",  "L",    std::string("\0", 1).c_str(),
-            "1 1"};
+        static const char *const tail[] = {"",  "",  "",   "",  " ",  "   ", "\t", "\x0e", "\xa0",
+                                           "x", "e", "e+", ".", ".5", "d",   "f",  "L",    "1 1"};
         std::string s = number();
         if (pick(4) == 0) s = std::string(lead[pick(8)]) + sign[pick(8)] + s;
-        if (pick(4) == 0) s += pick(19) == 17 ? std::string(1, '\0') + "9" : tail[pick(19)];
+        if (pick(4) == 0) s += pick(19) == 18 ? std::string(1, '\0') + "9" : tail[pick(18)];
         return s;
     }
 };
