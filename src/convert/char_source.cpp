@@ -101,6 +101,13 @@ struct D_bit {
     }
 };
 
+// Text that is not plain ASCII: the full scan through the source's character set, kept out
+// of line so that the plain path stays small.
+[[gnu::noinline]] int32_t scan_with_attributes(ComContext *ctx, DataFormat *srcfmt, const Text &t,
+                                               int32_t *v) {
+    return com__chtoi4_mb(t.p, t.n, v, com_intl_charattr(ctx, srcfmt));
+}
+
 template <typename S, typename D>
 int32_t to_integer(ComContext *ctx, DataFormat *srcfmt, void *src, void *dest, int32_t *destlen) {
     const Text t = S::text(srcfmt, src);
@@ -108,8 +115,8 @@ int32_t to_integer(ComContext *ctx, DataFormat *srcfmt, void *src, void *dest, i
     const auto *p = reinterpret_cast<const uint8_t *>(t.p);
     int32_t v = 0;
     int32_t rc = intscan::scan_ascii(p, p + t.n, &v);
-    if (rc == intscan::kUndecided)
-        rc = com__chtoi4_mb(t.p, t.n, &v, com_intl_charattr(ctx, srcfmt));
+    if (rc == intscan::kUndecided) [[unlikely]]
+        rc = scan_with_attributes(ctx, srcfmt, t, &v);
     rc = D::finish(rc, v, dest);
     if (rc == intscan::kSyntax) {
         *destlen = 0;
