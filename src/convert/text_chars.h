@@ -18,7 +18,7 @@ inline int32_t char_len(const CharAttrib *a, uint8_t b) {
 }
 
 // The ASCII equivalent of the character of len bytes at p (all len bytes readable), 0 when
-// it has none.
+// it has none. In a single-byte set the ASCII map's entry for the byte is the equivalent.
 inline uint8_t ascii_of(const CharAttrib *a, const uint8_t *p, int32_t len) {
     if (a == nullptr) return p[0];
     if (a->asciimap != nullptr) {
@@ -27,7 +27,7 @@ inline uint8_t ascii_of(const CharAttrib *a, const uint8_t *p, int32_t len) {
         return page != 0 ? a->asciimap[256 * page + p[1]] : 0;
     }
     if (a->typemap != nullptr) return a->typemap[4 * p[0] + 1];
-    return p[0];
+    return len == 1 ? p[0] : 0; // without tables a longer character is kept whole
 }
 
 // Whether the character of len bytes at p is white space in the set. A lead byte's entry is

@@ -332,3 +332,66 @@ TEST(TextInput, EmptyAndNegativeLengthSources) {
 }
 
 } // namespace
+
+namespace {
+
+// A hand-made attribute record: 0x81 leads a two-byte character; the ASCII map (when given)
+// knows 0x81 0x60 as 'Q' and maps 'a' to 'A'; the type map's lower-case byte of 0x81 is 'q'.
+struct FakeSet {
+    uint8_t width[256], ascii[512] = {}, types[1024] = {};
+    CharAttrib attr{};
+    FakeSet(bool with_width, bool with_ascii, bool with_types) {
+        std::memset(width, 0x11, sizeof width);
+        width[0x81] = 0x22;
+        ascii['a'] = 'A';
+        ascii[0x81] = 1;
+        ascii[256 + 0x60] = 'Q';
+        types[4 * 0x81 + 1] = 'q';
+        types[4 * 'b' + 1] = 'B';
+        attr.widthmap = with_width ? width : nullptr;
+        attr.asciimap = with_ascii ? ascii : nullptr;
+        attr.typemap = with_types ? types : nullptr;
+    }
+};
+
+TEST(ConvToAscii, ReadsEachKindOfTable) {
+    const std::string text = "ab\x81\x60z\x81\x61";
+    struct {
+        bool width, ascii, types;
+        int32_t capacity;
+        std::string want;
+    } cases[] = {
+        {true, true, true, 64,
+         "Ab"
+         "Q"
+         "z\x81\x61"}, // ASCII map; 81 61 has no equivalent
+        {true, false, true, 64,
+         "aB"
+         "q"
+         "zq"},                         // type map's lower-case byte
+        {true, false, false, 64, text}, // no table: bytes as they are
+        {false, true, true, 64,
+         "Ab\x01`z\x01"
+         "A"}, // single-byte: the entry is the byte
+        {false, false, true, 64, "aBq`zqa"},
+        {true, true, true, 3, "AbQ"},
+        {true, true, true, 5, "AbQz"}, // the last character needs two bytes: left out
+    };
+    for (const auto &c : cases) {
+        FakeSet set(c.width, c.ascii, c.types);
+        char out[64];
+        const int32_t n = com__conv2ascii(text.data(), static_cast<int32_t>(text.size()), out,
+                                          c.capacity, &set.attr);
+        EXPECT_EQ(std::string(out, static_cast<size_t>(n)), c.want)
+            << c.width << c.ascii << c.types << " " << c.capacity;
+    }
+    // A lead byte at the end of the source is copied as it is, and nothing past it is read.
+    FakeSet set(true, true, true);
+    char out[8];
+    EXPECT_EQ(com__conv2ascii("1\x81", 2, out, 8, &set.attr), 2);
+    EXPECT_EQ(std::string(out, 2), "1\x81");
+    EXPECT_EQ(com__conv2ascii("12", -1, out, 8, &set.attr), 0);
+    EXPECT_EQ(com__conv2ascii("12", 2, out, 0, &set.attr), 0);
+}
+
+} // namespace
