@@ -5,11 +5,12 @@
 // COMN_TEXT_INPUT_DESTS.
 //
 // The character attributes come from the source format's locale, else the context's default
-// locale, else the built-in "iso_1" record. Integers are scanned a character at a time (plain
-// ASCII text takes a fast path that needs no attributes); floats and exact numerics are first
-// reduced to ASCII in a 1024-byte buffer; money and date text goes to its own parser with the
-// attributes. Every routine writes its result length before its range tests, and resets it to
-// 0 on a syntax error.
+// locale, else the built-in "iso_1" record. Integers are scanned a character at a time;
+// floats and exact numerics are first reduced to ASCII in a 1024-byte buffer; money and date
+// text goes to its own parser with the attributes. Plain ASCII number text reads the same
+// before and after the reduction (every set keeps ASCII, at most folding letter case), so the
+// integer, float and numeric paths scan it in place, without the copy or the attributes. Every
+// routine writes its result length before its range tests, and resets it to 0 on a syntax error.
 //
 // The varchar twin of the exact numeric conversion differs on purpose: it takes no -2562
 // marker in the precision (the 1..77 test fails) and treats a marker scale as an ordinary
@@ -49,7 +50,6 @@ struct CharSource {
         const int32_t n = src != nullptr && fmt->maxlength > 0 ? fmt->maxlength : 0;
         return {static_cast<const char *>(src), n};
     }
-    static const char *raw(const void *src) { return static_cast<const char *>(src); }
 };
 
 struct VarcharSource {
@@ -61,7 +61,6 @@ struct VarcharSource {
         std::memcpy(&word, src, sizeof word);
         return {static_cast<const char *>(src) + 2, std::clamp<int32_t>(word, 0, kMax)};
     }
-    static const char *raw(const void *src) { return static_cast<const char *>(src); }
 };
 
 // ---- Integers and bit ----
@@ -240,7 +239,7 @@ int32_t to_num(ComContext *ctx, DataFormat *srcfmt, void *src, DataFormat *destf
 
     const CharAttrib *attr = com_intl_charattr(ctx, srcfmt);
     Text t = S::text(srcfmt, src);
-    if (S::varchar && attr == nullptr) t.p = S::raw(src);
+    if (S::varchar && attr == nullptr) t.p = static_cast<const char *>(src);
     // Plain ASCII text is its own reduction (the sets fold at most the case of ASCII letters,
     // which the parser does not mind), so it is parsed in place.
     char buf[kBuf];
