@@ -25,11 +25,10 @@ inline int32_t scan_ascii(const uint8_t *p, const uint8_t *end, int32_t *out) {
     const bool neg = *p == '-';
     if (neg || *p == '+') ++p;
     const uint8_t *const first = p;
-    const uint8_t *const stop = end - p > 10 ? p + 10 : end;
-    uint64_t v = 0; // < 10^10
-    while (p < stop && static_cast<uint8_t>(*p - '0') < 10)
-        v = v * 10 + (*p++ - '0');
-    if (p == first || (p < end && static_cast<uint8_t>(*p - '0') < 10)) return kUndecided;
+    uint64_t v = 0; // < 10^10 whenever it is used; a longer run wraps harmlessly
+    for (uint32_t d; p < end && (d = static_cast<uint8_t>(*p - '0')) < 10; ++p)
+        v = v * 10 + d;
+    if (p == first || p - first > 10) return kUndecided;
     while (p < end && *p == ' ')
         ++p;
     if (p != end) return kUndecided;
