@@ -169,7 +169,7 @@ COMN_API int32_t comn_get_datetochar_fmt(ComContext *ctx, DataFormat *fmt);
     X(bit) X(i1) X(i2) X(i4) X(i8) X(flt4) X(flt8) X(num) X(money) X(mny4) X(datetime)    \
     X(date4) X(bin) X(varbin)
 /* clang-format on */
-#define COMN_DECLARE_TEXT_INPUT_(d)                                                        \
+#define COMN_DECLARE_TEXT_INPUT_(d)                                                                \
     COMN_DECLARE_CONV_(comn_charto##d) COMN_DECLARE_CONV_(comn_varcharto##d)
 COMN_TEXT_INPUT_DESTS(COMN_DECLARE_TEXT_INPUT_)
 
