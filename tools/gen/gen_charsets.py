@@ -217,7 +217,9 @@ def gen_multibyte(name, image_id):
                     else:
                         low = enc[1]
             page.append((up, low, lex, bits))
-            folded = unicodedata.normalize("NFKC", ch)
+            # The full-width minus is U+2212 MINUS SIGN, which NFKC keeps as it is; a
+            # number typed in full-width characters still needs it read as "-".
+            folded = "-" if ch == "\u2212" else unicodedata.normalize("NFKC", ch)
             if len(folded) == 1 and 0x20 <= ord(folded) < 0x7F:
                 apage[s] = ord(folded)
                 any_ascii = True
