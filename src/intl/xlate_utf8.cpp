@@ -38,12 +38,6 @@ struct Ucs {
     uint32_t cp; // Ok: its code point
 };
 
-// Eight bytes at p hold only ASCII: the common case of every text, copied as a word.
-inline bool ascii8(const uint8_t *p, uint64_t &w) {
-    std::memcpy(&w, p, sizeof w);
-    return (w & 0x8080808080808080ULL) == 0;
-}
-
 // ---- UTF-8 ----
 
 // The character at p (p[0] >= 80, left >= 1): a code point, or a maximal ill-formed subpart.
@@ -92,6 +86,20 @@ constexpr int utf8_put(uint32_t cp, uint8_t *out) {
     return 4;
 }
 
+// A character's translation to utf8 packed in a word for the fast loop of a little-endian
+// host, which stores the word whole: its UTF-8 bytes in their order (at most three: every
+// character of the other sets is in the Basic Multilingual Plane), their count in bits 24-25
+// and the bytes the character takes in the source in bits 28-29. 0: the careful path decides.
+constexpr bool k_packed = std::endian::native == std::endian::little;
+
+constexpr uint32_t pack(uint32_t cp, uint32_t src_len) {
+    if (cp == 0 || cp > 0xFFFF) return 0;
+    uint8_t b[4]{};
+    const int n = utf8_put(cp, b);
+    return uint32_t{b[0]} | uint32_t{b[1]} << 8 | uint32_t{b[2]} << 16 |
+           static_cast<uint32_t>(n) << 24 | src_len << 28;
+}
+
 // ---- Single-byte sets: Sb_ucs gives bytes 80-FF; the inverse is a two-level table over the
 // Basic Multilingual Plane, a page per high byte of the code point (page 0 is empty). ----
 
@@ -127,8 +135,23 @@ constexpr std::array<SbInverse, Sb_sets> Sb_inverse = [] {
     return all;
 }();
 
+constexpr auto Sb_packed = [] {
+    std::array<std::array<uint32_t, 256>, Sb_sets> all{};
+    for (int s = 0; s < Sb_sets; ++s)
+        for (unsigned b = 0; b < 256; ++b)
+            all[static_cast<size_t>(s)][b] = pack(b < 0x80 ? b : Sb_ucs[s][b - 0x80], 1);
+    return all;
+}();
+
 template <SbSet S>
 struct Sb {
+    static constexpr int pair_len = 1; // bytes of a character that packed() translates
+    static uint32_t packed(const uint8_t *p) {
+        if constexpr (S == Ascii8)
+            return 0;
+        else
+            return Sb_packed[S][p[0]];
+    }
     // Reader: the byte b >= 80.
     static Ucs read(const uint8_t *p, int32_t) {
         if constexpr (S == Ascii8) {
@@ -184,12 +207,27 @@ inline Ucs jis0208(unsigned c1, unsigned c2) { // c1, c2 in A1-FE
     return {cp != 0 ? Ucs::Ok : Ucs::Bad, 2, cp};
 }
 
+constexpr auto Jis0208_packed = [] {
+    std::array<uint32_t, 94 * 94> t{};
+    for (size_t i = 0; i < t.size(); ++i)
+        t[i] = pack(Jis0208_ucs[i], 2);
+    return t;
+}();
+
+inline uint32_t packed0208(unsigned c1, unsigned c2) { // c1, c2 in A1-FE
+    return Jis0208_packed[static_cast<size_t>(jis_index(c1, c2))];
+}
+
 // The code of a code point from 80 in the inverse above.
 inline unsigned jis_code(uint32_t cp) {
     return cp <= 0xFFFF ? Jis_of[cp] : 0;
 }
 
 struct Euc {
+    static constexpr int pair_len = 2;
+    static uint32_t packed(const uint8_t *p) {
+        return jis::euc_byte(p[0]) && jis::euc_byte(p[1]) ? packed0208(p[0], p[1]) : 0;
+    }
     static Ucs read(const uint8_t *p, int32_t left) {
         const unsigned b0 = p[0];
         if (b0 == 0x8E) {
@@ -230,6 +268,8 @@ struct Euc {
 
 // DEC Kanji: the JIS X 0208 pairs of eucjis; no kana, no supplementary plane.
 struct DecKanji {
+    static constexpr int pair_len = 2;
+    static uint32_t packed(const uint8_t *p) { return Euc::packed(p); }
     static Ucs read(const uint8_t *p, int32_t left) {
         if (!jis::euc_byte(p[0])) return {Ucs::Bad, 1, 0};
         if (left < 2) return {Ucs::Cut, 2, 0};
@@ -245,7 +285,27 @@ struct DecKanji {
     }
 };
 
+// The packed translations of Shift-JIS pairs by lead byte (row 0 for any other byte) and
+// second byte: one lookup per character.
+constexpr auto Sjis_rows = jis::table([](unsigned b) {
+    return jis::sjis_lead(b) ? (b <= 0x9F ? b - 0x80 : b - 0xE0 + 0x20) : 0; // [0, 47]
+});
+constexpr auto Sjis_packed = [] {
+    std::array<uint32_t, 48 * 256> t{};
+    for (unsigned s1 = 0; s1 < 256; ++s1)
+        for (unsigned s2 = 0; s2 < 256; ++s2)
+            if (jis::sjis_lead(s1) && jis::sjis_trail(s2)) {
+                unsigned c1 = 0, c2 = 0;
+                jis::sjis_to_jis(s1, s2, c1, c2);
+                t[Sjis_rows[s1] * 256 + s2] =
+                    pack(Jis0208_ucs[static_cast<size_t>(jis_index(c1, c2))], 2);
+            }
+    return t;
+}();
+
 struct Sjis {
+    static constexpr int pair_len = 2;
+    static uint32_t packed(const uint8_t *p) { return Sjis_packed[Sjis_rows[p[0]] * 256U + p[1]]; }
     static Ucs read(const uint8_t *p, int32_t left) {
         const unsigned s1 = p[0];
         if (jis::in(s1, 0xA1, 0xDF)) return {Ucs::Ok, 1, kana_ucs(s1)};
@@ -272,6 +332,49 @@ struct Sjis {
 };
 
 // ---- The two directions ----
+//
+// Each converter runs a fast loop while the text is far from both ends, then finishes with a
+// careful one. The fast loop copies eight bytes at a time and keeps those up to the first
+// byte from 80, whose character it then translates straight into the destination; bytes it
+// stores beyond what it keeps are overwritten by the characters that follow. While 32 source
+// bytes follow the word (8 characters at least, each giving a byte at least) and 24 bytes of
+// room remain, that always happens before the translation ends, so the destination beyond
+// the bytes produced is never touched, and no character can be cut by either end.
+
+constexpr int32_t k_src_margin = 40, k_dst_margin = 24;
+
+// Bytes of ASCII at the start of the word w read from memory; w holds a byte from 80.
+inline int ascii_prefix(uint64_t high_bits) {
+    if constexpr (std::endian::native == std::endian::little)
+        return std::countr_zero(high_bits) >> 3;
+    else
+        return std::countl_zero(high_bits) >> 3;
+}
+
+// The fast loop of both directions: step(i, o) translates the character at src[i] (a byte
+// from 80) into dst[o] and advances both; a run of such characters is stepped through
+// without going back to the word loop.
+template <class Step>
+inline void fast_loop(const uint8_t *src, int32_t n, uint8_t *dst, int32_t m, int32_t &i,
+                      int32_t &o, Step step) {
+    while (i + k_src_margin <= n && o + k_dst_margin <= m) {
+        uint64_t w;
+        std::memcpy(&w, src + i, sizeof w);
+        std::memcpy(dst + o, &w, sizeof w);
+        const uint64_t high = w & 0x8080808080808080ULL;
+        if (high == 0) {
+            i += 8;
+            o += 8;
+            continue;
+        }
+        const int k = ascii_prefix(high);
+        i += k;
+        o += k;
+        do // the characters from 80 that follow, one by one
+            step(i, o);
+        while (src[i] >= 0x80 && i + k_src_margin <= n && o + k_dst_margin <= m);
+    }
+}
 
 // From set From to utf8.
 template <class From>
@@ -280,9 +383,46 @@ int32_t to_utf8(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstlen
     const int32_t n = std::max(srclen, 0), m = std::max(dstlen, 0);
     int32_t i = 0, o = 0;
     bool bad = false, full = false;
-    while (i < n) {
+    // Fast loop: words of ASCII, else four characters in a row, each through its packed
+    // translation. The next character's place depends on the source bytes only, never on a
+    // table, so the lookups of successive characters overlap.
+    while (k_packed && i + k_src_margin <= n && o + k_dst_margin <= m) {
         uint64_t w;
-        if (i + 8 <= n && o + 8 <= m && ascii8(src + i, w)) {
+        std::memcpy(&w, src + i, sizeof w);
+        std::memcpy(dst + o, &w, sizeof w);
+        const uint64_t high = w & 0x8080808080808080ULL;
+        if (high == 0) {
+            i += 8;
+            o += 8;
+            continue;
+        }
+        const int prefix = ascii_prefix(high);
+        i += prefix;
+        o += prefix;
+        for (int k = 0; k < 4; ++k) {
+            const unsigned b0 = src[i];
+            const unsigned hi = b0 >> 7;
+            const uint32_t v = hi ? From::packed(src + i) : (b0 | 1U << 24);
+            if (v == 0) { // a character the careful path below must look at
+                const Ucs c = From::read(src + i, n - i); // never cut here
+                if (c.kind == Ucs::Ok) {
+                    o += utf8_put(c.cp, dst + o);
+                } else {
+                    std::memset(dst + o, '?', c.len);
+                    o += c.len;
+                    bad = true;
+                }
+                i += c.len;
+                break;
+            }
+            std::memcpy(dst + o, &v, sizeof v); // its fourth byte is overwritten later
+            o += static_cast<int32_t>(v >> 24 & 3);
+            i += hi ? From::pair_len : 1;
+        }
+    }
+    while (i < n) {
+        if (uint64_t w; i + 8 <= n && o + 8 <= m &&
+                        (std::memcpy(&w, src + i, sizeof w), (w & 0x8080808080808080ULL) == 0)) {
             std::memcpy(dst + o, &w, sizeof w);
             i += 8;
             o += 8;
@@ -325,9 +465,37 @@ int32_t from_utf8(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstl
     const int32_t n = std::max(srclen, 0), m = std::max(dstlen, 0);
     int32_t i = 0, o = 0;
     bool bad = false, full = false;
+    fast_loop(src, n, dst, m, i, o, [&](int32_t &at, int32_t &to) {
+        // Two- and three-byte characters straight away (E0 and ED need the careful look).
+        const unsigned b0 = src[at], b1 = src[at + 1], b2 = src[at + 2];
+        const bool cont1 = (b1 & 0xC0) == 0x80, cont2 = (b2 & 0xC0) == 0x80;
+        if (b0 >= 0xE1 && b0 <= 0xEF && b0 != 0xED && cont1 && cont2) {
+            if (const int len =
+                    To::put((b0 & 0x0F) << 12 | (b1 & 0x3F) << 6 | (b2 & 0x3F), dst + to)) {
+                at += 3;
+                to += len;
+                return;
+            }
+        } else if (b0 >= 0xC2 && b0 <= 0xDF && cont1) {
+            if (const int len = To::put((b0 & 0x1F) << 6 | (b1 & 0x3F), dst + to)) {
+                at += 2;
+                to += len;
+                return;
+            }
+        }
+        const Ucs c = utf8_read(src + at, n - at);
+        int len = c.kind == Ucs::Ok ? To::put(c.cp, dst + to) : 0;
+        if (len == 0) { // one "?" per character or ill-formed subpart
+            dst[to] = '?';
+            len = 1;
+            bad = true;
+        }
+        at += c.len;
+        to += len;
+    });
     while (i < n) {
-        uint64_t w;
-        if (i + 8 <= n && o + 8 <= m && ascii8(src + i, w)) {
+        if (uint64_t w; i + 8 <= n && o + 8 <= m &&
+                        (std::memcpy(&w, src + i, sizeof w), (w & 0x8080808080808080ULL) == 0)) {
             std::memcpy(dst + o, &w, sizeof w);
             i += 8;
             o += 8;
@@ -345,7 +513,7 @@ int32_t from_utf8(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstl
         uint8_t out[4];
         int len = c.kind == Ucs::Ok ? To::put(c.cp, out) : 0;
         const bool none = len == 0;
-        if (none) { // one "?" per character or ill-formed subpart
+        if (none) {
             out[0] = '?';
             len = 1;
         }
