@@ -303,6 +303,22 @@ constexpr auto Sjis_packed = [] {
     return t;
 }();
 
+// The Shift-JIS bytes of each BMP code point (first byte high; a half-width kana is one byte,
+// 0 none), from the inverse above: one lookup per character.
+constexpr auto Sjis_of = [] {
+    std::array<uint16_t, 0x10000> t{};
+    for (size_t cp = 0x80; cp < t.size(); ++cp) {
+        unsigned c1 = Jis_of[cp] >> 8, c2 = Jis_of[cp] & 0xFF;
+        if (c1 >= 0xA1) {
+            jis::jis_to_sjis(c1, c2);
+            t[cp] = static_cast<uint16_t>(c1 << 8 | c2);
+        } else if (c1 == 0) {
+            t[cp] = static_cast<uint16_t>(c2); // half-width kana, or none
+        }
+    }
+    return t;
+}();
+
 struct Sjis {
     static constexpr int pair_len = 2;
     static uint32_t packed(const uint8_t *p) { return Sjis_packed[Sjis_rows[p[0]] * 256U + p[1]]; }
@@ -317,16 +333,13 @@ struct Sjis {
         return jis0208(c1, c2);
     }
     static int put(uint32_t cp, uint8_t *out) {
-        const unsigned j = jis_code(cp);
-        if (j == 0 || (j >= 0x100 && j < 0x8000)) return 0;
-        if (j < 0x100) {
-            out[0] = static_cast<uint8_t>(j);
-            return 1;
+        const unsigned v = cp <= 0xFFFF ? Sjis_of[cp] : 0;
+        if (v < 0x100) { // a half-width kana byte, or none
+            out[0] = static_cast<uint8_t>(v);
+            return v != 0;
         }
-        unsigned c1 = j >> 8, c2 = j & 0xFF;
-        jis::jis_to_sjis(c1, c2);
-        out[0] = static_cast<uint8_t>(c1);
-        out[1] = static_cast<uint8_t>(c2);
+        out[0] = static_cast<uint8_t>(v >> 8);
+        out[1] = static_cast<uint8_t>(v);
         return 2;
     }
 };
