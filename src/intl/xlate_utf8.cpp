@@ -41,8 +41,17 @@ struct Ucs {
 // ---- UTF-8 ----
 
 // The character at p (p[0] >= 80, left >= 1): a code point, or a maximal ill-formed subpart.
-inline Ucs utf8_read(const uint8_t *p, int32_t left) {
+// Two-byte characters and the three-byte ones whose second byte needs no range test come
+// first, as the text's usual characters.
+[[gnu::always_inline]] inline Ucs utf8_read(const uint8_t *p, int32_t left) {
     const unsigned b0 = p[0];
+    if (left >= 3) {
+        const unsigned b1 = p[1], b2 = p[2];
+        const bool cont1 = (b1 & 0xC0) == 0x80, cont2 = (b2 & 0xC0) == 0x80;
+        if (b0 >= 0xC2 && b0 <= 0xDF && cont1) return {Ucs::Ok, 2, (b0 & 0x1F) << 6 | (b1 & 0x3F)};
+        if (b0 >= 0xE1 && b0 <= 0xEF && b0 != 0xED && cont1 && cont2)
+            return {Ucs::Ok, 3, (b0 & 0x0F) << 12 | (b1 & 0x3F) << 6 | (b2 & 0x3F)};
+    }
     if (b0 < 0xC2 || b0 > 0xF4) return {Ucs::Bad, 1, 0};
     if (left < 2) return {Ucs::Bad, 1, 0};
     const unsigned b1 = p[1];
@@ -479,23 +488,6 @@ int32_t from_utf8(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstl
     int32_t i = 0, o = 0;
     bool bad = false, full = false;
     fast_loop(src, n, dst, m, i, o, [&](int32_t &at, int32_t &to) {
-        // Two- and three-byte characters straight away (E0 and ED need the careful look).
-        const unsigned b0 = src[at], b1 = src[at + 1], b2 = src[at + 2];
-        const bool cont1 = (b1 & 0xC0) == 0x80, cont2 = (b2 & 0xC0) == 0x80;
-        if (b0 >= 0xE1 && b0 <= 0xEF && b0 != 0xED && cont1 && cont2) {
-            if (const int len =
-                    To::put((b0 & 0x0F) << 12 | (b1 & 0x3F) << 6 | (b2 & 0x3F), dst + to)) {
-                at += 3;
-                to += len;
-                return;
-            }
-        } else if (b0 >= 0xC2 && b0 <= 0xDF && cont1) {
-            if (const int len = To::put((b0 & 0x1F) << 6 | (b1 & 0x3F), dst + to)) {
-                at += 2;
-                to += len;
-                return;
-            }
-        }
         const Ucs c = utf8_read(src + at, n - at);
         int len = c.kind == Ucs::Ok ? To::put(c.cp, dst + to) : 0;
         if (len == 0) { // one "?" per character or ill-formed subpart
