@@ -97,16 +97,16 @@ constexpr int utf8_put(uint32_t cp, uint8_t *out) {
 
 // A character's translation to utf8 packed in a word for the fast loop of a little-endian
 // host, which stores the word whole: its UTF-8 bytes in their order (at most three: every
-// character of the other sets is in the Basic Multilingual Plane), their count in bits 24-25
-// and the bytes the character takes in the source in bits 28-29. 0: the careful path decides.
+// character of the other sets is in the Basic Multilingual Plane) and their count in bits
+// 24-25. 0: no character, which the careful path looks at.
 constexpr bool k_packed = std::endian::native == std::endian::little;
 
-constexpr uint32_t pack(uint32_t cp, uint32_t src_len) {
+constexpr uint32_t pack(uint32_t cp) {
     if (cp == 0 || cp > 0xFFFF) return 0;
     uint8_t b[4]{};
     const int n = utf8_put(cp, b);
     return uint32_t{b[0]} | uint32_t{b[1]} << 8 | uint32_t{b[2]} << 16 |
-           static_cast<uint32_t>(n) << 24 | src_len << 28;
+           static_cast<uint32_t>(n) << 24;
 }
 
 // ---- Single-byte sets: Sb_ucs gives bytes 80-FF; the inverse is a two-level table over the
@@ -148,7 +148,7 @@ constexpr auto Sb_packed = [] {
     std::array<std::array<uint32_t, 256>, Sb_sets> all{};
     for (int s = 0; s < Sb_sets; ++s)
         for (unsigned b = 0; b < 256; ++b)
-            all[static_cast<size_t>(s)][b] = pack(b < 0x80 ? b : Sb_ucs[s][b - 0x80], 1);
+            all[static_cast<size_t>(s)][b] = pack(b < 0x80 ? b : Sb_ucs[s][b - 0x80]);
     return all;
 }();
 
@@ -219,7 +219,7 @@ inline Ucs jis0208(unsigned c1, unsigned c2) { // c1, c2 in A1-FE
 constexpr auto Jis0208_packed = [] {
     std::array<uint32_t, 94 * 94> t{};
     for (size_t i = 0; i < t.size(); ++i)
-        t[i] = pack(Jis0208_ucs[i], 2);
+        t[i] = pack(Jis0208_ucs[i]);
     return t;
 }();
 
@@ -307,7 +307,7 @@ constexpr auto Sjis_packed = [] {
                 unsigned c1 = 0, c2 = 0;
                 jis::sjis_to_jis(s1, s2, c1, c2);
                 t[Sjis_rows[s1] * 256 + s2] =
-                    pack(Jis0208_ucs[static_cast<size_t>(jis_index(c1, c2))], 2);
+                    pack(Jis0208_ucs[static_cast<size_t>(jis_index(c1, c2))]);
             }
     return t;
 }();
