@@ -124,6 +124,67 @@ TEST(Utf8Locale, DriverTranslatesBetweenLocales) {
     }
 }
 
+// A handle whose ctype record stands for the set of the given translation id.
+struct IdLocale {
+    CharAttrib attr{};
+    ComCharsetDesc desc{};
+    LocaleRecord rec{};
+    LocaleHandle handle{};
+    explicit IdLocale(uint8_t id) {
+        attr.xlate_id = id;
+        desc.attr = &attr;
+        rec.charset_desc = &desc;
+        handle.ctype = &rec;
+    }
+};
+
+// utf8's row and column of the dispatch, and the converter each cell names: "é" goes out to
+// every set and comes back, or becomes "?" where the set has no é.
+TEST(Utf8Locale, DispatchReachesEverySet) {
+    struct Cell {
+        uint8_t id;
+        int32_t to_mode, from_mode;
+        const char *e_acute; // é in the set, or "?"
+    } cells[] = {
+        {COM_XLT_ASCII8, 3, 2, "?"},
+        {COM_XLT_ISO1, 3, 3, "\xe9"},
+        {COM_XLT_CP850, 3, 3, "\x82"},
+        {COM_XLT_CP437, 3, 3, "\x82"},
+        {COM_XLT_ROMAN8, 3, 3, "\xc5"},
+        {COM_XLT_MAC, 3, 3, "\x8e"},
+        {COM_XLT_EUCJIS, 3, 3, "\x8f\xab\xb1"},
+        {COM_XLT_SJIS, 3, 3, "?"},
+        {COM_XLT_DECKANJI, 3, 3, "?"},
+        {COM_XLT_CASESWAP, 0, 0, ""},
+    };
+    IdLocale utf8(COM_XLT_UTF8);
+    for (const Cell &c : cells) {
+        SCOPED_TRACE(static_cast<int>(c.id));
+        IdLocale other(c.id);
+        DataFormat u{}, o{};
+        u.datatype = o.datatype = CS_CHAR;
+        u.locale = &utf8.handle;
+        o.locale = &other.handle;
+        int32_t to = -1, from = -1;
+        ASSERT_EQ(com_intl_will_xlate(nullptr, &u, &o, &to), CS_SUCCEED);
+        ASSERT_EQ(com_intl_will_xlate(nullptr, &o, &u, &from), CS_SUCCEED);
+        EXPECT_EQ(to, c.to_mode);
+        EXPECT_EQ(from, c.from_mode);
+        if (to == 0) continue;
+        char e[] = "\xc3\xa9", out[8], back[8];
+        int32_t len = -1, back_len = -1, state[2];
+        u.maxlength = 2;
+        o.maxlength = sizeof out;
+        com_intl_xlate(nullptr, &u, e, &o, out, &len, state);
+        EXPECT_EQ(std::string(out, static_cast<size_t>(len)), c.e_acute);
+        o.maxlength = len;
+        u.maxlength = sizeof back;
+        com_intl_xlate(nullptr, &o, out, &u, back, &back_len, state);
+        EXPECT_EQ(std::string(back, static_cast<size_t>(back_len)),
+                  std::string(c.e_acute) == "?" ? "?" : "\xc3\xa9");
+    }
+}
+
 // What the text conversions rely on: whole characters are kept (never cut), and only ASCII
 // reduces to ASCII, so "1é5" or full-width digits never read as a number.
 TEST(Utf8Locale, AttributesKeepCharactersWhole) {
