@@ -301,30 +301,32 @@ constexpr auto Sjis_rows = jis::table([](unsigned b) {
 });
 constexpr auto Sjis_packed = [] {
     std::array<uint32_t, 48 * 256> t{};
-    for (unsigned s1 = 0; s1 < 256; ++s1)
-        for (unsigned s2 = 0; s2 < 256; ++s2)
-            if (jis::sjis_lead(s1) && jis::sjis_trail(s2)) {
-                unsigned c1 = 0, c2 = 0;
-                jis::sjis_to_jis(s1, s2, c1, c2);
-                t[Sjis_rows[s1] * 256 + s2] =
-                    pack(Jis0208_ucs[static_cast<size_t>(jis_index(c1, c2))]);
-            }
+    for (unsigned s1 = 0x81; s1 <= 0xEF; ++s1) {
+        if (!jis::sjis_lead(s1)) continue;
+        for (unsigned s2 = 0x40; s2 <= 0xFC; ++s2) {
+            if (!jis::sjis_trail(s2)) continue;
+            unsigned c1 = 0, c2 = 0;
+            jis::sjis_to_jis(s1, s2, c1, c2);
+            t[Sjis_rows[s1] * 256 + s2] = pack(Jis0208_ucs[static_cast<size_t>(jis_index(c1, c2))]);
+        }
+    }
     return t;
 }();
 
 // The Shift-JIS bytes of each BMP code point (first byte high; a half-width kana is one byte,
-// 0 none), from the inverse above: one lookup per character.
+// 0 none), as the inverse above gives them: one lookup per character. (The tables are built
+// by loops over the characters, not the code points, to keep compile-time work small.)
 constexpr auto Sjis_of = [] {
     std::array<uint16_t, 0x10000> t{};
-    for (size_t cp = 0x80; cp < t.size(); ++cp) {
-        unsigned c1 = Jis_of[cp] >> 8, c2 = Jis_of[cp] & 0xFF;
-        if (c1 >= 0xA1) {
-            jis::jis_to_sjis(c1, c2);
-            t[cp] = static_cast<uint16_t>(c1 << 8 | c2);
-        } else if (c1 == 0) {
-            t[cp] = static_cast<uint16_t>(c2); // half-width kana, or none
-        }
+    for (int i = 0; i < 94 * 94; ++i) { // in the order Jis_of was written, so the same cell wins
+        const unsigned cp = Jis0208_ucs[static_cast<size_t>(i)];
+        if (cp < 0x80) continue;
+        unsigned c1 = 0xA1 + i / 94, c2 = 0xA1 + i % 94;
+        jis::jis_to_sjis(c1, c2);
+        t[cp] = static_cast<uint16_t>(c1 << 8 | c2);
     }
+    for (unsigned b = 0xA1; b <= 0xDF; ++b)
+        t[kana_ucs(b)] = static_cast<uint16_t>(b);
     return t;
 }();
 
@@ -398,6 +400,28 @@ inline void fast_loop(const uint8_t *src, int32_t n, uint8_t *dst, int32_t m, in
     }
 }
 
+// The careful loops' ASCII: copies the ASCII bytes at src[i] that the next word holds and
+// the room takes, exactly; true when it copied a whole word.
+inline bool copy_ascii(const uint8_t *src, int32_t n, uint8_t *dst, int32_t m, int32_t &i,
+                       int32_t &o) {
+    if (i + 8 > n) return false;
+    uint64_t w;
+    std::memcpy(&w, src + i, sizeof w);
+    const uint64_t high = w & 0x8080808080808080ULL;
+    if (high == 0 && o + 8 <= m) {
+        std::memcpy(dst + o, &w, sizeof w);
+        i += 8;
+        o += 8;
+        return true;
+    }
+    const int32_t k = std::min<int32_t>(high == 0 ? 8 : ascii_prefix(high), m - o);
+    for (int32_t j = 0; j < k; ++j)
+        dst[o + j] = src[i + j];
+    i += k;
+    o += k;
+    return false;
+}
+
 // From set From to utf8.
 template <class From>
 int32_t to_utf8(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstlen, int32_t *consumed,
@@ -443,13 +467,7 @@ int32_t to_utf8(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstlen
         }
     }
     while (i < n) {
-        if (uint64_t w; i + 8 <= n && o + 8 <= m &&
-                        (std::memcpy(&w, src + i, sizeof w), (w & 0x8080808080808080ULL) == 0)) {
-            std::memcpy(dst + o, &w, sizeof w);
-            i += 8;
-            o += 8;
-            continue;
-        }
+        if (copy_ascii(src, n, dst, m, i, o)) continue;
         if (src[i] < 0x80) {
             if (o == m) {
                 full = true;
@@ -499,13 +517,7 @@ int32_t from_utf8(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstl
         to += len;
     });
     while (i < n) {
-        if (uint64_t w; i + 8 <= n && o + 8 <= m &&
-                        (std::memcpy(&w, src + i, sizeof w), (w & 0x8080808080808080ULL) == 0)) {
-            std::memcpy(dst + o, &w, sizeof w);
-            i += 8;
-            o += 8;
-            continue;
-        }
+        if (copy_ascii(src, n, dst, m, i, o)) continue;
         if (src[i] < 0x80) {
             if (o == m) {
                 full = true;
