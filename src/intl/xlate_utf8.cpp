@@ -476,6 +476,21 @@ int32_t to_utf8(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstlen
             dst[o++] = src[i++];
             continue;
         }
+        // The usual character through its packed translation, written byte by byte.
+        if (const uint32_t v = k_packed && n - i >= From::pair_len ? From::packed(src + i) : 0;
+            v != 0) {
+            const int32_t len = static_cast<int32_t>(v >> 24 & 3);
+            if (len > m - o) {
+                full = true;
+                break;
+            }
+            dst[o] = static_cast<uint8_t>(v);
+            if (len > 1) dst[o + 1] = static_cast<uint8_t>(v >> 8);
+            if (len > 2) dst[o + 2] = static_cast<uint8_t>(v >> 16);
+            o += len;
+            i += From::pair_len;
+            continue;
+        }
         const Ucs c = From::read(src + i, n - i);
         if (c.kind == Ucs::Cut) break; // left for the next call
         uint8_t out[4];
