@@ -542,7 +542,10 @@ int32_t from_utf8(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstl
             continue;
         }
         const Ucs c = utf8_read(src + i, n - i);
-        uint8_t out[4];
+        // Writers write exactly the bytes they count, so with room for the longest the
+        // character goes straight to the destination.
+        uint8_t spare[4];
+        uint8_t *out = m - o >= 4 ? dst + o : spare;
         int len = c.kind == Ucs::Ok ? To::put(c.cp, out) : 0;
         const bool none = len == 0;
         if (none) {
@@ -553,7 +556,9 @@ int32_t from_utf8(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstl
             full = true;
             break;
         }
-        std::memcpy(dst + o, out, static_cast<size_t>(len));
+        if (out == spare)
+            for (int k = 0; k < len; ++k)
+                dst[o + k] = spare[k];
         bad |= none;
         i += c.len;
         o += len;
