@@ -1,7 +1,9 @@
 // Character set translation against glibc iconv and ICU on the same buffers: 1 MiB of iso_1
 // text to cp850 and 1 MiB of EUC text to Shift-JIS, in one call and in 20-byte calls (a column
-// value at a time; a character cut by a call is carried into the next one). Outputs are
-// checked for agreement once, and consumed by every iteration.
+// value at a time; a character cut by a call is carried into the next one); 1 MiB of French
+// and of Japanese text between utf8 and iso_1, sjis and eucjis, in one call and as values of
+// up to 20 bytes (whole characters) through the driver. Outputs are checked for agreement
+// once, and consumed by every iteration.
 #include <comnlib.h>
 
 #include <benchmark/benchmark.h>
@@ -15,6 +17,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <random>
+#include <string>
 #include <vector>
 
 namespace {
@@ -66,6 +69,82 @@ const Bytes &euc_text() {
         if (t.size() > k_size) t.resize(k_size - 1), t.push_back(' ');
         return t;
     }();
+    return text;
+}
+
+// The text through iconv (the texts below are made of characters both sides know).
+Bytes iconv_bytes(const Bytes &in, const char *to, const char *from) {
+    iconv_t cd = iconv_open(to, from);
+    Bytes out(in.size() * 2 + 16);
+    char *ip = reinterpret_cast<char *>(const_cast<uint8_t *>(in.data()));
+    char *op = reinterpret_cast<char *>(out.data());
+    size_t il = in.size(), ol = out.size();
+    if (iconv(cd, &ip, &il, &op, &ol) == static_cast<size_t>(-1) || il != 0) std::abort();
+    iconv_close(cd);
+    out.resize(out.size() - ol);
+    return out;
+}
+
+// French text in UTF-8: words with their accents (all iso_1 letters), spaces and commas.
+const Bytes &french_utf8() {
+    static const Bytes text = [] {
+        const char *words[] = {
+            "le",      "de",       "la",    "et",      "été",     "à",         "où",     "français",
+            "élève",   "très",     "déjà",  "garçon",  "château", "Noël",      "naïve",  "hôtel",
+            "forêt",   "première", "côté",  "bientôt", "voilà",   "fenêtre",   "reçu",   "même",
+            "être",    "après",    "Éric",  "données", "mémoire", "caractère", "chaîne", "problème",
+            "système", "requête",  "table", "valeur",  "nombre",  "date",      "heure",  "client",
+            "serveur", "colonne",  "ligne", "une",     "pour",    "dans",      "avec",   "sur"};
+        std::mt19937 rng(3);
+        Bytes t;
+        while (t.size() < k_size) {
+            const std::string w = words[rng() % std::size(words)];
+            t.insert(t.end(), w.begin(), w.end());
+            t.push_back(rng() % 12 == 0 ? ',' : ' ');
+        }
+        t.resize(std::min(t.size(), k_size));
+        while (t.back() >= 0x80) // end on an ASCII byte, so on a whole character
+            t.pop_back();
+        return t;
+    }();
+    return text;
+}
+
+// Japanese text in UTF-8: kana and level-1 kanji (rows 4-5 and 16-47 of JIS X 0208, which
+// every translator maps alike), with an ASCII letter, digit or space one time in six.
+const Bytes &japanese_utf8() {
+    static const Bytes text = [] {
+        Bytes euc;
+        std::mt19937 rng(4);
+        while (euc.size() < k_size * 2 / 3) {
+            if (rng() % 6 == 0) {
+                euc.push_back(static_cast<uint8_t>("abcxyz0129 "[rng() % 11]));
+                continue;
+            }
+            const unsigned row = rng() % 3 ? 16 + rng() % 32 : 4 + rng() % 2;
+            const unsigned cell = 1 + rng() % (row == 47 ? 51 : row == 4 ? 83 : row == 5 ? 86 : 94);
+            euc.push_back(static_cast<uint8_t>(0xA0 + row));
+            euc.push_back(static_cast<uint8_t>(0xA0 + cell));
+        }
+        Bytes t = iconv_bytes(euc, "UTF-8", "EUC-JP");
+        t.resize(std::min(t.size(), k_size));
+        while (t.back() >= 0x80) // end on an ASCII byte, so on a whole character
+            t.pop_back();
+        return t;
+    }();
+    return text;
+}
+
+const Bytes &french_iso1() {
+    static const Bytes text = iconv_bytes(french_utf8(), "ISO-8859-1", "UTF-8");
+    return text;
+}
+const Bytes &japanese_sjis() {
+    static const Bytes text = iconv_bytes(japanese_utf8(), "SHIFT_JIS", "UTF-8");
+    return text;
+}
+const Bytes &japanese_euc() {
+    static const Bytes text = iconv_bytes(japanese_utf8(), "EUC-JP", "UTF-8");
     return text;
 }
 
@@ -127,9 +206,76 @@ size_t run_driver(const Bytes &in, Bytes &out, size_t piece, const void *arg) {
     return done;
 }
 
+// Values of up to 20 bytes holding whole characters, as a table's column holds them: the
+// lengths of the values that cut a text, by the byte length of each character of its set.
+using CharLen = int (*)(uint8_t lead);
+int utf8_len(uint8_t b) {
+    return b < 0x80 ? 1 : b < 0xE0 ? 2 : b < 0xF0 ? 3 : 4;
+}
+int sjis_len(uint8_t b) {
+    return (b >= 0x81 && b <= 0x9F) || (b >= 0xE0 && b <= 0xFC) ? 2 : 1;
+}
+int euc_len(uint8_t b) {
+    return b == 0x8F ? 3 : b >= 0x80 ? 2 : 1;
+}
+int byte_len(uint8_t) {
+    return 1;
+}
+
+std::vector<uint32_t> value_lengths(const Bytes &in, CharLen len) {
+    std::vector<uint32_t> lens;
+    size_t start = 0;
+    for (size_t pos = 0; pos < in.size();) {
+        const size_t n = static_cast<size_t>(len(in[pos]));
+        if (pos + n - start > k_piece) {
+            lens.push_back(static_cast<uint32_t>(pos - start));
+            start = pos;
+        }
+        pos += n;
+    }
+    lens.push_back(static_cast<uint32_t>(in.size() - start));
+    return lens;
+}
+
+// A text cut into values, and a pair of sets: what the value runners below take.
+struct Values {
+    const Bytes &(*text)();
+    CharLen len;
+    const void *pair; // a DriverPair or an IconvPair
+    const std::vector<uint32_t> &lengths() const {
+        static std::vector<std::pair<const Bytes *, std::vector<uint32_t>>> cache;
+        for (const auto &c : cache)
+            if (c.first == &text()) return c.second;
+        cache.emplace_back(&text(), value_lengths(text(), len));
+        return cache.back().second;
+    }
+};
+
 Locale k_iso1(COM_XLT_ISO1), k_cp850(COM_XLT_CP850), k_euc(COM_XLT_EUCJIS), k_sjis(COM_XLT_SJIS);
 const DriverPair k_drv_iso1_cp850{&k_iso1, &k_cp850};
 const DriverPair k_drv_euc_sjis{&k_euc, &k_sjis};
+Locale k_utf8(COM_XLT_UTF8);
+
+// Values one at a time through the driver, each a CS_CHAR of its own length.
+size_t run_driver_values(const Bytes &in, Bytes &out, size_t, const void *arg) {
+    const auto *v = static_cast<const Values *>(arg);
+    const auto *p = static_cast<const DriverPair *>(v->pair);
+    DataFormat sf{}, df{};
+    sf.datatype = df.datatype = CS_CHAR;
+    sf.locale = &p->from->handle;
+    df.locale = &p->to->handle;
+    size_t pos = 0, done = 0;
+    for (const uint32_t n : v->lengths()) {
+        sf.maxlength = static_cast<int32_t>(n);
+        df.maxlength = static_cast<int32_t>(out.size() - done);
+        int32_t len, state[2];
+        com_intl_xlate(nullptr, &sf, const_cast<uint8_t *>(in.data() + pos), &df, out.data() + done,
+                       &len, state);
+        pos += n;
+        done += static_cast<size_t>(len);
+    }
+    return done;
+}
 
 struct IconvPair {
     const char *to, *from;
@@ -155,6 +301,27 @@ size_t run_iconv(const Bytes &in, Bytes &out, size_t piece, const void *arg) {
         const char *before = ip;
         iconv(cd, &ip, &il, &op, &ol); // a cut character (EINVAL) waits for the next piece
         if (ip == before) break;
+    }
+    return static_cast<size_t>(op - reinterpret_cast<char *>(out.data()));
+}
+
+// Values one at a time through iconv, opened once.
+size_t run_iconv_values(const Bytes &in, Bytes &out, size_t, const void *arg) {
+    const auto *v = static_cast<const Values *>(arg);
+    static thread_local iconv_t cd = reinterpret_cast<iconv_t>(-1);
+    static thread_local const void *opened = nullptr;
+    if (opened != v->pair) {
+        if (opened) iconv_close(cd);
+        const auto *p = static_cast<const IconvPair *>(v->pair);
+        cd = iconv_open(p->to, p->from);
+        opened = v->pair;
+    }
+    char *ip = reinterpret_cast<char *>(const_cast<uint8_t *>(in.data()));
+    char *op = reinterpret_cast<char *>(out.data());
+    size_t ol = out.size();
+    for (const uint32_t n : v->lengths()) {
+        size_t il = n;
+        iconv(cd, &ip, &il, &op, &ol);
     }
     return static_cast<size_t>(op - reinterpret_cast<char *>(out.data()));
 }
@@ -215,7 +382,7 @@ const IconvPair k_icu_euc_sjis{"Shift_JIS", "EUC-JP"};
 void bench(benchmark::State &state, const Bytes &(*text)(), Translate t, const void *arg,
            size_t piece, const Bytes *expect) {
     const Bytes &in = text();
-    Bytes out(in.size() + 64);
+    Bytes out(in.size() * 2 + 64); // room for text that grows in translation
     size_t n = t(in, out, piece, arg);
     if (expect && (n != expect->size() || !std::equal(expect->begin(), expect->end(), out.begin())))
         state.SkipWithError("output differs from the library's");
@@ -227,8 +394,57 @@ void bench(benchmark::State &state, const Bytes &(*text)(), Translate t, const v
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * in.size()));
 }
 
+// The utf8 pairs: a text of the source set, the library's converter, the same pair for iconv
+// and for the driver, and the character lengths that cut the text into values.
+struct Utf8Case {
+    const char *name;
+    const Bytes &(*text)();
+    ComXlateFunc f;
+    IconvPair iconv;
+    DriverPair driver;
+    CharLen len;
+};
+const Utf8Case k_utf8_cases[] = {
+    {"utf8_to_iso1",
+     french_utf8,
+     com__fou_utf8_to_iso1,
+     {"ISO-8859-1", "UTF-8"},
+     {&k_utf8, &k_iso1},
+     utf8_len},
+    {"iso1_to_utf8",
+     french_iso1,
+     com__fou_iso1_to_utf8,
+     {"UTF-8", "ISO-8859-1"},
+     {&k_iso1, &k_utf8},
+     byte_len},
+    {"utf8_to_sjis",
+     japanese_utf8,
+     com__fou_utf8_to_sjis,
+     {"SHIFT_JIS", "UTF-8"},
+     {&k_utf8, &k_sjis},
+     utf8_len},
+    {"sjis_to_utf8",
+     japanese_sjis,
+     com__fou_sjis_to_utf8,
+     {"UTF-8", "SHIFT_JIS"},
+     {&k_sjis, &k_utf8},
+     sjis_len},
+    {"utf8_to_eucjis",
+     japanese_utf8,
+     com__fou_utf8_to_eucjis,
+     {"EUC-JP", "UTF-8"},
+     {&k_utf8, &k_euc},
+     utf8_len},
+    {"eucjis_to_utf8",
+     japanese_euc,
+     com__fou_eucjis_to_utf8,
+     {"UTF-8", "EUC-JP"},
+     {&k_euc, &k_utf8},
+     euc_len},
+};
+
 const Bytes *reference(const Bytes &(*text)(), ComXlateFunc f) {
-    auto *out = new Bytes(text().size() + 64);
+    auto *out = new Bytes(text().size() * 2 + 64);
     out->resize(run_comn(text(), *out, 0, reinterpret_cast<const void *>(f)));
     return out;
 }
@@ -262,6 +478,28 @@ void register_all() {
     }
 }
 
-const int k_registered = (register_all(), 0);
+void register_utf8() {
+    for (const Utf8Case &c : k_utf8_cases) {
+        char name[96];
+        const Bytes *ref = reference(c.text, c.f);
+        std::snprintf(name, sizeof name, "%s/comnlib/one_call", c.name);
+        benchmark::RegisterBenchmark(name, bench, c.text, run_comn,
+                                     reinterpret_cast<const void *>(c.f), 0, nullptr);
+        std::snprintf(name, sizeof name, "%s/iconv/one_call", c.name);
+        benchmark::RegisterBenchmark(name, bench, c.text, run_iconv, &c.iconv, 0, ref);
+        // The values: the driver's output is the reference iconv must match.
+        const auto *dv = new Values{c.text, c.len, &c.driver};
+        const auto *iv = new Values{c.text, c.len, &c.iconv};
+        auto *vref = new Bytes(c.text().size() * 2 + 64);
+        vref->resize(run_driver_values(c.text(), *vref, 0, dv));
+        if (*vref != *ref) std::abort(); // values of whole characters translate as one text
+        std::snprintf(name, sizeof name, "%s/comnlib_driver/20B_values", c.name);
+        benchmark::RegisterBenchmark(name, bench, c.text, run_driver_values, dv, 0, nullptr);
+        std::snprintf(name, sizeof name, "%s/iconv/20B_values", c.name);
+        benchmark::RegisterBenchmark(name, bench, c.text, run_iconv_values, iv, 0, vref);
+    }
+}
+
+const int k_registered = (register_all(), register_utf8(), 0);
 
 } // namespace

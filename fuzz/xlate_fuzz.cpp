@@ -1,8 +1,10 @@
 // Fuzzes character set translation. Input: source set (byte 0), destination set (byte 1),
 // destination size (bytes 2-3, up to 1023), then the text. Sets index the rows and cells of
-// Com_fou_xlt_map; indexes 10-12 pick the character-wise ASCII converters of the Japanese
-// sets. Source and destination are exact-size heap blocks, so any overrun is caught, and the
-// counts must stay within the given lengths.
+// the translation table (Com_fou_xlt_map's ten sets, then utf8); indexes 11-13 pick the
+// character-wise ASCII converters of the Japanese sets. Source and destination are
+// exact-size heap blocks, so any overrun is caught, and the counts must stay within the given
+// lengths. Translation to utf8 must write well-formed UTF-8, and from utf8, when nothing was
+// replaced, must give back the text it took when translated back.
 #include <comnlib.h>
 #include "intl/xlate_dispatch.h"
 
@@ -20,23 +22,48 @@ void check(bool ok) {
     if (!ok) std::abort();
 }
 
+// Is p[0..n) well-formed UTF-8? Written out here from the byte patterns, independently of
+// the library's reader.
+bool well_formed(const uint8_t *p, int32_t n) {
+    for (int32_t i = 0; i < n;) {
+        const unsigned b = p[i];
+        const int len = b < 0x80                 ? 1
+                        : b >= 0xC2 && b <= 0xDF ? 2
+                        : b >= 0xE0 && b <= 0xEF ? 3
+                        : b >= 0xF0 && b <= 0xF4 ? 4
+                                                 : 0;
+        if (len == 0 || len > n - i) return false;
+        for (int k = 1; k < len; ++k)
+            if ((p[i + k] & 0xC0) != 0x80) return false;
+        const unsigned b1 = len > 1 ? p[i + 1] : 0x80;
+        if ((b == 0xE0 && b1 < 0xA0) || (b == 0xED && b1 > 0x9F) || (b == 0xF0 && b1 < 0x90) ||
+            (b == 0xF4 && b1 > 0x8F))
+            return false;
+        i += len;
+    }
+    return true;
+}
+
+constexpr int k_utf8 = comn::xlt_sets - 1; // utf8's position in the table
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     if (size < 4) return 0;
-    const unsigned from = data[0] % 13, to = data[1] % COM_XLT_NSETS;
+    const unsigned from = data[0] % (comn::xlt_sets + 3), to = data[1] % comn::xlt_sets;
     const int32_t room = (data[2] | data[3] << 8) % 1024;
     const int32_t len = static_cast<int32_t>(size - 4);
 
     int32_t mode = COM_XLT_MODE_CONVERT;
     ComXlateFunc f;
-    if (from >= COM_XLT_NSETS) {
-        f = k_japanese_ascii[from - COM_XLT_NSETS];
+    if (from >= comn::xlt_sets) {
+        f = k_japanese_ascii[from - comn::xlt_sets];
     } else {
-        const ComXltCell &cell = Com_fou_xlt_map[from].cells[to];
+        const ComXltCell &cell = comn::xlt_cells[from][to];
         mode = cell.mode;
         f = cell.func;
     }
+    const bool utf8 = from < comn::xlt_sets && (from == k_utf8 || to == k_utf8);
 
     auto src = std::make_unique<uint8_t[]>(static_cast<size_t>(len) + 1);
     std::memcpy(src.get(), data + 4, static_cast<size_t>(len));
@@ -47,10 +74,28 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
         const int32_t bits = f(src.get(), len, dst.get(), room, &consumed, &produced);
         check(consumed >= 0 && consumed <= len && produced >= 0 && produced <= room);
         check((bits & ~(COM_XLT_BADCHAR | COM_XLT_TRUNCATED)) == 0);
-        check(((bits & COM_XLT_TRUNCATED) != 0) == (room < len));
-        // Whatever the converter, a cut character is all it may leave of the source.
-        if (f != com__fou_caseswap)
-            check(consumed == produced && (len < room ? len : room) - consumed <= 2);
+        if (utf8 && mode == COM_XLT_MODE_CONVERT) {
+            // Lengths change: a truncated translation stopped before the source's end, and an
+            // untruncated one took all of it but a Japanese character cut by its end.
+            if (bits & COM_XLT_TRUNCATED)
+                check(consumed < len);
+            else
+                check(len - consumed <= (from == k_utf8 ? 0 : 2));
+            if (to == k_utf8) check(well_formed(dst.get(), produced));
+            if (from == k_utf8 && !(bits & COM_XLT_BADCHAR)) {
+                const ComXlateFunc back = comn::xlt_cells[to][k_utf8].func;
+                auto again = std::make_unique<uint8_t[]>(static_cast<size_t>(consumed) + 1);
+                int32_t c2 = -1, p2 = -1;
+                check(back(dst.get(), produced, again.get(), consumed, &c2, &p2) == 0);
+                check(c2 == produced && p2 == consumed &&
+                      std::memcmp(again.get(), src.get(), static_cast<size_t>(consumed)) == 0);
+            }
+        } else {
+            check(((bits & COM_XLT_TRUNCATED) != 0) == (room < len));
+            // Whatever the converter, a cut character is all it may leave of the source.
+            if (f != com__fou_caseswap)
+                check(consumed == produced && (len < room ? len : room) - consumed <= 2);
+        }
     }
 
     // The driver over the same buffers, as CS_CHAR values.

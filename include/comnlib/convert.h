@@ -178,7 +178,46 @@ COMN_DATE_CONVS(COMN_DECLARE_CONV_)
    else 9. */
 COMN_API int32_t comn_get_datetochar_fmt(ComContext *ctx, DataFormat *fmt);
 
-/* ---- Text input conversions ---- */
+/* ---- Text input conversions ----
+   Text into every non-text type. One row per destination short name: the routine for a char
+   source (CS_CHAR and its kin) is comn_charto<dst>, its twin for a CS_VARCHAR source
+   comn_varcharto<dst>. */
+/* clang-format off */
+#define COMN_TEXT_INPUT_DESTS(X)                                                          \
+    X(bit) X(i1) X(i2) X(i4) X(i8) X(flt4) X(flt8) X(num) X(money) X(mny4) X(datetime)    \
+    X(date4) X(bin) X(varbin)
+/* clang-format on */
+#define COMN_DECLARE_TEXT_INPUT_(d)                                                                \
+    COMN_DECLARE_CONV_(comn_charto##d) COMN_DECLARE_CONV_(comn_varcharto##d)
+COMN_TEXT_INPUT_DESTS(COMN_DECLARE_TEXT_INPUT_)
+
+struct CharAttrib;
+/* Reduces srclen bytes of text to ASCII, character by character, into at most destcap bytes:
+   a character with an ASCII equivalent becomes that one byte, any other is copied whole.
+   attr may be null (every byte is its own equivalent). Returns the bytes written. */
+COMN_API int32_t com__conv2ascii(const char *src, int32_t srclen, char *dest, int32_t destcap,
+                                 const struct CharAttrib *attr);
+/* Integer text scanners: blanks, an optional sign, decimal digits, blanks, read a character
+   at a time through attr (null: the built-in single-byte rules), so that full-width digits
+   and signs count as their ASCII twins. Return -2 for a syntax error, -1 for overflow, 0 for
+   a text without digits (0 stored) and 4 for a number. On overflow the 32-bit scanners store
+   the nearest extreme; the tinyint and smallint scanners store the low 8 or 16 bits of the
+   32-bit value when it does not fit them (0 when the 32-bit scan itself failed). */
+COMN_API int32_t com__chtoi1_mb(const char *text, int32_t len, uint8_t *out,
+                                const struct CharAttrib *attr);
+COMN_API int32_t com__chtoi2_mb(const char *text, int32_t len, int16_t *out,
+                                const struct CharAttrib *attr);
+COMN_API int32_t com__chtoi4_mb(const char *text, int32_t len, int32_t *out,
+                                const struct CharAttrib *attr);
+COMN_API int32_t com__chtoi8_mb(const char *text, int32_t len, int32_t *out,
+                                const struct CharAttrib *attr);
+/* Hexadecimal text to bytes: white space trimmed at both ends, then an optional "0x" or "0X".
+   An odd digit count implies a leading zero nibble. Writes at most outmax bytes and sets
+   *outlen to the bytes written. CS_SUCCEED; CS_CONV_SYNTAX for a character that is not a
+   hexadecimal digit (*outlen 0); CS_CONV_OVERFLOW when not even the first byte fits;
+   CS_CONV_TRUNCATED when digits remain once outmax bytes are written. */
+COMN_API int32_t comn__hex2binbytes(const char *text, int32_t len, uint8_t *out, int32_t outmax,
+                                    int32_t *outlen);
 
 /* ---- Text and binary output conversions ---- */
 

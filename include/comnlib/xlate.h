@@ -1,6 +1,6 @@
 /* comnlib: character set translation between the single-byte sets (ascii8, iso_1, cp850,
-   cp437, roman8, mac), the Japanese sets (eucjis, sjis, deckanji) and the case-swapped test
-   set. Included from intl.h. */
+   cp437, roman8, mac), the Japanese sets (eucjis, sjis, deckanji), utf8 and the case-swapped
+   test set. Included from intl.h. */
 #ifndef COMNLIB_XLATE_H
 #define COMNLIB_XLATE_H
 
@@ -19,8 +19,9 @@ COMN_BEGIN_DECLS
 #define COM_XLT_SJIS 141
 #define COM_XLT_DECKANJI 142
 #define COM_XLT_CASESWAP 255
+#define COM_XLT_UTF8 190 /* the library's own set beside the traditional ones */
 
-#define COM_XLT_NSETS 10 /* rows of Com_fou_xlt_map, and cells per row */
+#define COM_XLT_NSETS 10 /* rows of Com_fou_xlt_map, and cells per row (utf8 has no row) */
 
 /* Translation modes of a (source set, destination set) pair. */
 #define COM_XLT_MODE_NONE 0    /* no translation possible */
@@ -113,6 +114,20 @@ COMN_XLT_DECLARE_(com__fou_sjis_to_ascii8)
 COMN_XLT_DECLARE_(com__fou_deckanji_to_eucjis)
 COMN_XLT_DECLARE_(com__fou_deckanji_to_sjis)
 COMN_XLT_DECLARE_(com__fou_deckanji_to_ascii8)
+
+/* Between utf8 and every other set but the test set. Lengths change in translation: consumed
+   and produced count the whole characters done, COM_XLT_TRUNCATED tells that the next
+   character did not fit. Ill-formed UTF-8 gives one "?" per maximal ill-formed subpart.
+   ascii8 to utf8 is the ASCII converter's work. */
+#define COMN_XLT_FROM_UTF8(X)                                                                      \
+    X(ascii8) X(iso1) X(cp850) X(cp437) X(roman8) X(mac) X(eucjis) X(sjis) X(deckanji)
+#define COMN_XLT_TO_UTF8(X) X(iso1) X(cp850) X(cp437) X(roman8) X(mac) X(eucjis) X(sjis) X(deckanji)
+#define COMN_XLT_DECLARE_FROM_UTF8_(set) COMN_XLT_DECLARE_(com__fou_utf8_to_##set)
+#define COMN_XLT_DECLARE_TO_UTF8_(set) COMN_XLT_DECLARE_(com__fou_##set##_to_utf8)
+COMN_XLT_FROM_UTF8(COMN_XLT_DECLARE_FROM_UTF8_)
+COMN_XLT_TO_UTF8(COMN_XLT_DECLARE_TO_UTF8_)
+#undef COMN_XLT_DECLARE_FROM_UTF8_
+#undef COMN_XLT_DECLARE_TO_UTF8_
 
 #undef COMN_XLT_DECLARE_
 

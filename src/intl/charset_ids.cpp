@@ -1,4 +1,5 @@
-// Translation ids of the character sets that translation knows, by name.
+// Translation ids of the character sets that translation knows, by name. utf8 is the
+// library's own set beside the traditional ones.
 #include <cstring>
 
 #include "intl/charset_internal.h"
@@ -13,7 +14,7 @@ struct CharsetId {
 
 constexpr CharsetId Charset_ids[] = {
     {"ascii8", 0}, {"iso_1", 1},    {"cp850", 2},  {"cp437", 3},      {"roman8", 4},
-    {"mac", 5},    {"eucjis", 140}, {"sjis", 141}, {"deckanji", 142},
+    {"mac", 5},    {"eucjis", 140}, {"sjis", 141}, {"deckanji", 142}, {"utf8", 190},
 };
 
 } // namespace

@@ -14,12 +14,15 @@
 
 namespace comn {
 
-// Position of each set id among the rows and cells of Com_fou_xlt_map, -1 for an unknown id,
-// and a private copy of its cells by position (both built in xlate_map.cpp). Declared hidden so
-// that other files of the library reach them directly rather than through the symbol table.
+// The sets translation knows: those of Com_fou_xlt_map and utf8.
+constexpr int xlt_sets = COM_XLT_NSETS + 1;
+
+// Position of each set id among the rows and cells of the translation table, -1 for an
+// unknown id, and the table by position: Com_fou_xlt_map's cells with utf8's row and column
+// added (both built in xlate_map.cpp). Declared hidden so that other files of the library
+// reach them directly rather than through the symbol table.
 [[gnu::visibility("hidden")]] extern const std::array<int8_t, 256> xlt_position;
-[[gnu::visibility(
-    "hidden")]] extern const std::array<std::array<ComXltCell, COM_XLT_NSETS>, COM_XLT_NSETS>
+[[gnu::visibility("hidden")]] extern const std::array<std::array<ComXltCell, xlt_sets>, xlt_sets>
     xlt_cells;
 
 // The cell of (source id, destination id), or null when the table has none.

@@ -64,9 +64,9 @@ void set_varchar_len(const DataFormat *fmt, void *v, int32_t len) {
 
     const int32_t bits = func(in.p, in.len, out.p, out.len, &state[0], &state[1]);
     *outlen = state[1];
-    // Every converter but the test set's writes exactly as many bytes as it takes, so the
-    // length word agrees with state[0]; it is set from the bytes written, which is what the
-    // destination holds.
+    // The length word tells the bytes written, which is what the destination holds; they
+    // differ from the bytes taken for the test set's converter and for translation to or
+    // from utf8.
     set_varchar_len(destfmt, dest, state[1]);
     if (bits & COM_XLT_BADCHAR) return CS_CONV_BADXLT;
     if (bits & COM_XLT_TRUNCATED) return CS_CONV_OVERFLOW;

@@ -5,6 +5,10 @@
 // Rows and cells are both in the order ascii8, iso_1, cp850, cp437, roman8, mac, eucjis, sjis,
 // deckanji, test set. Mode 2 cells name the byte-wise ASCII converter even from the Japanese
 // sets, whose character-wise ASCII converters exist beside it.
+//
+// utf8 stands outside the exported table, which keeps its ten rows: its row and column are
+// added to the library's own copy. It translates to and from every set but the test set
+// through its dedicated converters; from ascii8 the ASCII converter does.
 #include "xlate_internal.h"
 #include "xlate_dispatch.h"
 
@@ -94,14 +98,40 @@ extern "C" COMN_API constexpr ComXltRow Com_fou_xlt_map[COM_XLT_NSETS] = {
 namespace comn {
 namespace {
 
-constexpr uint8_t k_ids[COM_XLT_NSETS] = {
-    COM_XLT_ASCII8, COM_XLT_ISO1,   COM_XLT_CP850, COM_XLT_CP437,    COM_XLT_ROMAN8,
-    COM_XLT_MAC,    COM_XLT_EUCJIS, COM_XLT_SJIS,  COM_XLT_DECKANJI, COM_XLT_CASESWAP};
+constexpr uint8_t k_ids[xlt_sets] = {
+    COM_XLT_ASCII8, COM_XLT_ISO1, COM_XLT_CP850,    COM_XLT_CP437,    COM_XLT_ROMAN8, COM_XLT_MAC,
+    COM_XLT_EUCJIS, COM_XLT_SJIS, COM_XLT_DECKANJI, COM_XLT_CASESWAP, COM_XLT_UTF8};
+
+// utf8's cells, by position of the other set: the utf8 -> set converters, and the set ->
+// utf8 converters (mode 2 with the ASCII converter from ascii8).
+constexpr ComXltCell k_from_utf8[COM_XLT_NSETS] = {
+    {COM_XLT_ASCII8, CONV, com__fou_utf8_to_ascii8},
+    {COM_XLT_ISO1, CONV, com__fou_utf8_to_iso1},
+    {COM_XLT_CP850, CONV, com__fou_utf8_to_cp850},
+    {COM_XLT_CP437, CONV, com__fou_utf8_to_cp437},
+    {COM_XLT_ROMAN8, CONV, com__fou_utf8_to_roman8},
+    {COM_XLT_MAC, CONV, com__fou_utf8_to_mac},
+    {COM_XLT_EUCJIS, CONV, com__fou_utf8_to_eucjis},
+    {COM_XLT_SJIS, CONV, com__fou_utf8_to_sjis},
+    {COM_XLT_DECKANJI, CONV, com__fou_utf8_to_deckanji},
+    {COM_XLT_CASESWAP, NONE, nullptr}};
+constexpr ComXltCell k_to_utf8[COM_XLT_NSETS] = {{COM_XLT_UTF8, ASC, ascii},
+                                                 {COM_XLT_UTF8, CONV, com__fou_iso1_to_utf8},
+                                                 {COM_XLT_UTF8, CONV, com__fou_cp850_to_utf8},
+                                                 {COM_XLT_UTF8, CONV, com__fou_cp437_to_utf8},
+                                                 {COM_XLT_UTF8, CONV, com__fou_roman8_to_utf8},
+                                                 {COM_XLT_UTF8, CONV, com__fou_mac_to_utf8},
+                                                 {COM_XLT_UTF8, CONV, com__fou_eucjis_to_utf8},
+                                                 {COM_XLT_UTF8, CONV, com__fou_sjis_to_utf8},
+                                                 {COM_XLT_UTF8, CONV, com__fou_deckanji_to_utf8},
+                                                 {COM_XLT_UTF8, NONE, nullptr}};
 
 // Rows and cells must stand in id order for the position lookup below to find them.
 constexpr bool in_id_order() {
     for (int r = 0; r < COM_XLT_NSETS; ++r) {
         if (Com_fou_xlt_map[r].src_id != k_ids[r]) return false;
+        if (k_from_utf8[r].dest_id != k_ids[r] || k_to_utf8[r].dest_id != COM_XLT_UTF8)
+            return false;
         for (int c = 0; c < COM_XLT_NSETS; ++c)
             if (Com_fou_xlt_map[r].cells[c].dest_id != k_ids[c]) return false;
     }
@@ -114,18 +144,23 @@ static_assert(in_id_order(), "translation rows and cells out of id order");
 constexpr std::array<int8_t, 256> xlt_position = [] {
     std::array<int8_t, 256> pos{};
     pos.fill(-1);
-    for (int i = 0; i < COM_XLT_NSETS; ++i)
+    for (int i = 0; i < xlt_sets; ++i)
         pos[k_ids[i]] = static_cast<int8_t>(i);
     return pos;
 }();
 
 // The exported table is reached through the symbol table on every access, this copy at a
 // fixed offset.
-constexpr std::array<std::array<ComXltCell, COM_XLT_NSETS>, COM_XLT_NSETS> xlt_cells = [] {
-    std::array<std::array<ComXltCell, COM_XLT_NSETS>, COM_XLT_NSETS> cells{};
-    for (int r = 0; r < COM_XLT_NSETS; ++r)
+constexpr std::array<std::array<ComXltCell, xlt_sets>, xlt_sets> xlt_cells = [] {
+    std::array<std::array<ComXltCell, xlt_sets>, xlt_sets> cells{};
+    constexpr int u = COM_XLT_NSETS; // utf8's position
+    for (int r = 0; r < COM_XLT_NSETS; ++r) {
         for (int c = 0; c < COM_XLT_NSETS; ++c)
             cells[r][c] = Com_fou_xlt_map[r].cells[c];
+        cells[r][u] = k_to_utf8[r];
+        cells[u][r] = k_from_utf8[r];
+    }
+    cells[u][u] = {COM_XLT_UTF8, COPY, nullptr};
     return cells;
 }();
 

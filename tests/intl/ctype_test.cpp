@@ -2,6 +2,7 @@
 // defining ranges, the older global map, record building and multibyte characters.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <cstring>
 #include <sstream>
 #include <string>
@@ -234,3 +235,24 @@ TEST(CharAttribBuild, SingleByteMapAndBadArguments) {
 }
 
 } // namespace
+
+// The ASCII half of every multibyte set case-maps as ASCII, loaded from the bundled home.
+TEST(MultibyteAttrib, AsciiLettersHaveTheirCasePartners) {
+    const char *home = std::getenv("VELDAR");
+    ASSERT_NE(home, nullptr);
+    for (const char *set : {"eucjis", "sjis", "deckanji", "utf8"}) {
+        SCOPED_TRACE(set);
+        ComContext ctx{};
+        ComCharsetDesc *d = nullptr;
+        ASSERT_EQ(com__charset_desc_get(&ctx, set, "binary", &d), 1);
+        for (int c = 0; c < 0x80; ++c) {
+            const char in[2] = {static_cast<char>(c), 0};
+            char up[4] = {}, low[4] = {};
+            comn_toupper(d->attr, in, up);
+            comn_tolower(d->attr, in, low);
+            EXPECT_EQ(up[0], c >= 'a' && c <= 'z' ? c - 32 : c) << c;
+            EXPECT_EQ(low[0], c >= 'A' && c <= 'Z' ? c + 32 : c) << c;
+        }
+        com__charset_drop_all(&ctx);
+    }
+}

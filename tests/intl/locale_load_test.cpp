@@ -28,7 +28,7 @@ constexpr const char *kJa[] = {"2月", "12月", "日"};
 #define JA_(n, cs, cv)                                                                             \
     { n, "japanese", cs, cv, kJa[0], kJa[1], kJa[2], 7, 3, 0, 11 }
 const Shipped kShipped[] = {
-    EN_("default", "iso_1", "ISO-8859-1"),       EN_("en_US.UTF-8", "iso_1", "ISO-8859-1"),
+    EN_("default", "iso_1", "ISO-8859-1"),       EN_("en_US.UTF-8", "utf8", "UTF-8"),
     EN_("en_US.cp850", "cp850", "CP850"),        EN_("en_US.cp437", "cp437", "CP437"),
     EN_("en_US.roman8", "roman8", "HP-ROMAN8"),  EN_("en_US.mac", "mac", "MACINTOSH"),
     EN_("en_US.ascii8", "ascii8", "ASCII"),      EN_("en_US.eucjis", "eucjis", "EUC-JP"),
@@ -39,7 +39,9 @@ const Shipped kShipped[] = {
     DE_("de_DE.cp850", "cp850", "CP850"),        DE_("de_DE.cp437", "cp437", "CP437"),
     DE_("de_DE.roman8", "roman8", "HP-ROMAN8"),  DE_("de_DE.mac", "mac", "MACINTOSH"),
     JA_("ja_JP.eucJP", "eucjis", "EUC-JP"),      JA_("ja_JP.SJIS", "sjis", "SHIFT_JIS"),
-    JA_("ja_JP.deckanji", "deckanji", "EUC-JP"),
+    JA_("ja_JP.deckanji", "deckanji", "EUC-JP"), EN_("C.UTF-8", "utf8", "UTF-8"),
+    FR_("fr_FR.UTF-8", "utf8", "UTF-8"),         FR_("fr_CA.utf8", "utf8", "UTF-8"),
+    DE_("de_DE.utf8", "utf8", "UTF-8"),          JA_("ja_JP.UTF-8", "utf8", "UTF-8"),
 };
 
 TEST(LocaleLoad, EveryShippedLocaleHasItsNamesInItsOwnEncoding) {

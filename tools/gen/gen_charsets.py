@@ -13,6 +13,10 @@ The tables of the real code pages are derived from Python's codecs and unicodeda
     between lead bytes with identical rows, and an ASCII map that reduces every character whose
     compatibility form (NFKC) is one ASCII character (full-width digits, letters and signs, the
     ideographic space) to that character.
+  - utf8: a width map per first byte (see gen_utf8), type pages for the two-byte characters
+    (U+0080-U+07FF), an ASCII map holding only exact equivalents, and sort orders binary
+    (code point order, which is UTF-8 byte order) and nocase (ASCII letters folded).
+  - the ASCII half of every multibyte set classifies and case-maps as ASCII.
   - iso_1 is the library's built-in table (ASCII-only soundex, sharp s upper case, 0E, 0F, 8E,
     8F and AD as space, no graphic bit), so that a locale loaded from the home classifies
     exactly like the built-in record.
@@ -96,6 +100,12 @@ def char_class(ch, c):
     lex = 8 if cat == "Zs" else 2 if cat == "Nd" else 64 if cat == "Sc" else \
         16 if ch in "＂＇" else 32 if cat[0] in "PS" and ord(ch) >= 0xFF00 else 1
     return bits, lex
+
+
+def ascii_entry(c):
+    """(upper, lower, lexical class, type bits) of the ASCII byte c in a multibyte set."""
+    bits, lex = char_class(chr(c), c)
+    return [ord(chr(c).upper()), ord(chr(c).lower()), lex, bits]
 
 
 def single_byte_typemap(name, codec):
@@ -189,8 +199,7 @@ def gen_multibyte(name, image_id):
     for c in range(256):
         ch = char_of(bytes([c]), single_codec) if single_codec and width[c] == 0x11 else None
         if c < 0x80:
-            bits, lex = char_class(chr(c), c)
-            first.append([c, c, lex, bits])
+            first.append(ascii_entry(c))
         elif ch is not None and 0xA1 <= c <= 0xDF:  # Shift-JIS half-width katakana
             bits, lex = char_class(ch, None)
             first.append([c, c, lex, bits])
@@ -217,7 +226,9 @@ def gen_multibyte(name, image_id):
                     else:
                         low = enc[1]
             page.append((up, low, lex, bits))
-            folded = unicodedata.normalize("NFKC", ch)
+            # The full-width minus is U+2212 MINUS SIGN, which NFKC keeps as it is; a
+            # number typed in full-width characters still needs it read as "-".
+            folded = "-" if ch == "\u2212" else unicodedata.normalize("NFKC", ch)
             if len(folded) == 1 and 0x20 <= ord(folded) < 0x7F:
                 apage[s] = ord(folded)
                 any_ascii = True
@@ -239,6 +250,95 @@ def gen_multibyte(name, image_id):
     for i, apage in enumerate(ascii_pages):
         lines += rows("asciimap %d" % (i + 1), apage, 1) + [""]
     write(os.path.join(HOME, name, "charset.loc"), lines)
+
+
+# ---- utf8 ----
+#
+# The attribute model describes a character by its first byte (width map, first-level type
+# and ASCII entries) and, for a lead entry, by one page indexed by the second byte. That fits
+# UTF-8's two-byte characters exactly; three- and four-byte characters get a first-level entry
+# only: no case (upper and lower 0, so case mapping copies them whole), no type bits (never a
+# digit, space or punctuation), word class, and no ASCII equivalent.
+
+UTF8_ID = 190  # image id; its translation id is given by name (charset_ids.cpp)
+# Compatibility tags under which a character is the same as its ASCII decomposition, only
+# wider, narrower or unbreakable (the no-break space). Superscripts, ordinals, ligatures and
+# accented letters are different characters and have no ASCII equivalent.
+EXACT_TAGS = ("<wide>", "<narrow>", "<noBreak>")
+
+
+def utf8_width(lead):
+    """Width byte of a first byte: byte length in the low digit, columns in the high one."""
+    if lead < 0x80 or lead in (0xC0, 0xC1) or 0x80 <= lead <= 0xBF or lead > 0xF4:
+        return 0x11  # ASCII, or a byte that starts no character: stepped over alone
+    if lead < 0xE0:
+        return 0x12
+    if lead >= 0xF0:
+        return 0x14
+    # Two columns when nearly all (95%) assigned characters of the lead byte are East Asian
+    # wide or full-width: E3 (kana, CJK symbols), E4-E9 (ideographs), EB-ED (Hangul).
+    lo, hi = max((lead - 0xE0) << 12, 0x800), ((lead - 0xE0 + 1) << 12) - 1
+    chars = [chr(u) for u in range(lo, hi + 1) if not 0xD800 <= u <= 0xDFFF]
+    assigned = [ch for ch in chars if unicodedata.category(ch) != "Cn"]
+    wide = [ch for ch in assigned if unicodedata.east_asian_width(ch) in "WF"]
+    return 0x23 if len(wide) >= 0.95 * len(assigned) else 0x13
+
+
+def exact_ascii(ch):
+    """The ASCII character that ch is exactly (in a wider or unbreakable form), else None."""
+    tag, _, rest = unicodedata.decomposition(ch).partition(" ")
+    if tag in EXACT_TAGS and len(rest.split()) == 1 and int(rest, 16) < 0x80:
+        return int(rest, 16)
+    return None
+
+
+def utf8_pair_entry(lead, s):
+    """Type entry of the two-byte character lead, s (s in 80-BF)."""
+    ch = chr((lead & 0x1F) << 6 | (s & 0x3F))
+    bits, lex = char_class(ch, None)
+    cases = []
+    for conv in (ch.upper(), ch.lower()):
+        enc = conv.encode("utf-8")
+        # Only a partner under the same lead byte can be written by mapping the second byte.
+        cases.append(enc[1] if len(enc) == 2 and enc[0] == lead else s)
+    return (cases[0], cases[1], lex, bits)
+
+
+def gen_utf8():
+    width = [utf8_width(c) for c in range(256)]
+    first, pages, ascii_pages = [], [], []
+    ascii_first = [c if c < 0x80 else 0 for c in range(256)]
+    for c in range(256):
+        if c < 0x80:
+            first.append(ascii_entry(c))
+        elif 0xC2 <= c <= 0xDF:
+            page = [utf8_pair_entry(c, s) if 0x80 <= s <= 0xBF else (s, s, 0, 0)
+                    for s in range(256)]
+            if page not in pages:
+                pages.append(page)
+            first.append([pages.index(page) + 1, 0, 1, LEAD])
+            apage = [0] * 256
+            for s in range(0x80, 0xC0):
+                apage[s] = exact_ascii(chr((c & 0x1F) << 6 | (s & 0x3F))) or 0
+            if any(apage):
+                if apage not in ascii_pages:
+                    ascii_pages.append(apage)
+                ascii_first[c] = ascii_pages.index(apage) + 1
+        elif width[c] & 0x0F > 1:
+            first.append([0, 0, 1, 0])  # three- and four-byte characters: copied whole
+        else:
+            first.append([c, c, 0, 0])  # a byte that starts no character
+    lines = header("Character tables", "utf8", UTF8_ID, 4)
+    lines += rows("widthmap", width, 1) + [""]
+    lines += rows("typemap", typemap_cells(first), 4) + [""]
+    for i, page in enumerate(pages):
+        lines += rows("typemap %d" % (i + 1), typemap_cells(page), 4) + [""]
+    lines += rows("asciimap", ascii_first, 1) + [""]
+    for i, apage in enumerate(ascii_pages):
+        lines += rows("asciimap %d" % (i + 1), apage, 1) + [""]
+    write(os.path.join(HOME, "utf8", "charset.loc"), lines)
+    gen_binary("utf8")  # byte order is code point order
+    gen_nocase("utf8", first, [c + 0x20 if 0x41 <= c <= 0x5A else c for c in range(256)])
 
 
 # ---- sort orders ----
@@ -264,9 +364,9 @@ def gen_binary(charset):
               [weight(c, 0, 1) for c in range(256)])
 
 
-def gen_nocase(charset, entries):
+def gen_nocase(charset, entries, folded=None):
     # Primary: the rank of the lower-case byte; no secondary; tertiary tells the cases apart.
-    folded = [entries[c][1] for c in range(256)]
+    folded = folded or [entries[c][1] for c in range(256)]
     rank = {v: i for i, v in enumerate(sorted(set(folded)))}
     sort_file("nocase", charset, 52, "Case-insensitive",
               [weight(rank[folded[c]], 0, 2 if entries[c][3] & UPPER else 1)
@@ -361,6 +461,7 @@ def main():
     for name, image_id in (("eucjis", 140), ("sjis", 141), ("deckanji", 142)):
         gen_multibyte(name, image_id)
         gen_binary(name)
+    gen_utf8()
     return 0
 
 

@@ -22,6 +22,10 @@ TARGETS = [
     ("german", "iso_1", "latin-1"),
     ("japanese", "eucjis", "euc_jp"),
     ("japanese", "sjis", "shift_jis"),
+    ("us_english", "utf8", "utf-8"),
+    ("french", "utf8", "utf-8"),
+    ("german", "utf8", "utf-8"),
+    ("japanese", "utf8", "utf-8"),
 ]
 
 # Sections of each file: cslib.loc holds every section; ctlib.loc the client layer's view of

@@ -1,0 +1,397 @@
+// Text sources into binary, exact numerics, money and dates: hexadecimal input and its
+// padding, truncation and length words; the -2562 markers and the deliberate differences of
+// the varchar twin; the parsers' outcomes as result codes; month names from the source's
+// locale; multibyte text in each Japanese set; and degenerate sources of every kind.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "text_input_util.h"
+
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+struct Result {
+    int32_t rc;
+    int32_t len;
+    Bytes out;
+};
+
+// Converts text through f into a destination of maxlength bytes with the given flags.
+Result convert(ComConvFunc f, const std::string &text, int32_t maxlength, uint32_t flags = 0,
+               int32_t precision = 0, int32_t scale = 0) {
+    DataFormat sf{}, df{};
+    sf.maxlength = static_cast<int32_t>(text.size());
+    df.maxlength = maxlength;
+    df.format = flags;
+    df.precision = precision;
+    df.scale = scale;
+    Bytes out(300, 0xEE);
+    Result r{0, -1, {}};
+    r.rc = f(nullptr, &sf, const_cast<char *>(text.data()), &df, out.data(), &r.len);
+    out.resize(static_cast<size_t>(std::max(r.len, 0)));
+    r.out = out;
+    return r;
+}
+
+// A varchar source holding text, with the given length word.
+std::vector<char> varchar(const std::string &text, int16_t word) {
+    std::vector<char> v(258, 'Z');
+    std::memcpy(v.data(), &word, 2);
+    std::memcpy(v.data() + 2, text.data(), std::min<size_t>(text.size(), 256));
+    return v;
+}
+
+TEST(TextToBinary, HexadecimalText) {
+    struct {
+        const char *text;
+        int32_t maxlength;
+        uint32_t flags;
+        int32_t rc;
+        Bytes out;
+    } cases[] = {
+        {" 0xABC ", 4, CS_FMT_PADNULL, CS_SUCCEED, {0x0a, 0xbc, 0, 0}},
+        {" 0xABC ", 4, 0, CS_SUCCEED, {0x0a, 0xbc}},
+        {"\t0X00ff\n", 8, 0, CS_SUCCEED, {0x00, 0xff}},
+        {"0x1G", 4, 0, CS_CONV_SYNTAX, {}},
+        {"0x 12", 4, 0, CS_CONV_SYNTAX, {}},
+        {"112233", 2, 0, CS_CONV_TRUNCATED, {0x11, 0x22}},
+        {"11223G", 2, 0, CS_CONV_SYNTAX, {}}, // a bad digit past the end still counts
+        {"abc", 1, 0, CS_CONV_TRUNCATED, {0x0a}},
+        {"abc", 0, 0, CS_CONV_OVERFLOW, {}},
+        {"ab", 0, 0, CS_CONV_TRUNCATED, {}},
+        {"abc", -4, 0, CS_CONV_OVERFLOW, {}},
+        {"", 4, CS_FMT_PADNULL, CS_SUCCEED, {0, 0, 0, 0}},
+        {"0x", 4, 0, CS_SUCCEED, {}},
+        {"   ", 4, 0, CS_SUCCEED, {}},
+        {"x12", 4, 0, CS_CONV_SYNTAX, {}},
+        {"0123456789abcdefABCDEF",
+         11,
+         0,
+         CS_SUCCEED,
+         {0x01, 0x23, 0x45, 0x67, 0x89, 0xab, 0xcd, 0xef, 0xab, 0xcd, 0xef}},
+    };
+    for (const auto &c : cases) {
+        const Result r = convert(comn_chartobin, c.text, c.maxlength, c.flags);
+        EXPECT_EQ(r.rc, c.rc) << c.text;
+        EXPECT_EQ(r.out, c.out) << c.text;
+    }
+}
+
+TEST(TextToBinary, VarbinaryLengthWordAndVarcharSources) {
+    Result r = convert(comn_chartovarbin, "0xABC", 258);
+    EXPECT_EQ(r.rc, CS_SUCCEED);
+    ASSERT_EQ(r.len, 258);
+    EXPECT_EQ((Bytes{r.out[0], r.out[1], r.out[2], r.out[3]}), (Bytes{2, 0, 0x0a, 0xbc}));
+    r = convert(comn_chartovarbin, "zz", 258);
+    EXPECT_EQ(r.rc, CS_CONV_SYNTAX);
+    EXPECT_EQ(r.len, 0);
+    r = convert(comn_chartovarbin, std::string(600, '7'), 258);
+    EXPECT_EQ(r.rc, CS_CONV_TRUNCATED);
+    int16_t word;
+    std::memcpy(&word, r.out.data(), 2);
+    EXPECT_EQ(word, 256);
+    // From a varchar: only the bytes the length word counts, never past 256.
+    for (const auto &[w, want] :
+         {std::pair<int16_t, Bytes>{4, {0x12, 0x34}}, {2, {0x12}}, {0, {}}, {-7, {}}}) {
+        std::vector<char> src = varchar("12345678", w);
+        DataFormat sf{}, df{};
+        df.maxlength = 8;
+        uint8_t out[8];
+        int32_t len = -1;
+        EXPECT_EQ(comn_varchartobin(nullptr, &sf, src.data(), &df, out, &len), CS_SUCCEED) << w;
+        EXPECT_EQ(Bytes(out, out + len), want) << w;
+    }
+    std::vector<char> big = varchar(std::string(256, 'f'), 2000); // word beyond the value
+    DataFormat sf{}, df{};
+    uint8_t out[258];
+    int32_t len = -1;
+    EXPECT_EQ(comn_varchartovarbin(nullptr, &sf, big.data(), &df, out, &len), CS_SUCCEED);
+    std::memcpy(&word, out, 2);
+    EXPECT_EQ(word, 128);
+}
+
+TEST(TextToNumeric, PrecisionScaleAndMarkers) {
+    // 123.45 with precision 10, scale 2: sign byte 0, magnitude 12345 = 0x3039 at the end.
+    Result r = convert(comn_chartonum, "123.45", 35, 0, 10, 2);
+    ASSERT_EQ(r.rc, CS_SUCCEED);
+    ASSERT_EQ(r.len, 35);
+    const int32_t n = comn_num_getlen(10);
+    EXPECT_EQ(r.out[0], 10);
+    EXPECT_EQ(r.out[1], 2);
+    EXPECT_EQ(r.out[2], 0);
+    EXPECT_EQ(r.out[2 + n - 2], 0x30);
+    EXPECT_EQ(r.out[2 + n - 1], 0x39);
+
+    // Markers: precision and scale from the text, the value moved up to the scale byte, and
+    // the caller's format unchanged.
+    DataFormat sf{}, df{};
+    std::string t = "-123.45";
+    sf.maxlength = static_cast<int32_t>(t.size());
+    df.precision = df.scale = CS_SRC_VALUE;
+    uint8_t out[35];
+    std::memset(out, 0xEE, sizeof out);
+    int32_t len = 0;
+    ASSERT_EQ(comn_chartonum(nullptr, &sf, t.data(), &df, out, &len), CS_SUCCEED);
+    EXPECT_EQ(df.precision, CS_SRC_VALUE);
+    EXPECT_EQ(df.scale, CS_SRC_VALUE);
+    EXPECT_EQ(out[0], 5);
+    EXPECT_EQ(out[1], 2);
+    const int32_t n5 = comn_num_getlen(5);
+    EXPECT_EQ((Bytes{out[2], out[2 + n5 - 2], out[2 + n5 - 1]}), (Bytes{1, 0x30, 0x39}));
+    // The varchar twin takes no marker precision.
+    std::vector<char> v = varchar(t, static_cast<int16_t>(t.size()));
+    EXPECT_EQ(comn_varchartonum(nullptr, &sf, v.data(), &df, out, &len), CS_CONV_PRECISION);
+    EXPECT_EQ(len, 35);
+
+    struct {
+        ComConvFunc f;
+        const char *text;
+        int32_t precision, scale, rc, len;
+    } cases[] = {
+        {comn_chartonum, "1", 0, 0, CS_CONV_PRECISION, 35},
+        {comn_chartonum, "1", 78, 0, CS_CONV_PRECISION, 35},
+        {comn_chartonum, "1", -1, 0, CS_CONV_PRECISION, 35},
+        {comn_chartonum, "1", 10, 78, CS_CONV_SCALE, 35},
+        {comn_chartonum, "abc", 10, 2, CS_CONV_SYNTAX, 0},
+        {comn_chartonum, "", 10, 2, CS_CONV_SYNTAX, 0},
+        {comn_chartonum, "1.234", 10, 2, CS_CONV_TRUNCATED, 35},
+        {comn_chartonum, "123456", 5, 0, CS_CONV_OVERFLOW, 35},
+        {comn_chartonum, "99999", 5, 0, CS_SUCCEED, 35},
+        {comn_varchartonum, "abc", 10, 2, CS_CONV_OVERFLOW, 35},
+        {comn_varchartonum, "1.234", 10, 2, CS_CONV_OVERFLOW, 35},
+        {comn_varchartonum, "123456", 5, 0, CS_CONV_OVERFLOW, 35},
+        {comn_varchartonum, "12.5", 5, 1, CS_SUCCEED, 35},
+        {comn_varchartonum, "12.5", 5, CS_SRC_VALUE, CS_CONV_OVERFLOW, 35},
+    };
+    for (const auto &c : cases) {
+        DataFormat s{}, d{};
+        d.precision = c.precision;
+        d.scale = c.scale;
+        std::string text = c.text;
+        std::vector<char> src = varchar(text, static_cast<int16_t>(text.size()));
+        char *p = text.data();
+        if (c.f == comn_varchartonum)
+            p = src.data();
+        else
+            s.maxlength = static_cast<int32_t>(text.size());
+        EXPECT_EQ(c.f(nullptr, &s, p, &d, out, &len), c.rc) << c.text << " " << c.precision;
+        EXPECT_EQ(len, c.len) << c.text;
+    }
+}
+
+TEST(TextToNumeric, NullTerminatedSourceStopsAtTheZeroByte) {
+    const std::string t("12\0 99", 6);
+    DataFormat sf{}, df{};
+    sf.maxlength = 6;
+    df.precision = 10;
+    uint8_t out[35];
+    int32_t len = 0;
+    EXPECT_EQ(comn_chartonum(nullptr, &sf, const_cast<char *>(t.data()), &df, out, &len),
+              CS_CONV_SYNTAX);
+    sf.format = CS_FMT_NULLTERM;
+    EXPECT_EQ(comn_chartonum(nullptr, &sf, const_cast<char *>(t.data()), &df, out, &len),
+              CS_SUCCEED);
+    EXPECT_EQ(out[2 + comn_num_getlen(10) - 1], 12);
+}
+
+TEST(TextToMoney, ParserOutcomesBecomeResultCodes) {
+    Result r = convert(comn_chartomoney, "12.5", 8);
+    ASSERT_EQ(r.rc, CS_SUCCEED);
+    MoneyValue m;
+    std::memcpy(&m, r.out.data(), 8);
+    EXPECT_EQ(m.high, 0);
+    EXPECT_EQ(m.low, 125000u);
+    r = convert(comn_chartomoney, "12x", 8);
+    EXPECT_EQ(r.rc, CS_CONV_SYNTAX);
+    EXPECT_EQ(r.len, 0);
+    r = convert(comn_chartomoney, "99999999999999999999", 8);
+    EXPECT_EQ(r.rc, CS_CONV_OVERFLOW);
+    EXPECT_EQ(r.len, 8);
+    r = convert(comn_chartomny4, "300000", 4);
+    EXPECT_EQ(r.rc, CS_CONV_OVERFLOW);
+    EXPECT_EQ(r.len, 4);
+    r = convert(comn_chartomny4, "-1.25", 4);
+    ASSERT_EQ(r.rc, CS_SUCCEED);
+    int32_t m4;
+    std::memcpy(&m4, r.out.data(), 4);
+    EXPECT_EQ(m4, -12500);
+}
+
+DateRec crack(const Bytes &b) {
+    DateTimeValue v;
+    std::memcpy(&v, b.data(), 8);
+    DateRec rec{}, time{};
+    com__datecrack(&v, &rec);
+    com__timecrack(&v, &time);
+    rec.hour = time.hour;
+    rec.minute = time.minute;
+    rec.second = time.second;
+    rec.millisecond = time.millisecond;
+    return rec;
+}
+
+TEST(TextToDate, ParserOutcomesAndTheSourceLocale) {
+    Result r = convert(comn_chartodatetime, "Jan 15 1999 10:30:15.500PM", 8);
+    ASSERT_EQ(r.rc, CS_SUCCEED);
+    ASSERT_EQ(r.len, 8);
+    const DateRec d = crack(r.out);
+    EXPECT_EQ((std::vector<int>{d.year, d.month, d.day_of_month, d.hour, d.minute, d.second,
+                                d.millisecond}),
+              (std::vector<int>{1999, 0, 15, 22, 30, 15, 500}));
+    EXPECT_EQ(convert(comn_chartodatetime, "2/30/1999", 8).rc, CS_CONV_OVERFLOW);
+    EXPECT_EQ(convert(comn_chartodatetime, "2/30/1999", 8).len, 8);
+    EXPECT_EQ(convert(comn_chartodatetime, "Jan Feb 1999", 8).rc, CS_CONV_SYNTAX);
+    EXPECT_EQ(convert(comn_chartodatetime, "Jan Feb 1999", 8).len, 0);
+    EXPECT_EQ(convert(comn_chartodate4, "Jan 1 2100", 4).rc, CS_CONV_OVERFLOW);
+    EXPECT_EQ(convert(comn_chartodate4, "Jan 1 2000", 4).rc, CS_SUCCEED);
+
+    // Month names and date order come from the source format's locale.
+    TextCtx c;
+    LocaleHandle *fr = c.locale("fr_FR");
+    ASSERT_NE(fr, nullptr);
+    DateTimeValue v{};
+    int32_t len = 0;
+    EXPECT_EQ(convert_text(comn_chartodatetime, "15 f\xe9vrier 1999", &v, &len, c.get(), fr),
+              CS_SUCCEED);
+    DateRec rec{};
+    com__datecrack(&v, &rec);
+    EXPECT_EQ((std::vector<int>{rec.year, rec.month, rec.day_of_month}),
+              (std::vector<int>{1999, 1, 15}));
+    EXPECT_EQ(convert_text(comn_chartodatetime, "03/02/1999", &v, &len, c.get(), fr), CS_SUCCEED);
+    com__datecrack(&v, &rec);
+    EXPECT_EQ(rec.month, 1); // day-month-year
+    EXPECT_EQ(convert_text(comn_chartodatetime, "15 f\xe9vrier 1999", &v, &len, c.get()),
+              CS_CONV_SYNTAX);
+}
+
+TEST(TextInput, MultibyteTextInEachJapaneseSet) {
+    TextCtx c;
+    for (const JapaneseSet &set : kJapaneseSets) {
+        LocaleHandle *loc = c.locale(set.locale);
+        ASSERT_NE(loc, nullptr) << set.locale;
+        double d = 0;
+        int32_t len = 0;
+        EXPECT_EQ(
+            convert_text(comn_chartoflt8, full_width(" -1.5e3 ", set.sjis), &d, &len, c.get(), loc),
+            CS_SUCCEED)
+            << set.locale;
+        EXPECT_EQ(d, -1500.0) << set.locale;
+        DataFormat sf{}, df{};
+        const std::string t = full_width("-12.5", set.sjis);
+        sf.maxlength = static_cast<int32_t>(t.size());
+        sf.locale = loc;
+        df.precision = 5;
+        df.scale = 1;
+        uint8_t out[35];
+        ASSERT_EQ(comn_chartonum(c.get(), &sf, const_cast<char *>(t.data()), &df, out, &len),
+                  CS_SUCCEED)
+            << set.locale;
+        EXPECT_EQ(out[2], 1) << set.locale; // negative
+        EXPECT_EQ(out[2 + comn_num_getlen(5) - 1], 125) << set.locale;
+        // A lead byte as the last byte is never read past.
+        const std::string cut = "1" + full_width("2", set.sjis).substr(0, 1);
+        EXPECT_EQ(convert_text(comn_chartoflt8, cut, &d, &len, c.get(), loc), CS_CONV_SYNTAX);
+    }
+}
+
+TEST(TextInput, EmptyAndNegativeLengthSources) {
+    // An empty text (also a negative or zero maxlength): integers, floats and dates give
+    // zero, binary gives nothing, exact numerics need a digit.
+    struct {
+        ComConvFunc f;
+        int32_t rc;
+        int32_t len;
+    } cases[] = {
+        {comn_chartoi1, CS_SUCCEED, 1},       {comn_chartoi2, CS_SUCCEED, 2},
+        {comn_chartoi4, CS_SUCCEED, 4},       {comn_chartoi8, CS_SUCCEED, 4},
+        {comn_chartobit, CS_SUCCEED, 1},      {comn_chartoflt4, CS_SUCCEED, 4},
+        {comn_chartoflt8, CS_SUCCEED, 8},     {comn_chartodatetime, CS_SUCCEED, 8},
+        {comn_chartodate4, CS_SUCCEED, 4},    {comn_chartobin, CS_SUCCEED, 0},
+        {comn_chartovarbin, CS_SUCCEED, 258}, {comn_chartonum, CS_CONV_SYNTAX, 0},
+    };
+    for (int32_t maxlength : {0, -1, -100000}) {
+        for (const auto &c : cases) {
+            DataFormat sf{}, df{};
+            sf.maxlength = maxlength;
+            df.maxlength = 258;
+            df.precision = 10;
+            char src[4] = {'9', '9', '9', '9'};
+            uint8_t out[300];
+            std::memset(out, 0xEE, sizeof out);
+            int32_t len = -1;
+            EXPECT_EQ(c.f(nullptr, &sf, src, &df, out, &len), c.rc) << maxlength;
+            EXPECT_EQ(len, c.len) << maxlength;
+            if (c.len == 1 || c.len == 2 || c.len == 4 || c.len == 8) {
+                EXPECT_EQ(std::count(out, out + c.len, 0), c.len) << maxlength;
+            }
+        }
+    }
+}
+
+} // namespace
+
+namespace {
+
+// A hand-made attribute record: 0x81 leads a two-byte character; the ASCII map (when given)
+// knows 0x81 0x60 as 'Q' and maps 'a' to 'A'; the type map's lower-case byte of 0x81 is 'q'.
+struct FakeSet {
+    uint8_t width[256], ascii[512] = {}, types[1024] = {};
+    CharAttrib attr{};
+    FakeSet(bool with_width, bool with_ascii, bool with_types) {
+        std::memset(width, 0x11, sizeof width);
+        width[0x81] = 0x22;
+        ascii['a'] = 'A';
+        ascii[0x81] = 1;
+        ascii[256 + 0x60] = 'Q';
+        types[4 * 0x81 + 1] = 'q';
+        types[4 * 'b' + 1] = 'B';
+        attr.widthmap = with_width ? width : nullptr;
+        attr.asciimap = with_ascii ? ascii : nullptr;
+        attr.typemap = with_types ? types : nullptr;
+    }
+};
+
+TEST(ConvToAscii, ReadsEachKindOfTable) {
+    const std::string text = "ab\x81\x60z\x81\x61";
+    struct {
+        bool width, ascii, types;
+        int32_t capacity;
+        std::string want;
+    } cases[] = {
+        {true, true, true, 64,
+         "Ab"
+         "Q"
+         "z\x81\x61"}, // ASCII map; 81 61 has no equivalent
+        {true, false, true, 64,
+         "aB"
+         "q"
+         "zq"},                         // type map's lower-case byte
+        {true, false, false, 64, text}, // no table: bytes as they are
+        {false, true, true, 64,
+         "Ab\x01`z\x01"
+         "A"}, // single-byte: the entry is the byte
+        {false, false, true, 64, "aBq`zqa"},
+        {true, true, true, 3, "AbQ"},
+        {true, true, true, 5, "AbQz"}, // the last character needs two bytes: left out
+    };
+    for (const auto &c : cases) {
+        FakeSet set(c.width, c.ascii, c.types);
+        char out[64];
+        const int32_t n = com__conv2ascii(text.data(), static_cast<int32_t>(text.size()), out,
+                                          c.capacity, &set.attr);
+        EXPECT_EQ(std::string(out, static_cast<size_t>(n)), c.want)
+            << c.width << c.ascii << c.types << " " << c.capacity;
+    }
+    // A lead byte at the end of the source is copied as it is, and nothing past it is read.
+    FakeSet set(true, true, true);
+    char out[8];
+    EXPECT_EQ(com__conv2ascii("1\x81", 2, out, 8, &set.attr), 2);
+    EXPECT_EQ(std::string(out, 2), "1\x81");
+    EXPECT_EQ(com__conv2ascii("12", -1, out, 8, &set.attr), 0);
+    EXPECT_EQ(com__conv2ascii("12", 2, out, 0, &set.attr), 0);
+}
+
+} // namespace

@@ -1,0 +1,195 @@
+// Text to tinyint, smallint, int, the platform long and bit: a model of the scanner (blanks,
+// one sign, digits, blanks; wrapped low bits for the narrow types, clamping for 32 bits) run
+// beside the conversions over random texts of every width, then full-width numbers in each
+// shipped Japanese set against their ASCII twins, and the cut multibyte character.
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "text_input_util.h"
+
+namespace {
+
+struct Expect {
+    int32_t rc;
+    int32_t len;
+    int64_t value; // -1000000000000 when the destination is left alone
+};
+constexpr int64_t kUntouched = -1000000000000;
+__extension__ typedef __int128 Wide;
+
+bool model_space(unsigned char c) {
+    return c == ' ' || (c >= 0x09 && c <= 0x0F) || c == 0x8E || c == 0x8F || c == 0xA0 || c == 0xAD;
+}
+
+// kind: 1, 2, 4 (also "i8") or 0 for bit.
+Expect model(const std::string &t, int kind) {
+    size_t i = 0, n = t.size();
+    while (i < n && model_space(static_cast<unsigned char>(t[i])))
+        ++i;
+    const int size = kind == 0 ? 1 : kind;
+    if (i == n) return {CS_SUCCEED, size, 0};
+    bool neg = false;
+    if (t[i] == '+' || t[i] == '-') neg = t[i++] == '-';
+    const size_t first = i;
+    Wide v = 0;
+    for (; i < n && t[i] >= '0' && t[i] <= '9'; ++i) {
+        v = v * 10 + (t[i] - '0');
+        if (v > (Wide{1} << 40)) v = Wide{1} << 40;
+    }
+    const bool digits = i > first;
+    while (i < n && model_space(static_cast<unsigned char>(t[i])))
+        ++i;
+    // The narrow scanners store 0 whenever the 32-bit scan fails.
+    if (!digits || i != n) return {CS_CONV_SYNTAX, 0, kind == 1 || kind == 2 ? 0 : kUntouched};
+    if (neg) v = -v;
+    const bool fits32 = v >= INT32_MIN && v <= INT32_MAX;
+    switch (kind) {
+    case 0:
+        return fits32 ? Expect{CS_SUCCEED, 1, v != 0} : Expect{CS_CONV_OVERFLOW, 1, kUntouched};
+    case 4:
+        if (fits32) return {CS_SUCCEED, 4, static_cast<int64_t>(v)};
+        return {CS_CONV_OVERFLOW, 4, v < 0 ? INT32_MIN : INT32_MAX};
+    case 2:
+        if (!fits32) return {CS_CONV_OVERFLOW, 2, 0};
+        return {v >= -32768 && v <= 32767 ? CS_SUCCEED : CS_CONV_OVERFLOW, 2,
+                static_cast<int16_t>(static_cast<uint16_t>(static_cast<int64_t>(v)))};
+    default:
+        if (!fits32) return {CS_CONV_OVERFLOW, 1, 0};
+        return {static_cast<uint32_t>(static_cast<int64_t>(v)) <= 255 ? CS_SUCCEED
+                                                                      : CS_CONV_OVERFLOW,
+                1, static_cast<uint8_t>(static_cast<int64_t>(v))};
+    }
+}
+
+struct Width {
+    ComConvFunc f;
+    int kind;
+};
+const Width kWidths[] = {{comn_chartoi1, 1},
+                         {comn_chartoi2, 2},
+                         {comn_chartoi4, 4},
+                         {comn_chartoi8, 4},
+                         {comn_chartobit, 0}};
+
+Expect run(const Width &w, const std::string &t, ComContext *ctx = nullptr,
+           LocaleHandle *loc = nullptr) {
+    // Two runs over differently filled destinations tell a stored value from none.
+    int64_t raw[2];
+    int32_t rc = 0, len = -1;
+    for (int k = 0; k < 2; ++k) {
+        std::memset(&raw[k], k ? 0xA5 : 0x5A, sizeof raw[k]);
+        rc = convert_text(w.f, t, &raw[k], &len, ctx, loc);
+    }
+    const int bytes = w.kind == 0 ? 1 : w.kind;
+    if (std::memcmp(&raw[0], &raw[1], static_cast<size_t>(bytes)) != 0)
+        return {rc, len, kUntouched};
+    int64_t v;
+    switch (w.kind) {
+    case 4:
+        v = static_cast<int32_t>(raw[0]);
+        break;
+    case 2:
+        v = static_cast<int16_t>(raw[0]);
+        break;
+    default:
+        v = static_cast<uint8_t>(raw[0]);
+        break;
+    }
+    return {rc, len, v};
+}
+
+// A number text near the edges of every width, with blanks, signs and now and then junk.
+std::string random_text(std::mt19937_64 &rng) {
+    static const int64_t edges[] = {0,          1,          127,        255,        256,
+                                    32767,      32768,      65535,      65536,      2147483647,
+                                    2147483648, 4294967295, 4294967296, 99999999999};
+    auto pick = [&](int n) { return static_cast<int>(rng() % static_cast<uint64_t>(n)); };
+    std::string t;
+    static const char *const blanks[] = {"", "", " ", "  ", "\t", "\xa0", "\x0e"};
+    t += blanks[pick(7)];
+    t += "  +- -+"[pick(7)] == ' ' ? "" : std::string(1, "+-+-"[pick(4)]);
+    if (pick(10) == 0) t += std::string(static_cast<size_t>(pick(15)), '0');
+    int64_t v = pick(2) ? edges[pick(14)] + pick(3) - 1 : static_cast<int64_t>(rng() >> pick(64));
+    if (pick(20) != 0) t += std::to_string(v < 0 ? -v : v);
+    t += blanks[pick(7)];
+    if (pick(12) == 0)
+        t.insert(static_cast<size_t>(pick(static_cast<int>(t.size()) + 1)),
+                 std::string(1, "x. -+e\0"[pick(7)]));
+    return t;
+}
+
+TEST(TextToInteger, AgreesWithTheModelOverRandomTexts) {
+    std::mt19937_64 rng(16);
+    int failures = 0;
+    for (int i = 0; i < 200000 && failures < 10; ++i) {
+        const std::string t = random_text(rng);
+        for (const Width &w : kWidths) {
+            const Expect got = run(w, t), want = model(t, w.kind);
+            if (got.rc != want.rc || got.len != want.len || got.value != want.value) {
+                ++failures;
+                ADD_FAILURE() << "\"" << t << "\" kind " << w.kind << ": rc " << got.rc << " vs "
+                              << want.rc << ", len " << got.len << " vs " << want.len << ", value "
+                              << got.value << " vs " << want.value;
+            }
+        }
+    }
+}
+
+TEST(TextToInteger, DocumentedOutcomes) {
+    EXPECT_EQ(run(kWidths[1], "70000").rc, CS_CONV_OVERFLOW);
+    EXPECT_EQ(run(kWidths[1], "70000").value, 4464);
+    EXPECT_EQ(run(kWidths[1], "abc").rc, CS_CONV_SYNTAX);
+    EXPECT_EQ(run(kWidths[1], "abc").len, 0);
+    EXPECT_EQ(run(kWidths[4], "0").value, 0);
+    EXPECT_EQ(run(kWidths[4], "5").value, 1);
+    EXPECT_EQ(run(kWidths[4], "-7").value, 1);
+    EXPECT_EQ(run(kWidths[0], "-1").rc, CS_CONV_OVERFLOW);
+    EXPECT_EQ(run(kWidths[0], "-1").value, 255);
+    // Varchar sources: the length word bounds the text; a negative word is an empty text.
+    unsigned char v[258] = {};
+    std::memcpy(v + 2, "12345", 5);
+    for (const auto &[word, want] : {std::pair{2, 12}, {5, 12345}, {0, 0}, {-3, 0}}) {
+        const int16_t w = static_cast<int16_t>(word);
+        std::memcpy(v, &w, 2);
+        DataFormat sf{}, df{};
+        int32_t out = -1, len = 0;
+        EXPECT_EQ(comn_varchartoi4(nullptr, &sf, v, &df, &out, &len), CS_SUCCEED) << word;
+        EXPECT_EQ(out, want) << word;
+    }
+}
+
+TEST(TextToInteger, FullWidthNumbersInEachJapaneseSet) {
+    TextCtx c;
+    std::mt19937_64 rng(42);
+    for (const JapaneseSet &set : kJapaneseSets) {
+        LocaleHandle *loc = c.locale(set.locale);
+        ASSERT_NE(loc, nullptr) << set.locale;
+        int32_t v = 0, len = 0;
+        EXPECT_EQ(convert_text(comn_chartoi4, full_width("-12", set.sjis), &v, &len, c.get(), loc),
+                  CS_SUCCEED)
+            << set.locale;
+        EXPECT_EQ(v, -12) << set.locale;
+        for (int i = 0; i < 3000; ++i) {
+            // Mix full-width and ASCII characters at random; the result is the ASCII twin's.
+            std::string ascii = random_text(rng), mixed;
+            for (char ch : ascii) {
+                if (ch == '\t' || ch == '\xa0' || ch == '\x0e') ch = ' ';
+                mixed += rng() % 2 ? full_width(std::string(1, ch), set.sjis) : std::string(1, ch);
+            }
+            for (char &ch : ascii)
+                if (ch == '\t' || ch == '\xa0' || ch == '\x0e') ch = ' ';
+            for (const Width &w : kWidths) {
+                const Expect got = run(w, mixed, c.get(), loc), want = run(w, ascii);
+                ASSERT_EQ(got.rc, want.rc) << set.locale << " \"" << ascii << "\"";
+                ASSERT_EQ(got.value, want.value) << set.locale << " \"" << ascii << "\"";
+            }
+        }
+        // A lead byte with nothing after it is a cut character, not a digit.
+        const std::string cut = "12" + full_width("3", set.sjis).substr(0, 1);
+        EXPECT_EQ(convert_text(comn_chartoi4, cut, &v, &len, c.get(), loc), CS_CONV_SYNTAX);
+        EXPECT_EQ(len, 0);
+    }
+}
+
+} // namespace
