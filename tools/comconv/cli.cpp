@@ -30,7 +30,10 @@ bool parse_args(const std::vector<std::string> &argv, const std::vector<OptionSp
     bool options_done = false;
     for (size_t i = 0; i < argv.size(); ++i) {
         const std::string &a = argv[i];
-        if (options_done || a.size() < 2 || a[0] != '-') {
+        // A negative number is a value, not an option.
+        const bool number = a.size() > 1 && a[0] == '-' &&
+                            a.find_first_not_of("0123456789.", 1) == std::string::npos;
+        if (options_done || a.size() < 2 || a[0] != '-' || number) {
             out.words.push_back(a);
             continue;
         }
@@ -50,9 +53,6 @@ bool parse_args(const std::vector<std::string> &argv, const std::vector<OptionSp
         } else if (a.size() == 2) {
             for (const OptionSpec &s : specs)
                 if (s.short_name == a[1]) spec = &s;
-        } else if (a.find_first_not_of("0123456789.", 1) == std::string::npos) {
-            out.words.push_back(a); // a negative number is a value, not an option
-            continue;
         }
         if (!spec) {
             complain("unknown option '%s' (see --help)", a.c_str());

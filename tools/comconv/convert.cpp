@@ -310,7 +310,6 @@ int cmd_convert(ComContext &ctx, const Words &argv) {
         complain("cannot allocate a locale handle");
         return kFileError;
     }
-    install_text_bridges(ctx);
     if (!job.pipe.setup(ctx, from, to, s, h)) return kUsageError;
     job.field = static_cast<int>(field);
     job.csv = job.delim == ',';

@@ -1,5 +1,4 @@
-// Datatype names for the tool, and the stand-in text conversions it installs in its own
-// context for the cells of the conversion table the library does not fill yet.
+// Datatype names for the tool.
 #pragma once
 
 #include <cstdint>
@@ -17,10 +16,5 @@ const char *type_name(int32_t id);
 inline bool is_text(int32_t id) {
     return id == CS_CHAR || id == CS_LONGCHAR || id == CS_TEXT;
 }
-
-// Fills the empty text-to-value and value-to-text cells of the context's table with the
-// tool's own readers and printers (user conversions in that context only). Cells the library
-// fills are left as they are, so its routines always win.
-void install_text_bridges(ComContext &ctx);
 
 } // namespace comconv
