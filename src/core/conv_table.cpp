@@ -169,11 +169,23 @@ constexpr auto kDefaultTable = comn::expand();
 
 extern "C" {
 
+// A C array cannot be initialised from a std::array, so the cells are listed by index:
+// COMN_CELLS_64(i) is the 64 cells from i on, and nine of them make the table.
+#define COMN_CELLS_4(i)                                                                            \
+    kDefaultTable[i], kDefaultTable[i + 1], kDefaultTable[i + 2], kDefaultTable[i + 3]
+#define COMN_CELLS_16(i)                                                                           \
+    COMN_CELLS_4(i), COMN_CELLS_4(i + 4), COMN_CELLS_4(i + 8), COMN_CELLS_4(i + 12)
+#define COMN_CELLS_64(i)                                                                           \
+    COMN_CELLS_16(i), COMN_CELLS_16(i + 16), COMN_CELLS_16(i + 32), COMN_CELLS_16(i + 48)
+static_assert(COMN_CONV_DIM * COMN_CONV_DIM == 9 * 64, "list every cell of the table below");
 const ComConvFunc Com__cnvrt_array[COMN_CONV_DIM * COMN_CONV_DIM] = {
-#define COMN_CELL_(i) kDefaultTable[i]
-#include "core/conv_table_cells.inc"
-#undef COMN_CELL_
+    COMN_CELLS_64(0),   COMN_CELLS_64(64),  COMN_CELLS_64(128),
+    COMN_CELLS_64(192), COMN_CELLS_64(256), COMN_CELLS_64(320),
+    COMN_CELLS_64(384), COMN_CELLS_64(448), COMN_CELLS_64(512),
 };
+#undef COMN_CELLS_64
+#undef COMN_CELLS_16
+#undef COMN_CELLS_4
 
 COMN_API void com__get_ctbl(const ComConvFunc **table, uint32_t *dim) {
     if (table) *table = Com__cnvrt_array;

@@ -2,7 +2,7 @@
 find_package(Python3 COMPONENTS Interpreter)
 if(Python3_FOUND)
   add_test(NAME msgfiles_generated
-    COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tools/gen/gen_msgfiles.py --check
+    COMMAND ${Python3_EXECUTABLE} -B ${PROJECT_SOURCE_DIR}/tools/gen/gen_msgfiles.py --check
             ${PROJECT_SOURCE_DIR})
   set_tests_properties(msgfiles_generated PROPERTIES LABELS msg)
 endif()

@@ -21,14 +21,16 @@ The tables of the real code pages are derived from Python's codecs and unicodeda
     8F and AD as space, no graphic bit), so that a locale loaded from the home classifies
     exactly like the built-in record.
 
-Run from the repository root: python3 tools/gen/gen_charsets.py
+Usage: gen_charsets.py [--check] [ROOT]
 """
 import os
 import sys
 import unicodedata
 
-ROOT = os.path.normpath(os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", ".."))
-HOME = os.path.join(ROOT, "home", "charsets")
+from gen_output import emit, parse_args
+
+HOME = os.path.join("home", "charsets")
+FILES = {}  # path relative to the repository: contents
 
 UPPER, LOWER, DIGIT, SPACE, XDIGIT, PUNCT, GRAPH, LEAD = 1, 2, 4, 8, 16, 32, 64, 128
 
@@ -140,9 +142,7 @@ def typemap_cells(entries):
 
 
 def write(path, lines):
-    os.makedirs(os.path.dirname(path), exist_ok=True)
-    with open(path, "w") as f:
-        f.write("\n".join(lines) + "\n")
+    FILES[path] = ("\n".join(lines) + "\n").encode("ascii")
 
 
 def header(what, name, image_id, level):
@@ -451,7 +451,8 @@ def gen_dictionary(charset, codec, entries):
     sort_file("dict", charset, 51, "Dictionary", weights, specials)
 
 
-def main():
+def main(argv):
+    check, root = parse_args(argv)
     for name, (codec, image_id) in SINGLE_BYTE.items():
         entries = gen_single_byte(name, codec, image_id)
         gen_binary(name)
@@ -462,8 +463,8 @@ def main():
         gen_multibyte(name, image_id)
         gen_binary(name)
     gen_utf8()
-    return 0
+    return emit(FILES, check, root)
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(main(sys.argv[1:]))

@@ -5,11 +5,14 @@
   home/locales/locales.dat                       the locale names of the section "linux"
 
 Names are written in each character set's own encoding, through the same Python codecs from
-which tools/gen/gen_charsets.py builds the character sets. Run from the repository root:
-    python3 tools/gen/gen_locales.py
+which tools/gen/gen_charsets.py builds the character sets.
+
+Usage: gen_locales.py [--check] [ROOT]
 """
 import os
 import sys
+
+from gen_output import emit, parse_args
 
 CODECS = {
     "iso_1": "latin-1", "ascii8": "ascii", "cp850": "cp850", "cp437": "cp437",
@@ -169,18 +172,14 @@ def locales_dat():
     return ("\n".join(lines) + "\n").encode("ascii")
 
 
-def main():
-    root = sys.argv[1] if len(sys.argv) > 1 else "."
-    home = os.path.join(root, "home", "locales")
-    for lang, info in LANGUAGES.items():
-        for cs in info["charsets"]:
-            d = os.path.join(home, lang, cs)
-            os.makedirs(d, exist_ok=True)
-            with open(os.path.join(d, "common.loc"), "wb") as f:
-                f.write(common_loc(lang, cs, info))
-    with open(os.path.join(home, "locales.dat"), "wb") as f:
-        f.write(locales_dat())
+def main(argv):
+    check, root = parse_args(argv)
+    home = os.path.join("home", "locales")
+    files = {os.path.join(home, lang, cs, "common.loc"): common_loc(lang, cs, info)
+             for lang, info in LANGUAGES.items() for cs in info["charsets"]}
+    files[os.path.join(home, "locales.dat")] = locales_dat()
+    return emit(files, check, root)
 
 
 if __name__ == "__main__":
-    main()
+    sys.exit(main(sys.argv[1:]))

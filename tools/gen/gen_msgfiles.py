@@ -8,12 +8,13 @@ is written: it must name exactly the values its message takes (%1! .. %n!), enco
 target character set, and, in Shift-JIS, hold no byte 0x5C (the reader would take it for a
 backslash).
 
-Usage: gen_msgfiles.py [--check] [ROOT]   (ROOT defaults to the repository; --check compares
-instead of writing and exits 1 on any difference)
+Usage: gen_msgfiles.py [--check] [ROOT]
 """
 import os
 import re
 import sys
+
+from gen_output import emit, parse_args
 
 # (language, charset directory, Python codec)
 TARGETS = [
@@ -322,35 +323,18 @@ def render(language, charset, codec, sections, messages, wanted):
 
 
 def main(argv):
-    check = "--check" in argv
-    args = [a for a in argv if a != "--check"]
-    root = args[0] if args else os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..")
+    check, root = parse_args(argv)
     sections, messages = read_header(root)
     for language in TEXTS:
         missing = [m[0] for m in messages if m[0] not in TEXTS[language]]
         if missing:
             sys.exit(f"gen_msgfiles: {language} lacks {missing}")
-    stale = []
+    files = {}
     for language, charset, codec in TARGETS:
         for fname, wanted in FILES.items():
-            data = render(language, charset, codec, sections, messages, wanted)
-            path = os.path.join(root, "home", "locales", language, charset, fname)
-            if check:
-                try:
-                    same = open(path, "rb").read() == data
-                except OSError:
-                    same = False
-                if not same:
-                    stale.append(path)
-            else:
-                os.makedirs(os.path.dirname(path), exist_ok=True)
-                with open(path, "wb") as f:
-                    f.write(data)
-    if stale:
-        print("gen_msgfiles: out of date:", *stale, sep="\n  ")
-        return 1
-    return 0
-
+            path = os.path.join("home", "locales", language, charset, fname)
+            files[path] = render(language, charset, codec, sections, messages, wanted)
+    return emit(files, check, root)
 
 if __name__ == "__main__":
     sys.exit(main(sys.argv[1:]))

@@ -14,13 +14,13 @@ Python's encoders do, except for two lossy fallbacks of theirs that the library 
 make: yen sign and overline to the ASCII backslash and tilde (those bytes are ASCII in the
 library's sets, so the two characters have no counterpart).
 
-Run from the repository root: python3 tools/gen/gen_unicode_tables.py
+Usage: gen_unicode_tables.py [--check] [ROOT]
 """
-import os
 import sys
 
-ROOT = os.path.normpath(os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", ".."))
-OUT = os.path.join(ROOT, "src", "intl", "unicode_tables.h")
+from gen_output import emit, parse_args
+
+OUT = "src/intl/unicode_tables.h"
 
 SINGLE_BYTE = [("iso_1", "latin-1"), ("cp850", "cp850"), ("cp437", "cp437"),
                ("roman8", "hp-roman8"), ("mac", "mac-roman")]
@@ -75,7 +75,8 @@ def rows(values, width, per_row=16):
     return out
 
 
-def main():
+def main(argv):
+    check_only, root = parse_args(argv)
     sb = [[decode(bytes([b]), codec) for b in range(0x80, 0x100)] for _, codec in SINGLE_BYTE]
     jis0208, jis0212 = jis_plane(b""), jis_plane(b"\x8f")
     check(jis0208, jis0212)
@@ -104,10 +105,8 @@ def main():
         lines += rows(plane, 4, 94 // 2)
         lines += ["}};", ""]
     lines += ["} // namespace comn", "", "#endif", ""]
-    with open(OUT, "w") as f:
-        f.write("\n".join(lines))
-    return 0
+    return emit({OUT: "\n".join(lines).encode("ascii")}, check_only, root)
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(main(sys.argv[1:]))
