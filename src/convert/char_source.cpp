@@ -260,18 +260,10 @@ int32_t to_num(ComContext *ctx, DataFormat *srcfmt, void *src, DataFormat *destf
     const int32_t rc = com__subchartoexctnume(text, n, &bytes, &length, &out[0], &out[1], 0);
     // A precision taken from the text leaves the value right-aligned in the area.
     if (bytes != out + 2 && length > 0) std::memmove(out + 2, bytes, static_cast<size_t>(length));
-    if (S::varchar) return rc == 1 || rc == 2 || rc == 6 ? CS_CONV_OVERFLOW : CS_SUCCEED;
-    switch (rc) {
-    case 1:
-        return CS_CONV_OVERFLOW;
-    case 2:
-        *destlen = 0;
-        return CS_CONV_SYNTAX;
-    case 6:
-        return CS_CONV_TRUNCATED;
-    default:
-        return CS_SUCCEED;
-    }
+    const int32_t conv = comn__arith_to_conv_trunc(rc);
+    if (S::varchar) return conv == CS_SUCCEED ? CS_SUCCEED : CS_CONV_OVERFLOW;
+    if (conv == CS_CONV_SYNTAX) *destlen = 0;
+    return conv;
 }
 
 // ---- Money and dates: each parser has a wide and a narrow form ----
