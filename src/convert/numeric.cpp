@@ -47,7 +47,7 @@ int32_t num_to_double(const void *src, double *d) {
     NumericValue s;
     if (!load_source(src, &s)) return CS_CONV_DOMAIN;
     const ExactNumericRef x = view(s);
-    return com__subexctnumetoflt8(&x, d) == 0 ? CS_SUCCEED : CS_CONV_OVERFLOW;
+    return com__subexctnumetoflt8(&x, d) == COMN_ARITH_OK ? CS_SUCCEED : CS_CONV_OVERFLOW;
 }
 
 constexpr int32_t kTextArea = 80; // "-0." and 77 digits
