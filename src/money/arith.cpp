@@ -3,11 +3,11 @@
 // 4-byte money, with the client and old entry points of each.
 //
 // An 8-byte value is handled as the 64-bit integer its two words denote. Overflow policy,
-// decided per operation and relied on by callers:
-//   add / subtract      destination 0, code 1;
-//   negate              8-byte: destination keeps the smallest value, code 1;
-//                       4-byte: destination left as it was, code 1;
-//   increment/decrement the wrapped value stays in place, code 1.
+// decided per operation and relied on by callers (the code is COMN_ARITH_OVERFLOW):
+//   add / subtract      destination 0;
+//   negate              8-byte: destination keeps the smallest value;
+//                       4-byte: destination left as it was;
+//   increment/decrement the wrapped value stays in place.
 #include "money/money_internal.h"
 
 using comn::mny_get;

@@ -26,7 +26,8 @@ bool is_zero(const MoneyValue &m) {
     return m.high == 0 && m.low == 0;
 }
 
-// Numeric back to money; code 1 when it does not fit 64 signed bits of 1/10000 units.
+// Numeric back to money; COMN_ARITH_OVERFLOW when it does not fit 64 signed bits of 1/10000
+// units.
 int32_t to_money(const ExactNumericRef &x, MoneyValue *dst) {
     if (com__exctnumetomny8(&x, dst) != 1) {
         mny_set(dst, 0);
