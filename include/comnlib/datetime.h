@@ -52,7 +52,30 @@ typedef struct ComValueDesc {
     void *value;
 } ComValueDesc;
 
-/* ---- Calendar (internal layer: 0 is success, small positive codes are failures) ---- */
+/* ---- Date result codes ----
+   Success, text the parser cannot read (negative) and values out of range (positive). The
+   calendar answers the range codes: com__datemake the year, month or day, com__timemake the
+   hour, minute, second or millisecond; com__date_add, com__datediff, com__dttodate4 and
+   com__dateadd_both COMN_DATE_RANGE for a result beyond the calendar. The parser folds
+   every time component into COMN_DATE_RANGE. The formatter's negative results have their
+   own two names. */
+#define COMN_DATE_CODES(X)                                                                         \
+    X(COMN_DATE_OK, 0)                                                                             \
+    X(COMN_DATE_MALFORMED, -1)                                                                     \
+    X(COMN_DATE_LEFTOVER, -2)                                                                      \
+    X(COMN_DATE_RANGE, 1)                                                                          \
+    X(COMN_DATE_MONTH_RANGE, 2)                                                                    \
+    X(COMN_DATE_DAY_RANGE, 3)                                                                      \
+    X(COMN_DATE_HOUR_RANGE, 4)                                                                     \
+    X(COMN_DATE_MINUTE_RANGE, 5)                                                                   \
+    X(COMN_DATE_SECOND_RANGE, 6)                                                                   \
+    X(COMN_DATE_MSEC_RANGE, 7)                                                                     \
+    X(COMN_DATE_AMPM, 9)                                                                           \
+    X(COMN_DATE_NOSTYLE, -1)                                                                       \
+    X(COMN_DATE_NONAMES, -2)
+enum { COMN_DATE_CODES(COMN_ENUM_ROW_) };
+
+/* ---- Calendar (internal layer: COMN_DATE_OK or a range code) ---- */
 COMN_API int32_t com__leapcnt(int32_t n);
 COMN_API void com__datecrack(const DateTimeValue *dt, DateRec *rec);
 COMN_API void com__timecrack(const DateTimeValue *dt, DateRec *rec);
@@ -87,8 +110,9 @@ COMN_API DateTime4Value *com_date4zero(DateTime4Value *dt4);
 COMN_API void com_setdatetime(DateTimeValue *dt, int32_t days, uint32_t ticks);
 
 /* ---- Parsing ----
-   Results: 0 success; -1 malformed; -2 tokens left over; 1 year or time component out of
-   range; 2 month out of range; 3 day out of range; 9 AM/PM does not fit the hour.
+   Results: COMN_DATE_OK; COMN_DATE_MALFORMED; COMN_DATE_LEFTOVER (tokens left over);
+   COMN_DATE_RANGE (year or time component); COMN_DATE_MONTH_RANGE; COMN_DATE_DAY_RANGE;
+   COMN_DATE_AMPM (AM/PM does not fit the hour).
    attr may be null: plain ASCII classes with upper-case folding. */
 COMN_API int32_t com__datefromchar_mb(DateTimeValue *out, const char *text, int32_t len,
                                       int32_t style, int32_t dateorder,
@@ -106,8 +130,8 @@ COMN_API int32_t com__year2digit(int32_t *year);
 
 /* ---- Formatting ----
    Returns the bytes written (no terminator), 0 when the text did not fit in max bytes (the
-   prefix that fits is written), -1 for an unknown style, -2 when the style shows month names
-   and none were given. A negative max means no limit. */
+   prefix that fits is written), COMN_DATE_NOSTYLE for an unknown style, COMN_DATE_NONAMES
+   when the style shows month names and none were given. A negative max means no limit. */
 COMN_API int32_t com__datetochar(const DateTimeValue *dt, char *out, int32_t max, int32_t style,
                                  const char *const *month_names);
 COMN_API int32_t com__date4tochar(const DateTime4Value *dt4, char *out, int32_t max, int32_t style,

@@ -3,10 +3,9 @@
  *
  * MoneyValue is a 64-bit two's-complement count of 1/10000 units (upper word first);
  * Money4Value a 32-bit one. Most operations exist in three layers with the same arithmetic:
- *   com__mny...  internal: returns a small code (0 success, 1 overflow, 2 syntax,
- *                3 division by zero, 6 digits dropped, treated as overflow);
- *   comn_mny...  client: the same with the code mapped to CS_SUCCEED / CS_CONV_OVERFLOW /
- *                CS_CONV_SYNTAX / CS_CONV_DIVZERO;
+ *   com__mny...  internal: returns an arithmetic code (COMN_ARITH_OK, _OVERFLOW, _SYNTAX,
+ *                _DIVZERO, _DROPPED; see types.h);
+ *   comn_mny...  client: the same with the code mapped by comn__arith_to_conv;
  *   com_mny...   old: the internal code handed back unchanged.
  */
 #ifndef COMNLIB_MONEY_H
@@ -18,13 +17,6 @@
 #include "types.h"
 
 COMN_BEGIN_DECLS
-
-/* Internal result codes of the money (and exact numeric) routines. */
-#define COM_MNY_OK 0
-#define COM_MNY_OVERFLOW 1
-#define COM_MNY_SYNTAX 2
-#define COM_MNY_DIVZERO 3
-#define COM_MNY_DROPPED 6
 
 /* clang-format off */
 /* ---- Layered 8-byte and 4-byte operations ----
@@ -112,7 +104,7 @@ COMN_API void com__mny16div(const MoneyValue *dividend, const MoneyValue *diviso
 /* Logical right shift by one bit per significant bit of count. */
 COMN_API void com__mnyshift(MoneyValue *value, int32_t count);
 
-/* Money has no remainder operation: both always return 1 (overflow). */
+/* Money has no remainder operation: both always return COMN_ARITH_OVERFLOW. */
 COMN_API int32_t com__mnyrem(const MoneyValue *a, const MoneyValue *b, MoneyValue *dst);
 COMN_API int32_t com__mnyrem4(const Money4Value *a, const Money4Value *b, Money4Value *dst);
 
@@ -131,7 +123,7 @@ COMN_API char *com_precmnytochar(const MoneyValue *value, char *buf, int32_t buf
                                  int32_t separators, int32_t places);
 
 /* Parses money text of len bytes through the character set's attribute record (null: the
-   built-in single-byte Latin-1 rules). Returns 0, 1 (overflow) or 2 (syntax). The fourth
+   built-in single-byte Latin-1 rules). Returns COMN_ARITH_OK, _OVERFLOW or _SYNTAX. The fourth
    argument is not used. */
 COMN_API int32_t com__mnyfromchar_mb(MoneyValue *dst, const char *text, int32_t len, int32_t unused,
                                      const CharAttrib *charset);
@@ -180,7 +172,7 @@ static inline void comn__mny_set(MoneyValue *m, int64_t v) {
    checked-arithmetic builtins. */
 #ifndef COMN_NO_INLINE_MONEY
 /* Sum (subtract 0) or difference (subtract 1); on overflow the destination is 0 and the code
-   COM_MNY_OVERFLOW. */
+   COMN_ARITH_OVERFLOW. */
 static inline int32_t comn__mny_addsub(const MoneyValue *a, const MoneyValue *b, MoneyValue *dst,
                                        int subtract) {
     const int64_t x = comn__mny_get(a), y = comn__mny_get(b);
@@ -194,28 +186,27 @@ static inline int32_t comn__mny_addsub(const MoneyValue *a, const MoneyValue *b,
     r = (int64_t)ur;
 #endif
     comn__mny_set(dst, over ? 0 : r);
-    return over ? COM_MNY_OVERFLOW : COM_MNY_OK;
+    return over ? COMN_ARITH_OVERFLOW : COMN_ARITH_OK;
 }
 static inline int32_t comn__mny4_addsub(const Money4Value *a, const Money4Value *b,
                                         Money4Value *dst, int subtract) {
     const int64_t r = subtract ? (int64_t)a->mny4 - b->mny4 : (int64_t)a->mny4 + b->mny4;
     const int over = r < INT32_MIN || r > INT32_MAX;
     dst->mny4 = over ? 0 : (int32_t)r;
-    return over ? COM_MNY_OVERFLOW : COM_MNY_OK;
+    return over ? COMN_ARITH_OVERFLOW : COMN_ARITH_OK;
 }
-#define COMN__MNY_CLIENT(code) ((code) == COM_MNY_OK ? CS_SUCCEED : CS_CONV_OVERFLOW)
 #define com__mnyadd(a, b, dst) comn__mny_addsub((a), (b), (dst), 0)
 #define com__mnysub(a, b, dst) comn__mny_addsub((a), (b), (dst), 1)
 #define com_mnyadd(a, b, dst) comn__mny_addsub((a), (b), (dst), 0)
 #define com_mnysub(a, b, dst) comn__mny_addsub((a), (b), (dst), 1)
-#define comn_mnyadd(a, b, dst) COMN__MNY_CLIENT(comn__mny_addsub((a), (b), (dst), 0))
-#define comn_mnysub(a, b, dst) COMN__MNY_CLIENT(comn__mny_addsub((a), (b), (dst), 1))
+#define comn_mnyadd(a, b, dst) comn__arith_to_conv(comn__mny_addsub((a), (b), (dst), 0))
+#define comn_mnysub(a, b, dst) comn__arith_to_conv(comn__mny_addsub((a), (b), (dst), 1))
 #define com__mnyadd4(a, b, dst) comn__mny4_addsub((a), (b), (dst), 0)
 #define com__mnysub4(a, b, dst) comn__mny4_addsub((a), (b), (dst), 1)
 #define com_mny4add(a, b, dst) comn__mny4_addsub((a), (b), (dst), 0)
 #define com_mny4sub(a, b, dst) comn__mny4_addsub((a), (b), (dst), 1)
-#define comn_mny4add(a, b, dst) COMN__MNY_CLIENT(comn__mny4_addsub((a), (b), (dst), 0))
-#define comn_mny4sub(a, b, dst) COMN__MNY_CLIENT(comn__mny4_addsub((a), (b), (dst), 1))
+#define comn_mny4add(a, b, dst) comn__arith_to_conv(comn__mny4_addsub((a), (b), (dst), 0))
+#define comn_mny4sub(a, b, dst) comn__arith_to_conv(comn__mny4_addsub((a), (b), (dst), 1))
 #endif
 
 COMN_END_DECLS

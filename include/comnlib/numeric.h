@@ -6,9 +6,9 @@
  * magnitude, most significant byte first, holding |value| * 10^scale. The routines work on
  * ExactNumericRef descriptors that point into a NumericValue or a scratch buffer.
  *
- * Internal routines return small codes: 0 success, 1 overflow (the value does not fit its
- * destination), 3 division by zero, 6 digits dropped by downward scaling (2 syntax error
- * from the text parser).
+ * Internal routines return the arithmetic codes of types.h: COMN_ARITH_OK, _OVERFLOW (the
+ * value does not fit its destination), _DIVZERO, _DROPPED (digits dropped by downward
+ * scaling) and, from the text parser, _SYNTAX.
  */
 #ifndef COMNLIB_NUMERIC_H
 #define COMNLIB_NUMERIC_H

@@ -94,6 +94,37 @@ enum {
    storing the reader's own status in the context's intl_status. */
 #define COM_INTL_ERROR (-301)
 
+/* ---- Arithmetic codes: what the internal money and exact-numeric routines return. ----
+   DROPPED: digits were (or would have to be) rounded away by a downward scaling. */
+#define COMN_ARITH_CODES(X)                                                                        \
+    X(COMN_ARITH_OK, 0)                                                                            \
+    X(COMN_ARITH_OVERFLOW, 1)                                                                      \
+    X(COMN_ARITH_SYNTAX, 2)                                                                        \
+    X(COMN_ARITH_DIVZERO, 3)                                                                       \
+    X(COMN_ARITH_DROPPED, 6)
+enum { COMN_ARITH_CODES(COMN_ENUM_ROW_) };
+
+/* The one mapping from an arithmetic code to the conversion result the client layers
+   return (dropped digits count as an overflow there); the codes above are all there are,
+   anything else counts as success. */
+static inline int32_t comn__arith_to_conv(int32_t code) {
+    switch (code) {
+    case COMN_ARITH_OVERFLOW:
+    case COMN_ARITH_DROPPED:
+        return CS_CONV_OVERFLOW;
+    case COMN_ARITH_SYNTAX:
+        return CS_CONV_SYNTAX;
+    case COMN_ARITH_DIVZERO:
+        return CS_CONV_DIVZERO;
+    default:
+        return CS_SUCCEED;
+    }
+}
+/* The same for conversions, where rounded-away decimals are a truncation of the value. */
+static inline int32_t comn__arith_to_conv_trunc(int32_t code) {
+    return code == COMN_ARITH_DROPPED ? CS_CONV_TRUNCATED : comn__arith_to_conv(code);
+}
+
 /* Precision or scale marker: take it from the source value. */
 #define CS_SRC_VALUE (-2562)
 

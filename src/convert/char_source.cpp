@@ -260,18 +260,10 @@ int32_t to_num(ComContext *ctx, DataFormat *srcfmt, void *src, DataFormat *destf
     const int32_t rc = com__subchartoexctnume(text, n, &bytes, &length, &out[0], &out[1], 0);
     // A precision taken from the text leaves the value right-aligned in the area.
     if (bytes != out + 2 && length > 0) std::memmove(out + 2, bytes, static_cast<size_t>(length));
-    if (S::varchar) return rc == 1 || rc == 2 || rc == 6 ? CS_CONV_OVERFLOW : CS_SUCCEED;
-    switch (rc) {
-    case 1:
-        return CS_CONV_OVERFLOW;
-    case 2:
-        *destlen = 0;
-        return CS_CONV_SYNTAX;
-    case 6:
-        return CS_CONV_TRUNCATED;
-    default:
-        return CS_SUCCEED;
-    }
+    const int32_t conv = comn__arith_to_conv_trunc(rc);
+    if (S::varchar) return conv == CS_SUCCEED ? CS_SUCCEED : CS_CONV_OVERFLOW;
+    if (conv == CS_CONV_SYNTAX) *destlen = 0;
+    return conv;
 }
 
 // ---- Money and dates: each parser has a wide and a narrow form ----
@@ -306,8 +298,8 @@ struct P_date4 {
     }
 };
 
-// Money parsers answer 1 for overflow and 2 for syntax; date parsers a negative value for
-// syntax and a positive one for a value out of range.
+// Money parsers answer arithmetic codes; date parsers a negative code for text they cannot
+// read and a positive one for a value out of range.
 template <typename S, typename P>
 int32_t to_parsed(ComContext *ctx, DataFormat *srcfmt, void *src, void *dest, int32_t *destlen) {
     constexpr bool money = std::is_same_v<P, P_money> || std::is_same_v<P, P_mny4>;
@@ -315,12 +307,12 @@ int32_t to_parsed(ComContext *ctx, DataFormat *srcfmt, void *src, void *dest, in
     *destlen = sizeof(typename P::V);
     typename P::V v{};
     const int32_t rc = P::parse(&v, t, ctx, srcfmt, com_intl_charattr(ctx, srcfmt));
-    if (money ? rc == 2 : rc < 0) {
+    if (money ? rc == COMN_ARITH_SYNTAX : rc < COMN_DATE_OK) {
         *destlen = 0;
         return CS_CONV_SYNTAX;
     }
     store(dest, v);
-    if (money ? rc == 1 : rc > 0) return CS_CONV_OVERFLOW;
+    if (money ? rc == COMN_ARITH_OVERFLOW : rc > COMN_DATE_OK) return CS_CONV_OVERFLOW;
     return CS_SUCCEED;
 }
 

@@ -33,7 +33,7 @@ int32_t to_text(ComContext *ctx, DataFormat *srcfmt, const void *src, DataFormat
     const int32_t style = comn_get_datetochar_fmt(ctx, destfmt);
     const int32_t n = format(load<V>(src), out, max, style, dtloc::short_months(ctx, srcfmt));
     *truncated = n == 0;
-    if (n == -1) return CS_CONV_STYLE;
+    if (n == COMN_DATE_NOSTYLE) return CS_CONV_STYLE;
     if (n < 0) return CS_CONV_SYNTAX;
     return n;
 }
@@ -126,7 +126,7 @@ COMN_API int32_t comn_datetodate4(ComContext *, DataFormat *, void *src, DataFor
     *destlen = sizeof(DateTime4Value);
     const DateTimeValue dt = load<DateTimeValue>(src);
     DateTime4Value out;
-    if (com__dttodate4(&dt, &out) != 0) return CS_CONV_OVERFLOW;
+    if (com__dttodate4(&dt, &out) != COMN_DATE_OK) return CS_CONV_OVERFLOW;
     std::memcpy(dest, &out, sizeof out);
     return CS_SUCCEED;
 }

@@ -88,7 +88,7 @@ int32_t into_numeric(DataFormat *destfmt, const void *src, void *dest, int32_t *
     out->precision = static_cast<uint8_t>(prec);
     out->scale = static_cast<uint8_t>(scale);
     ExactNumericRef x{comn_num_getlen(prec), out->precision, out->scale, out->array};
-    if (S::store(v, &x) != 0) {
+    if (S::store(v, &x) != COMN_ARITH_OK) {
         std::memset(out->array, 0, static_cast<size_t>(x.length));
         return CS_CONV_OVERFLOW;
     }

@@ -80,7 +80,7 @@ int32_t money_to_int(const void *src, void *dest, int32_t *destlen) {
     const MoneyValue m = S::wide(src);
     int32_t whole;
     int64_t v;
-    if (com__mnytoint(&m, &whole) != COM_MNY_OK)
+    if (com__mnytoint(&m, &whole) != COMN_ARITH_OK)
         v = m.high < 0 ? INT64_MIN : INT64_MAX; // beyond either end of any destination
     else
         v = whole;
@@ -156,7 +156,7 @@ int32_t int_to_mny4(const void *src, void *dest, int32_t *destlen) {
     Money4Value m;
     const int32_t code = com__inttomny4(&m, load<T>(src));
     store(dest, m);
-    return mny_client_code(code);
+    return comn__arith_to_conv(code);
 }
 
 // A float source is a value of its fixed size: its length is never the "no value" length 0.

@@ -30,7 +30,7 @@ int32_t money_to_num(const MoneyValue &m, DataFormat *destfmt, void *dest, int32
     ExactNumericRef src{9, 19, 4, bytes};
     com__mny8toexctnume(&m, &src);
     ExactNumericRef dst{comn_num_getlen(precision), out->precision, out->scale, out->array};
-    return com__exctnume_round(&src, &dst, scale) == COM_MNY_OK ? CS_SUCCEED : CS_CONV_OVERFLOW;
+    return comn__arith_to_conv(com__exctnume_round(&src, &dst, scale));
 }
 
 // Validates a numeric source and converts it to 8-byte money; CS_SUCCEED, CS_CONV_DOMAIN or

@@ -18,15 +18,14 @@
 // To binary and varbinary: the 35 bytes of the value as they stand.
 //
 // Numeric to numeric (comn_numtonum): a precision or scale of CS_SRC_VALUE takes the
-// source's. The magnitude is copied into the destination's length as it stands (a source
-// magnitude that does not fit that length overflows even if rescaling would have shrunk it),
-// rescaled to the destination's scale (rounding half away from zero; lost digits give
-// CS_CONV_TRUNCATED) and finally tested against the destination's precision.
+// source's; the numerics' own rescaling does the rest (rounding half away from zero; lost
+// digits give CS_CONV_TRUNCATED).
 #include <cstring>
 
 #include "comnlib/convert.h"
 #include "comnlib/numeric.h"
 #include "convert/cross_text.h"
+#include "numeric/descriptor.h"
 
 namespace comn {
 namespace {
@@ -48,7 +47,7 @@ int32_t num_to_double(const void *src, double *d) {
     NumericValue s;
     if (!load_source(src, &s)) return CS_CONV_DOMAIN;
     const ExactNumericRef x = view(s);
-    return com__subexctnumetoflt8(&x, d) == 0 ? CS_SUCCEED : CS_CONV_OVERFLOW;
+    return com__subexctnumetoflt8(&x, d) == COMN_ARITH_OK ? CS_SUCCEED : CS_CONV_OVERFLOW;
 }
 
 constexpr int32_t kTextArea = 80; // "-0." and 77 digits
@@ -125,15 +124,8 @@ COMN_API int32_t comn_numtonum(ComContext *, DataFormat *, void *src, DataFormat
     const int32_t scale = destfmt->scale == CS_SRC_VALUE ? s.scale : destfmt->scale;
     if (scale < 0 || scale > CS_MAX_SCALE) return CS_CONV_SCALE;
 
-    auto *d = static_cast<NumericValue *>(dest);
-    d->precision = static_cast<uint8_t>(prec);
-    d->scale = static_cast<uint8_t>(scale);
-    const ExactNumericRef from = view(s);
-    ExactNumericRef to{comn_num_getlen(prec), d->precision, d->scale, d->array};
-    if (com__exctnume_copy(&from, &to)) return CS_CONV_OVERFLOW;
-    const int32_t rc = com__exctnume_scale(&to, nullptr, scale - s.scale);
-    if (rc == 1 || com__exctnume_checkprecision(&to)) return CS_CONV_OVERFLOW;
-    return rc == 6 ? CS_CONV_TRUNCATED : CS_SUCCEED;
+    return comn__arith_to_conv_trunc(
+        nume::rescale(s, prec, scale, static_cast<NumericValue *>(dest)));
 }
 
 } // extern "C"

@@ -19,10 +19,10 @@ namespace {
 int32_t load_default_locale(ComContext *ctx) {
     char name[COM_INTL_NAME_SIZE];
     int32_t rc = com_intl_envloc(ctx, COM_LC_TIME + 1, name, sizeof name); // LC_ALL
-    if (rc != 1) return rc;
+    if (rc != CS_SUCCEED) return rc;
     LocaleRecord *rec = nullptr;
     rc = com_intl_load(ctx, name, -1, &rec);
-    if (rc != 1) return rc;
+    if (rc != CS_SUCCEED) return rc;
     auto *h = static_cast<LocaleHandle *>(loc_alloc(sizeof(LocaleHandle)));
     if (!h) return CS_MEM_ERROR;
     h->collate = h->ctype = h->message = h->monetary = h->numeric = h->time = rec;

@@ -51,12 +51,13 @@ int32_t diff_small(int32_t part, int64_t d, int64_t dticks, int32_t *result) {
         break;
     }
     if (d > 0) {
-        if (p > 0 ? d > (INT32_MAX - p) / u.per_day : d > u.day_limit) return 1;
+        if (p > 0 ? d > (INT32_MAX - p) / u.per_day : d > u.day_limit) return COMN_DATE_RANGE;
     } else if (d < 0) {
-        if (p < 0 ? d < (INT32_MIN - p) / u.per_day : d < -int64_t{u.day_limit}) return 1;
+        if (p < 0 ? d < (INT32_MIN - p) / u.per_day : d < -int64_t{u.day_limit})
+            return COMN_DATE_RANGE;
     }
     *result = static_cast<int32_t>(d * u.per_day + p);
-    return 0;
+    return COMN_DATE_OK;
 }
 
 int32_t add_months(int64_t months, DateTimeValue *dt) {
@@ -72,7 +73,7 @@ int32_t add_months(int64_t months, DateTimeValue *dt) {
             month += 12;
         }
     }
-    if (!fits32(year)) return 1;
+    if (!fits32(year)) return COMN_DATE_RANGE;
     r.year = static_cast<int32_t>(year);
     r.month = static_cast<int32_t>(month);
     const int32_t len = month_table(r.year - 1753)[r.month].length;
@@ -82,9 +83,9 @@ int32_t add_months(int64_t months, DateTimeValue *dt) {
 
 int32_t add_days(int64_t amount, DateTimeValue *dt) {
     const int64_t days = dt->days + amount;
-    if (!days_in_range(days)) return 1;
+    if (!days_in_range(days)) return COMN_DATE_RANGE;
     dt->days = static_cast<int32_t>(days);
-    return 0;
+    return COMN_DATE_OK;
 }
 
 // Hours to milliseconds: whole days of the amount are carried to the day count, the rest
@@ -157,9 +158,9 @@ COMN_API int32_t com__datediff(int32_t part, const DateTimeValue *from, const Da
     default:
         return diff_small(part, d, int64_t{to->ticks} - from->ticks, result);
     }
-    if (!fits32(v)) return 1;
+    if (!fits32(v)) return COMN_DATE_RANGE;
     *result = static_cast<int32_t>(v);
-    return 0;
+    return COMN_DATE_OK;
 }
 
 COMN_API int32_t com__date_add(int32_t part, int32_t amount, DateTimeValue *dt) {
@@ -168,7 +169,7 @@ COMN_API int32_t com__date_add(int32_t part, int32_t amount, DateTimeValue *dt) 
         DateRec r;
         crack_date(*dt, r);
         const int64_t year = int64_t{r.year} + amount;
-        if (!fits32(year)) return 1;
+        if (!fits32(year)) return COMN_DATE_RANGE;
         r.year = static_cast<int32_t>(year);
         // 29 February plus a year is 28 February.
         if (r.month == 1 && r.day_of_month == 29 && !leapyear(r.year - 1753)) r.day_of_month = 28;
@@ -204,44 +205,44 @@ COMN_API int32_t com__datecmp(const DateTimeValue *a, const DateTimeValue *b) {
 // The time is rounded to the nearest minute, 30.000 seconds rounding up; 23:59:30 and later
 // moves to the next day.
 COMN_API int32_t com__dttodate4(const DateTimeValue *dt, DateTime4Value *out) {
-    if (static_cast<uint32_t>(dt->days) > 65535) return 1;
+    if (static_cast<uint32_t>(dt->days) > 65535) return COMN_DATE_RANGE;
     uint32_t days = static_cast<uint32_t>(dt->days);
     uint32_t minutes = ((dt->ticks & kTickMask) + kTicksPerMinute / 2) / kTicksPerMinute;
     if (minutes == 1440) {
-        if (days == 65535) return 1;
+        if (days == 65535) return COMN_DATE_RANGE;
         ++days;
         minutes = 0;
     }
     out->days = static_cast<uint16_t>(days);
     out->minutes = static_cast<uint16_t>(minutes);
-    return 0;
+    return COMN_DATE_OK;
 }
 
 COMN_API int32_t com__date4todt(const DateTime4Value *dt4, DateTimeValue *out) {
     out->days = dt4->days;
     out->ticks = uint32_t{dt4->minutes} * kTicksPerMinute;
-    return 0;
+    return COMN_DATE_OK;
 }
 
 COMN_API int32_t com__dateadd_both(int32_t part, int32_t amount, const ComValueDesc *src,
                                    ComValueDesc *dest) {
     if (src == nullptr || dest == nullptr || src->value == nullptr || dest->value == nullptr ||
         src->length != 8)
-        return 1;
-    if (dest->maxlength != 8 && dest->maxlength != 4) return 1;
+        return COMN_DATE_RANGE;
+    if (dest->maxlength != 8 && dest->maxlength != 4) return COMN_DATE_RANGE;
     DateTimeValue dt;
     std::memcpy(&dt, src->value, sizeof dt);
-    if (com__date_add(part, amount, &dt) != 0) return 1;
+    if (com__date_add(part, amount, &dt) != COMN_DATE_OK) return COMN_DATE_RANGE;
     if (dest->maxlength == 8) {
         std::memcpy(dest->value, &dt, sizeof dt);
         dest->length = 8;
-        return 0;
+        return COMN_DATE_OK;
     }
     DateTime4Value dt4;
-    if (com__dttodate4(&dt, &dt4) != 0) return 1;
+    if (com__dttodate4(&dt, &dt4) != COMN_DATE_OK) return COMN_DATE_RANGE;
     std::memcpy(dest->value, &dt4, sizeof dt4);
     dest->length = 4;
-    return 0;
+    return COMN_DATE_OK;
 }
 
 // A value is valid when its date re-makes (adding no years) and its ticks and days stay in
@@ -255,8 +256,8 @@ COMN_API int32_t com__valid_datetime(const ComValueDesc *desc, const void *value
     } else {
         std::memcpy(&dt, value, sizeof dt);
     }
-    if (com__date_add(DATEPART_YEAR, 0, &dt) != 0) return 0;
-    return com__date_add(DATEPART_MINUTE, 0, &dt) == 0 ? 1 : 0;
+    if (com__date_add(DATEPART_YEAR, 0, &dt) != COMN_DATE_OK) return 0;
+    return com__date_add(DATEPART_MINUTE, 0, &dt) == COMN_DATE_OK ? 1 : 0;
 }
 
 COMN_API int32_t com_datecmp(const DateTimeValue *a, const DateTimeValue *b) {

@@ -95,30 +95,30 @@ COMN_API void com__timecrack(const DateTimeValue *dt, DateRec *rec) {
 COMN_API int32_t com__datemake(DateTimeValue *dt, const DateRec *rec) {
     dt->days = 0;
     const int64_t y = int64_t{rec->year} - 1753;
-    if (y < 0 || y > 9999 - 1753) return 1;
+    if (y < 0 || y > 9999 - 1753) return COMN_DATE_RANGE;
     const int32_t yy = static_cast<int32_t>(y);
     int32_t n = 365 * yy + leapcnt(yy);
-    if (rec->month < 0 || rec->month > 11) return 2;
+    if (rec->month < 0 || rec->month > 11) return COMN_DATE_MONTH_RANGE;
     const MonthDays &m = month_table(yy)[rec->month];
     n += m.before;
-    if (rec->day_of_month < 1 || rec->day_of_month > m.length) return 3;
+    if (rec->day_of_month < 1 || rec->day_of_month > m.length) return COMN_DATE_DAY_RANGE;
     dt->days = n - kDays1753 - 1 + rec->day_of_month;
-    return 0;
+    return COMN_DATE_OK;
 }
 
 // Only upper bounds are checked. A millisecond of 999 gives 299 ticks rather than the 300
 // that rounding would give, so that xx:xx:59.999 stays within its second and its day.
 COMN_API int32_t com__timemake(DateTimeValue *dt, const DateRec *rec) {
-    if (rec->hour > 23) return 4;
+    if (rec->hour > 23) return COMN_DATE_HOUR_RANGE;
     int64_t t = int64_t{rec->hour} * kTicksPerHour;
-    if (rec->minute > 59) return 5;
+    if (rec->minute > 59) return COMN_DATE_MINUTE_RANGE;
     t += int64_t{rec->minute} * kTicksPerMinute;
-    if (rec->second > 59) return 6;
+    if (rec->second > 59) return COMN_DATE_SECOND_RANGE;
     t += int64_t{rec->second} * kTicksPerSecond;
-    if (rec->millisecond > 999) return 7;
+    if (rec->millisecond > 999) return COMN_DATE_MSEC_RANGE;
     t += rec->millisecond == 999 ? 299 : ms_to_ticks(rec->millisecond);
     dt->ticks = static_cast<uint32_t>(t);
-    return 0;
+    return COMN_DATE_OK;
 }
 
 COMN_API int32_t com__datepart(int32_t part, const DateTimeValue *dt, int32_t first_day) {

@@ -212,10 +212,10 @@ extern "C" {
 // its prefix copied.
 COMN_API int32_t com__datetochar(const DateTimeValue *dt, char *out, int32_t max, int32_t style,
                                  const char *const *month_names) {
-    if (style < 0 || style >= kStyleSlots) return -1;
+    if (style < 0 || style >= kStyleSlots) return COMN_DATE_NOSTYLE;
     const Style &s = kStyleIndex[static_cast<size_t>(style)];
-    if (s.render == nullptr) return -1;
-    if (s.names && month_names == nullptr) return -2;
+    if (s.render == nullptr) return COMN_DATE_NOSTYLE;
+    if (s.names && month_names == nullptr) return COMN_DATE_NONAMES;
     if (max < 0 || max >= s.bound) return s.render(*dt, month_names, out);
     char work[kWorkMax];
     const int32_t n = s.render(*dt, month_names, work);

@@ -288,18 +288,18 @@ int32_t parse_time(Tokens &tk, DateRec &rec, DateTimeValue *out) {
     int next;
     const int colon = tk.find_from(1, TOK_COLON);
     if (colon >= 0) {
-        if (!take_number(tk, colon - 1, rec.hour)) return -1;
+        if (!take_number(tk, colon - 1, rec.hour)) return COMN_DATE_MALFORMED;
         tk.use(colon);
-        if (!take_number(tk, colon + 1, rec.minute)) return -1;
+        if (!take_number(tk, colon + 1, rec.minute)) return COMN_DATE_MALFORMED;
         next = colon + 2;
         bool fraction = true;
         if (tk.is(next, TOK_COLON)) {
             tk.use(next);
-            if (!take_number(tk, next + 1, rec.second)) return -1;
+            if (!take_number(tk, next + 1, rec.second)) return COMN_DATE_MALFORMED;
             next += 2;
             if (tk.is(next, TOK_COLON)) { // ":ms" is a count of milliseconds as it stands
                 tk.use(next);
-                if (!take_number(tk, next + 1, rec.millisecond)) return -1;
+                if (!take_number(tk, next + 1, rec.millisecond)) return COMN_DATE_MALFORMED;
                 next += 2;
                 fraction = false;
             }
@@ -307,23 +307,23 @@ int32_t parse_time(Tokens &tk, DateRec &rec, DateTimeValue *out) {
         if (fraction && tk.is(next, TOK_DATESEP) && tk.t[next].value == -1) {
             // ".f", ".ff", ".fff": a decimal fraction of a second.
             tk.use(next);
-            if (!take_number(tk, next + 1, rec.millisecond)) return -1;
+            if (!take_number(tk, next + 1, rec.millisecond)) return COMN_DATE_MALFORMED;
             const int32_t digits = tk.t[next + 1].digits;
             rec.millisecond *= digits == 1 ? 100 : digits == 2 ? 10 : 1;
             next += 2;
         }
         if (tk.is(next, TOK_AMPM)) {
             tk.use(next);
-            if (com__amcheck(&rec, tk.t[next].value)) return 9;
+            if (com__amcheck(&rec, tk.t[next].value)) return COMN_DATE_AMPM;
         }
     } else {
         const int ampm = tk.find_from(1, TOK_AMPM);
-        if (ampm < 0) return 0;
-        if (!take_number(tk, ampm - 1, rec.hour)) return -1;
+        if (ampm < 0) return COMN_DATE_OK;
+        if (!take_number(tk, ampm - 1, rec.hour)) return COMN_DATE_MALFORMED;
         tk.use(ampm);
-        if (com__amcheck(&rec, tk.t[ampm].value)) return 9;
+        if (com__amcheck(&rec, tk.t[ampm].value)) return COMN_DATE_AMPM;
     }
-    return com__timemake(out, &rec) == 0 ? 0 : 1;
+    return com__timemake(out, &rec) == COMN_DATE_OK ? COMN_DATE_OK : COMN_DATE_RANGE;
 }
 
 // A date with a month name: "Jan 15 1999", "15 Jan 1999", "15-Jan-99", "1999 Jan".
@@ -348,11 +348,11 @@ int32_t parse_named_month(Tokens &tk, int m, DateRec &rec) {
         rec.year = tk.t[y].value;
         tk.use(y);
         take_day(); // none: the first of the month
-        return 0;
+        return COMN_DATE_OK;
     }
-    if (!take_day()) return -1;
+    if (!take_day()) return COMN_DATE_MALFORMED;
     const int y2 = findtoken(tk.t, TOK_NUMBER);
-    if (y2 < 0) return -1;
+    if (y2 < 0) return COMN_DATE_MALFORMED;
     take_number(tk, y2, rec.year);
     return com__year2digit(&rec.year);
 }
@@ -362,7 +362,7 @@ int32_t parse_numeric(Tokens &tk, int sep, const StyleRule &rule, int32_t dateor
                       bool leading_year, DateRec &rec) {
     tk.use(sep);
     const int sep2 = tk.find_from(sep + 1, TOK_DATESEP);
-    if (sep2 < 0) return -1;
+    if (sep2 < 0) return COMN_DATE_MALFORMED;
     tk.use(sep2);
     int32_t order = rule.order;
     bool have_year = false;
@@ -373,7 +373,7 @@ int32_t parse_numeric(Tokens &tk, int sep, const StyleRule &rule, int32_t dateor
             tk.use(y);
             have_year = true;
         } else if (rule.year == YearFrom::YearToken) {
-            return -1;
+            return COMN_DATE_MALFORMED;
         }
     }
     if (order == 0) {
@@ -384,17 +384,17 @@ int32_t parse_numeric(Tokens &tk, int sep, const StyleRule &rule, int32_t dateor
     for (const char *f = kOrderFields[order]; *f; ++f) {
         if (*f == 'y' && have_year) continue;
         int32_t v;
-        if (!take_number(tk, findtoken(tk.t, TOK_NUMBER), v)) return -1;
+        if (!take_number(tk, findtoken(tk.t, TOK_NUMBER), v)) return COMN_DATE_MALFORMED;
         if (*f == 'm') {
             rec.month = v - 1;
         } else if (*f == 'd') {
             rec.day_of_month = v;
         } else {
             rec.year = v;
-            if (com__year2digit(&rec.year)) return 1;
+            if (com__year2digit(&rec.year)) return COMN_DATE_RANGE;
         }
     }
-    return 0;
+    return COMN_DATE_OK;
 }
 
 // Cuts the whole text into tokens; false for an error token or no room for the end token.
@@ -458,7 +458,7 @@ int32_t packed_date(int32_t v, int32_t digits, DateRec &rec) {
     rec.day_of_month = v % 100;
     rec.month = v / 100 % 100 - 1;
     rec.year = v / 10000;
-    return digits == 6 ? com__year2digit(&rec.year) : 0;
+    return digits == 6 ? com__year2digit(&rec.year) : COMN_DATE_OK;
 }
 
 } // namespace
@@ -469,14 +469,14 @@ int32_t xdatefromchar(DateTimeValue *out, const char *text, int32_t len, int32_t
     out->days = 0;
     out->ticks = 0;
     const StyleRule *rule = find_style(style);
-    if (rule == nullptr) return -1;
+    if (rule == nullptr) return COMN_DATE_MALFORMED;
 
     // A packed date with nothing around it, the commonest form in bulk loads, skips the
     // tokenizer: the fields are those its one packed token would give.
     if (!timeonly && attr == nullptr && text != nullptr && (len == 8 || len == 6)) {
         if (const int32_t v = digits_value(text, len); v >= 0) {
             DateRec rec{};
-            if (const int32_t rc = packed_date(v, len, rec); rc != 0) return rc;
+            if (const int32_t rc = packed_date(v, len, rec); rc != COMN_DATE_OK) return rc;
             return com__datemake(out, &rec);
         }
     }
@@ -485,14 +485,14 @@ int32_t xdatefromchar(DateTimeValue *out, const char *text, int32_t len, int32_t
     if (!(attr != nullptr
               ? tokenize(text, len, month_names, short_month_names, AttrChars(*attr), tk)
               : tokenize(text, len, month_names, short_month_names, AsciiChars(), tk)))
-        return -1;
+        return COMN_DATE_MALFORMED;
     const bool leading_year = tk.t[0].cls == TOK_YEAR;
 
     DateRec rec{};
     rec.year = 1900;
     rec.day_of_month = 1;
-    if (const int32_t rc = parse_time(tk, rec, out); rc != 0) return rc;
-    if (timeonly) return tk.leftover() ? -2 : 0;
+    if (const int32_t rc = parse_time(tk, rec, out); rc != COMN_DATE_OK) return rc;
+    if (timeonly) return tk.leftover() ? COMN_DATE_LEFTOVER : COMN_DATE_OK;
 
     int32_t rc = 0;
     if (const int m = findtoken(tk.t, TOK_MONTH); m >= 0) {
@@ -506,10 +506,10 @@ int32_t xdatefromchar(DateTimeValue *out, const char *text, int32_t len, int32_t
         rec.year = tk.t[y].value; // 1 January of that year
         tk.use(y);
     } else {
-        return tk.leftover() ? -2 : 0; // a time alone, on 1 January 1900
+        return tk.leftover() ? COMN_DATE_LEFTOVER : COMN_DATE_OK; // a time alone, on 1 January 1900
     }
-    if (rc != 0) return rc;
-    if (tk.leftover()) return -2;
+    if (rc != COMN_DATE_OK) return rc;
+    if (tk.leftover()) return COMN_DATE_LEFTOVER;
     return com__datemake(out, &rec);
 }
 
@@ -523,20 +523,20 @@ extern "C" {
 // midnight. 13..23 PM and 0..11 AM pass unchanged.
 COMN_API int32_t com__amcheck(DateRec *rec, int32_t pm) {
     if (pm) {
-        if (rec->hour == 0) return 9;
+        if (rec->hour == 0) return COMN_DATE_AMPM;
         if (rec->hour < 12) rec->hour += 12;
     } else {
-        if (rec->hour > 12) return 9;
+        if (rec->hour > 12) return COMN_DATE_AMPM;
         if (rec->hour == 12) rec->hour = 0;
     }
-    return 0;
+    return COMN_DATE_OK;
 }
 
 // 0..49 are 2000..2049, 50..99 are 1950..1999; the pivot is fixed.
 COMN_API int32_t com__year2digit(int32_t *year) {
-    if (*year < 0 || *year > 99) return 1;
+    if (*year < 0 || *year > 99) return COMN_DATE_RANGE;
     *year += *year < 50 ? 2000 : 1900;
-    return 0;
+    return COMN_DATE_OK;
 }
 
 COMN_API int32_t com__datefromchar_mb(DateTimeValue *out, const char *text, int32_t len,
@@ -560,7 +560,7 @@ COMN_API int32_t com__date4fromchar_mb(DateTime4Value *out, const char *text, in
     DateTimeValue dt;
     const int32_t rc =
         xdatefromchar(&dt, text, len, 0, style, dateorder, month_names, short_month_names, attr);
-    if (rc != 0) return rc;
-    return com__dttodate4(&dt, out) == 0 ? 0 : 1;
+    if (rc != COMN_DATE_OK) return rc;
+    return com__dttodate4(&dt, out) == COMN_DATE_OK ? COMN_DATE_OK : COMN_DATE_RANGE;
 }
 }

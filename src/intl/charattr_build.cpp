@@ -71,6 +71,6 @@ COMN_API int32_t com_build_char_attrib(int32_t kind, int32_t xlate_id, const cha
     }
     rec->xlate_id = static_cast<uint8_t>(xlate_id);
     comn::set_name(rec, name);
-    return 1;
+    return CS_SUCCEED;
 }
 }

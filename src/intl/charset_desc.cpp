@@ -33,12 +33,12 @@ int32_t load_file(ComContext *ctx, const char *charset, const char *file, const 
                   Read reader) {
     IntlFile *f = nullptr;
     int32_t rc = com__open_charfile(ctx, charset, file, ext, &f);
-    if (rc != 1) return rc;
+    if (rc != CS_SUCCEED) return rc;
     int32_t st = 0;
     rc = reader(f, &st);
     const int32_t cl = intl_close(f);
     if (rc == COM_INTL_ERROR) return intl_fail(ctx, st);
-    if (rc == 1 && cl < 0) return intl_fail(ctx, cl);
+    if (rc == CS_SUCCEED && cl < 0) return intl_fail(ctx, cl);
     return rc;
 }
 
@@ -53,7 +53,7 @@ COMN_API int32_t com__charset_desc_get(ComContext *ctx, const char *charset, con
     for (ComCharsetDesc *d = ctx->charset_descs; d; d = d->next)
         if (std::strcmp(d->charset, charset) == 0 && std::strcmp(d->sortorder, sortorder) == 0) {
             *desc_out = d;
-            return 1;
+            return CS_SUCCEED;
         }
     auto *d = static_cast<ComCharsetDesc *>(std::calloc(1, sizeof(ComCharsetDesc)));
     if (!d) return CS_MEM_ERROR;
@@ -67,25 +67,25 @@ COMN_API int32_t com__charset_desc_get(ComContext *ctx, const char *charset, con
         comn::load_file(ctx, charset, "charset.loc", nullptr, [&](IntlFile *f, int32_t *st) {
             return comn::read_charset(f, charset, st, &d->image, &d->attr);
         });
-    if (rc == 1)
+    if (rc == CS_SUCCEED)
         rc = comn::load_file(ctx, charset, sortorder, "srt", [&](IntlFile *f, int32_t *st) {
             return comn::read_sortorder(f, st, &d->sort_table, &d->sort_size);
         });
-    if (rc != 1) {
+    if (rc != CS_SUCCEED) {
         comn::drop(d);
         return rc;
     }
     d->next = ctx->charset_descs;
     ctx->charset_descs = d;
     *desc_out = d;
-    return 1;
+    return CS_SUCCEED;
 }
 
 COMN_API int32_t com__charset_load(ComContext *ctx, LocaleRecord *rec) {
     if (!rec) return 0;
     ComCharsetDesc *d = nullptr;
     const int32_t rc = com__charset_desc_get(ctx, rec->charset, rec->sortorder, &d);
-    if (rc == 1) rec->charset_desc = d;
+    if (rc == CS_SUCCEED) rec->charset_desc = d;
     return rc;
 }
 

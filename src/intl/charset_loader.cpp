@@ -215,7 +215,7 @@ int32_t read_charset(IntlFile *f, const char *name, int32_t *reader_status, uint
     com_build_char_attrib(COM_CHARATTR_IMAGE, xlate, name, image, attr);
     *image_out = image;
     *attr_out = attr;
-    return 1;
+    return CS_SUCCEED;
 }
 
 } // namespace comn

@@ -88,7 +88,7 @@ COMN_API int32_t com_intl_set_dtfmt(ComContext *ctx, const DataFormat *fmt, int3
     LocaleRecord *r = time_record_or_ctx(ctx, fmt);
     if (!r) return 0;
     r->common->dtfmt = dtfmt;
-    return 1;
+    return CS_SUCCEED;
 }
 
 COMN_API const CharAttrib *com_intl_charattr(ComContext *ctx, const DataFormat *fmt) {
@@ -112,13 +112,13 @@ COMN_API int32_t com_intl_getstr(const LocaleHandle *h, int32_t category, int32_
                                     : r->sortorder;
     if (!text) {
         *outlen = 0;
-        return 1;
+        return CS_SUCCEED;
     }
     const int32_t n = static_cast<int32_t>(std::strlen(text));
     *outlen = n;
     if (n > size) return 0;
     if (buf) std::memcpy(buf, text, n);
-    return 1;
+    return CS_SUCCEED;
 }
 
 COMN_API int32_t com_intl_loccmp(int32_t category, int32_t which, const LocaleHandle *a,

@@ -69,7 +69,7 @@ int32_t build_from(LocaleRecord *rec, const IntlDateTime &dt) {
     rec->dateorder_id = com__get_dateorder_id(info->dateorder);
     info->dtfmt = com__map_dateorder_id_to_fmt(rec->dateorder_id);
     install(rec, info);
-    return 1;
+    return CS_SUCCEED;
 }
 
 // Positions the reader on the section "datetime": 1, 0 when there is none, or the reader's
@@ -77,7 +77,7 @@ int32_t build_from(LocaleRecord *rec, const IntlDateTime &dt) {
 int32_t find_datetime(IntlFile *f) {
     int32_t st = 0;
     while (const char *name = intl_nextsection(f, &st))
-        if (std::strcmp(name, "datetime") == 0) return 1;
+        if (std::strcmp(name, "datetime") == 0) return CS_SUCCEED;
     return st < 0 ? st : 0;
 }
 
@@ -101,9 +101,9 @@ COMN_API int32_t com__read_common(ComContext *ctx, LocaleRecord *rec) {
     if (!rec || !rec->language || !rec->charset) return 0;
     IntlFile *f = nullptr;
     int32_t rc = com__open_locfile(ctx, rec->language, rec->charset, "common.loc", &f);
-    if (rc != 1) return rc;
+    if (rc != CS_SUCCEED) return rc;
     rc = find_datetime(f);
-    if (rc == 1) {
+    if (rc == CS_SUCCEED) {
         auto *dt = static_cast<IntlDateTime *>(loc_alloc(sizeof(IntlDateTime)));
         if (!dt) {
             rc = CS_MEM_ERROR;
@@ -116,9 +116,9 @@ COMN_API int32_t com__read_common(ComContext *ctx, LocaleRecord *rec) {
         rc = intl_fail(ctx, rc);
     }
     const int32_t cl = intl_close(f);
-    if (rc != 1) return rc;
+    if (rc != CS_SUCCEED) return rc;
     if (ctx) ctx->intl_status = cl;
-    return cl < 0 ? COM_INTL_ERROR : 1;
+    return cl < 0 ? COM_INTL_ERROR : CS_SUCCEED;
 }
 
 COMN_API int32_t com__copy_common_info(const LocaleRecord *src, LocaleRecord *rec) {
@@ -132,6 +132,6 @@ COMN_API int32_t com__copy_common_info(const LocaleRecord *src, LocaleRecord *re
     info->dtfmt = from.dtfmt;
     rec->dateorder_id = src->dateorder_id;
     install(rec, info);
-    return 1;
+    return CS_SUCCEED;
 }
 }

@@ -17,12 +17,12 @@ template <class Body>
 int32_t locked(ComContext *ctx, Body body) {
     if (ctx->lock) {
         const int32_t rc = ctx->lock(ctx);
-        if (rc != 1) return rc;
+        if (rc != CS_SUCCEED) return rc;
     }
     const int32_t result = body();
     if (ctx->unlock) {
         const int32_t rc = ctx->unlock(ctx);
-        if (rc != 1) return rc;
+        if (rc != CS_SUCCEED) return rc;
     }
     return result;
 }
@@ -95,10 +95,10 @@ COMN_API int32_t comn_loc_validate(ComContext *ctx, const LocaleHandle *h) {
     if (!ctx || !h) return 0;
     const int32_t rc = locked(ctx, [&]() -> int32_t {
         for (const LocaleHandle *p = ctx->loc_handles; p; p = p->next)
-            if (p == h) return 1;
+            if (p == h) return CS_SUCCEED;
         return 0;
     });
-    return rc == 1 ? 1 : 0;
+    return rc == CS_SUCCEED ? CS_SUCCEED : 0;
 }
 
 COMN_API int32_t comn_loc_copy(LocaleHandle *dest, const LocaleHandle *src) {

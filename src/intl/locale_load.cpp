@@ -41,9 +41,9 @@ int32_t name_of(ComContext *ctx, const char *lang, const char *cs, const char *s
         const int32_t rc =
             com_intl_locname(ctx, lang, static_cast<int32_t>(ll), cs, static_cast<int32_t>(cl), so,
                              static_cast<int32_t>(sl), buf, size, &len);
-        if (rc == 1) {
+        if (rc == CS_SUCCEED) {
             *name = buf, *namelen = len;
-            return 1;
+            return CS_SUCCEED;
         }
         if (rc == 0) {
             // No entry names these parts: the name is made up from them.
@@ -56,7 +56,7 @@ int32_t name_of(ComContext *ctx, const char *lang, const char *cs, const char *s
             *p++ = '.';
             std::memcpy(p, so, sl);
             *name = buf, *namelen = static_cast<int32_t>(ll + cl + sl + 2);
-            return 1;
+            return CS_SUCCEED;
         }
         std::free(buf);
         // The reverse translation reports only what it copied, not the name's full length,
@@ -83,23 +83,23 @@ COMN_API int32_t com__intl_load_new(ComContext *ctx, const char *name, int32_t n
 
     auto *rec = static_cast<LocaleRecord *>(loc_alloc(sizeof(LocaleRecord)));
     if (!rec) return CS_MEM_ERROR;
-    int32_t rc = set_names(rec, name, n, language, charset, sortorder) ? 1 : CS_MEM_ERROR;
-    if (rc == 1) {
+    int32_t rc = set_names(rec, name, n, language, charset, sortorder) ? CS_SUCCEED : CS_MEM_ERROR;
+    if (rc == CS_SUCCEED) {
         if (same_sort && same_sort->charset_desc)
             rec->charset_desc = same_sort->charset_desc;
         else
             rc = com__charset_load(ctx, rec);
     }
-    if (rc == 1)
+    if (rc == CS_SUCCEED)
         rc = same_lang ? com__copy_common_info(same_lang, rec) : com__read_common(ctx, rec);
-    if (rc != 1) {
+    if (rc != CS_SUCCEED) {
         com__lcache_drop(rec);
         return rc;
     }
     rec->next = ctx->loc_cache;
     ctx->loc_cache = rec;
     *out = rec;
-    return 1;
+    return CS_SUCCEED;
 }
 
 COMN_API int32_t com_intl_load(ComContext *ctx, const char *name, int32_t namelen,
@@ -108,12 +108,12 @@ COMN_API int32_t com_intl_load(ComContext *ctx, const char *name, int32_t namele
     if (namelen < 0) namelen = static_cast<int32_t>(std::strlen(name));
     if (LocaleRecord *hit = com__scan_lcache_name(ctx, name, namelen)) {
         *out = hit;
-        return 1;
+        return CS_SUCCEED;
     }
     char language[COM_INTL_NAME_SIZE], charset[COM_INTL_NAME_SIZE], sortorder[COM_INTL_NAME_SIZE];
     const int32_t rc = com__intl_lookup(ctx, name, namelen, language, sizeof language, charset,
                                         sizeof charset, sortorder);
-    if (rc != 1) return rc;
+    if (rc != CS_SUCCEED) return rc;
     return com__intl_load_new(ctx, name, namelen, language, charset, sortorder, out);
 }
 
@@ -127,16 +127,16 @@ COMN_API int32_t com_intl_load_lcs(ComContext *ctx, const char *language, const 
     char *name = nullptr;
     int32_t namelen = 0;
     int32_t rc = name_of(ctx, lang, cs, so, &name, &namelen);
-    if (rc != 1) return rc;
+    if (rc != CS_SUCCEED) return rc;
     if (LocaleRecord *hit = com__scan_lcache_name(ctx, name, namelen)) {
         std::free(name);
         *out = hit;
-        return 1;
+        return CS_SUCCEED;
     }
     char local[COM_INTL_PATH_SIZE];
     if (!path_out) path_out = local, path_size = sizeof local - 1;
     rc = com_intl_verify_locfiles(ctx, lang, cs, so, path_out, path_size);
-    if (rc == 1)
+    if (rc == CS_SUCCEED)
         rc = com__intl_load_new(ctx, name, namelen, lang, cs, so, out);
     else if (rc == 0 && path_length_out)
         *path_length_out = static_cast<int32_t>(std::strlen(path_out));

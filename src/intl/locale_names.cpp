@@ -47,7 +47,7 @@ COMN_API int32_t com_intl_envloc(ComContext *ctx, int32_t category, char *buf, i
             return comn::intl_fail(ctx, INTL_E_TOOLONG);
         std::memcpy(buf, "default", sizeof "default");
     }
-    return 1;
+    return CS_SUCCEED;
 }
 
 COMN_API int32_t com__intl_lookup(ComContext *ctx, const char *locale, int32_t locale_length,
@@ -56,7 +56,7 @@ COMN_API int32_t com__intl_lookup(ComContext *ctx, const char *locale, int32_t l
     if (!locale || !language_out || !charset_out || !sortorder_out || locale_length < 0) return 0;
     IntlFile *f = nullptr;
     int32_t rc = comn::open_locales_linux(ctx, &f);
-    if (rc != 1) return rc;
+    if (rc != CS_SUCCEED) return rc;
     int32_t st = 0;
     while (char *key = intl_nextentry(f, &st)) {
         if (com_unsignstrcmp(key, "locale") != 0) break;
@@ -85,7 +85,7 @@ COMN_API int32_t com_intl_locname(ComContext *ctx, const char *language, int32_t
     if (!sortorder || sortorder_length <= 0) sortorder = "binary", sortorder_length = 6;
     IntlFile *f = nullptr;
     int32_t rc = comn::open_locales_linux(ctx, &f);
-    if (rc != 1) return rc;
+    if (rc != CS_SUCCEED) return rc;
     int32_t st = 0;
     while (char *key = intl_nextentry(f, &st)) {
         if (com_unsignstrcmp(key, "locale") != 0) break;

@@ -32,10 +32,10 @@ struct PathBuilder {
         std::memcpy(buf + len, piece, n);
         len += n;
         buf[len] = '\0';
-        return 1;
+        return CS_SUCCEED;
     }
     // Adds "/" + piece.
-    int32_t dir(const char *piece) { return add("/") == 1 ? add(piece) : 0; }
+    int32_t dir(const char *piece) { return add("/") == CS_SUCCEED ? add(piece) : 0; }
 };
 
 int32_t fail_path(char *path, int32_t size, int32_t rc) {
@@ -44,17 +44,17 @@ int32_t fail_path(char *path, int32_t size, int32_t rc) {
 }
 
 int32_t readable(const char *path) {
-    return access(path, R_OK) == 0 ? 1 : 0;
+    return access(path, R_OK) == 0 ? CS_SUCCEED : 0;
 }
 
 } // namespace
 
 int32_t open_locales_linux(ComContext *ctx, IntlFile **f) {
     int32_t rc = com__open_locfile(ctx, nullptr, nullptr, "locales.dat", f);
-    if (rc != 1) return rc;
+    if (rc != CS_SUCCEED) return rc;
     int32_t st = 0;
     while (char *sec = intl_nextsection(*f, &st))
-        if (com_unsignstrcmp(sec, "linux") == 0) return 1;
+        if (com_unsignstrcmp(sec, "linux") == 0) return CS_SUCCEED;
     int32_t cl = intl_close(*f);
     *f = nullptr;
     if (st < 0) return intl_fail(ctx, st);
@@ -70,7 +70,7 @@ COMN_API int32_t com_path_ifile(ComContext *ctx, char *buf, int32_t size) {
     if (!buf || size < 0) return 0;
     comn::PathBuilder p{buf, static_cast<size_t>(size)};
     int32_t rc = p.start(ctx);
-    return rc == 1 ? p.dir("interfaces") : rc;
+    return rc == CS_SUCCEED ? p.dir("interfaces") : rc;
 }
 
 COMN_API int32_t com__path_locfile(ComContext *ctx, const char *language, const char *charset,
@@ -78,12 +78,12 @@ COMN_API int32_t com__path_locfile(ComContext *ctx, const char *language, const 
     if (!buf || !file || size < 0) return 0;
     comn::PathBuilder p{buf, static_cast<size_t>(size)};
     int32_t rc = p.start(ctx);
-    if (rc == 1) rc = p.dir("locales");
-    if (rc == 1 && language) {
+    if (rc == CS_SUCCEED) rc = p.dir("locales");
+    if (rc == CS_SUCCEED && language) {
         rc = p.dir(language);
-        if (rc == 1 && charset) rc = p.dir(charset);
+        if (rc == CS_SUCCEED && charset) rc = p.dir(charset);
     }
-    return rc == 1 ? p.dir(file) : rc;
+    return rc == CS_SUCCEED ? p.dir(file) : rc;
 }
 
 COMN_API int32_t com__path_charfile(ComContext *ctx, const char *charset, const char *file,
@@ -91,10 +91,10 @@ COMN_API int32_t com__path_charfile(ComContext *ctx, const char *charset, const 
     if (!buf || !file || !charset || size < 0) return 0;
     comn::PathBuilder p{buf, static_cast<size_t>(size)};
     int32_t rc = p.start(ctx);
-    if (rc == 1) rc = p.dir("charsets");
-    if (rc == 1) rc = p.dir(charset);
-    if (rc == 1) rc = p.dir(file);
-    if (rc == 1 && extension) rc = p.add(".") == 1 ? p.add(extension) : 0;
+    if (rc == CS_SUCCEED) rc = p.dir("charsets");
+    if (rc == CS_SUCCEED) rc = p.dir(charset);
+    if (rc == CS_SUCCEED) rc = p.dir(file);
+    if (rc == CS_SUCCEED && extension) rc = p.add(".") == CS_SUCCEED ? p.add(extension) : 0;
     return rc;
 }
 
@@ -102,40 +102,42 @@ COMN_API int32_t com__open_locfile(ComContext *ctx, const char *language, const 
                                    const char *file, IntlFile **handle) {
     char path[COM_INTL_PATH_SIZE + 1];
     int32_t rc = com__path_locfile(ctx, language, charset, file, path, COM_INTL_PATH_SIZE);
-    if (rc != 1) return rc;
+    if (rc != CS_SUCCEED) return rc;
     int32_t st = intl_open(path, handle);
-    return st < 0 ? comn::intl_fail(ctx, st) : 1;
+    return st < 0 ? comn::intl_fail(ctx, st) : CS_SUCCEED;
 }
 
 COMN_API int32_t com__open_charfile(ComContext *ctx, const char *charset, const char *file,
                                     const char *extension, IntlFile **handle) {
     char path[COM_INTL_PATH_SIZE + 1];
     int32_t rc = com__path_charfile(ctx, charset, file, extension, path, COM_INTL_PATH_SIZE);
-    if (rc != 1) return rc;
+    if (rc != CS_SUCCEED) return rc;
     int32_t st = intl_open(path, handle);
-    return st < 0 ? comn::intl_fail(ctx, st) : 1;
+    return st < 0 ? comn::intl_fail(ctx, st) : CS_SUCCEED;
 }
 
 COMN_API int32_t com__verify_msgfile(ComContext *ctx, const char *language, const char *charset,
                                      const char *file, char *path_out, int32_t size) {
     int32_t rc = com__path_locfile(ctx, language, charset, file, path_out, size);
-    return rc == 1 ? comn::readable(path_out) : comn::fail_path(path_out, size, rc);
+    return rc == CS_SUCCEED ? comn::readable(path_out) : comn::fail_path(path_out, size, rc);
 }
 
 COMN_API int32_t com__verify_charfile(ComContext *ctx, const char *charset, const char *file,
                                       const char *extension, char *path_out, int32_t size) {
     int32_t rc = com__path_charfile(ctx, charset, file, extension, path_out, size);
-    return rc == 1 ? comn::readable(path_out) : comn::fail_path(path_out, size, rc);
+    return rc == CS_SUCCEED ? comn::readable(path_out) : comn::fail_path(path_out, size, rc);
 }
 
 COMN_API int32_t com_intl_verify_locfiles(ComContext *ctx, const char *language,
                                           const char *charset, const char *sortorder,
                                           char *path_out, int32_t size) {
     int32_t rc = com__verify_msgfile(ctx, language, charset, "common.loc", path_out, size);
-    if (rc == 1) rc = com__verify_msgfile(ctx, language, charset, "cslib.loc", path_out, size);
-    if (rc == 1) rc = com__verify_charfile(ctx, charset, sortorder, "srt", path_out, size);
-    if (rc == 1) rc = com__verify_charfile(ctx, charset, "charset.loc", nullptr, path_out, size);
-    if (rc == 1 && ctx && (ctx->flags & COM_CTX_CLIENT_LAYER))
+    if (rc == CS_SUCCEED)
+        rc = com__verify_msgfile(ctx, language, charset, "cslib.loc", path_out, size);
+    if (rc == CS_SUCCEED) rc = com__verify_charfile(ctx, charset, sortorder, "srt", path_out, size);
+    if (rc == CS_SUCCEED)
+        rc = com__verify_charfile(ctx, charset, "charset.loc", nullptr, path_out, size);
+    if (rc == CS_SUCCEED && ctx && (ctx->flags & COM_CTX_CLIENT_LAYER))
         rc = com__verify_msgfile(ctx, language, charset, "ctlib.loc", path_out, size);
     return rc;
 }

@@ -142,7 +142,7 @@ int32_t read_sortorder(IntlFile *f, int32_t *reader_status, uint8_t **table_out,
     std::free(s);
     *table_out = t;
     *size_out = static_cast<int32_t>(size);
-    return 1;
+    return CS_SUCCEED;
 }
 
 } // namespace comn

@@ -81,19 +81,23 @@ COMN_API void com_intl_verify_ctxloc(ComContext *ctx) {
             locfile);
         return;
     }
-    if (rc != 1) {
+    if (rc != CS_SUCCEED) {
         say("Locale name \"%s\" doesn't exist in your %s file\n", name, locfile);
         return;
     }
 
     char path[COM_INTL_PATH_SIZE + 1];
-    if (com__verify_msgfile(ctx, language, charset, "common.loc", path, COM_INTL_PATH_SIZE) != 1)
+    if (com__verify_msgfile(ctx, language, charset, "common.loc", path, COM_INTL_PATH_SIZE) !=
+        CS_SUCCEED)
         say("Cannot access %s file\n", path);
-    if (com__verify_msgfile(ctx, language, charset, "cslib.loc", path, COM_INTL_PATH_SIZE) != 1)
+    if (com__verify_msgfile(ctx, language, charset, "cslib.loc", path, COM_INTL_PATH_SIZE) !=
+        CS_SUCCEED)
         say("Cannot access %s file\n", path);
-    if (com__verify_charfile(ctx, charset, sortorder, "srt", path, COM_INTL_PATH_SIZE) != 1)
+    if (com__verify_charfile(ctx, charset, sortorder, "srt", path, COM_INTL_PATH_SIZE) !=
+        CS_SUCCEED)
         say("Cannot access %s file\n", path);
-    if (com__verify_charfile(ctx, charset, "charset.loc", nullptr, path, COM_INTL_PATH_SIZE) != 1)
+    if (com__verify_charfile(ctx, charset, "charset.loc", nullptr, path, COM_INTL_PATH_SIZE) !=
+        CS_SUCCEED)
         say("Cannot access %s file\n", path);
 }
 }

@@ -3,11 +3,11 @@
 // 4-byte money, with the client and old entry points of each.
 //
 // An 8-byte value is handled as the 64-bit integer its two words denote. Overflow policy,
-// decided per operation and relied on by callers:
-//   add / subtract      destination 0, code 1;
-//   negate              8-byte: destination keeps the smallest value, code 1;
-//                       4-byte: destination left as it was, code 1;
-//   increment/decrement the wrapped value stays in place, code 1.
+// decided per operation and relied on by callers (the code is COMN_ARITH_OVERFLOW):
+//   add / subtract      destination 0;
+//   negate              8-byte: destination keeps the smallest value;
+//                       4-byte: destination left as it was;
+//   increment/decrement the wrapped value stays in place.
 #include "money/money_internal.h"
 
 using comn::mny_get;
@@ -19,11 +19,11 @@ namespace {
 // when the true result leaves the type's range.
 template <typename T>
 int32_t add_checked(T a, T b, T *out) {
-    return __builtin_add_overflow(a, b, out) ? COM_MNY_OVERFLOW : COM_MNY_OK;
+    return __builtin_add_overflow(a, b, out) ? COMN_ARITH_OVERFLOW : COMN_ARITH_OK;
 }
 template <typename T>
 int32_t sub_checked(T a, T b, T *out) {
-    return __builtin_sub_overflow(a, b, out) ? COM_MNY_OVERFLOW : COM_MNY_OK;
+    return __builtin_sub_overflow(a, b, out) ? COMN_ARITH_OVERFLOW : COMN_ARITH_OK;
 }
 
 template <typename T>
@@ -37,7 +37,7 @@ extern "C" {
 
 COMN_API int32_t com__mnycopy(const MoneyValue *src, MoneyValue *dst) {
     *dst = *src;
-    return COM_MNY_OK;
+    return COMN_ARITH_OK;
 }
 
 COMN_API void comn_mnyzero(MoneyValue *dst) {
@@ -65,35 +65,35 @@ COMN_API int32_t com__mnyminus(const MoneyValue *src, MoneyValue *dst) {
     const int64_t v = mny_get(*src);
     if (v == comn::kMoneyMin) { // -(-2^63) does not exist; the smallest value stays
         mny_set(dst, v);
-        return COM_MNY_OVERFLOW;
+        return COMN_ARITH_OVERFLOW;
     }
     mny_set(dst, -v);
-    return COM_MNY_OK;
+    return COMN_ARITH_OK;
 }
 
 COMN_API int32_t com__mnyinc(MoneyValue *value) {
     const int64_t v = mny_get(*value);
     mny_set(value, static_cast<int64_t>(static_cast<uint64_t>(v) + 1)); // wraps at the top
-    return v == comn::kMoneyMax ? COM_MNY_OVERFLOW : COM_MNY_OK;
+    return v == comn::kMoneyMax ? COMN_ARITH_OVERFLOW : COMN_ARITH_OK;
 }
 
 COMN_API int32_t com__mnydec(MoneyValue *value) {
     const int64_t v = mny_get(*value);
     mny_set(value, static_cast<int64_t>(static_cast<uint64_t>(v) - 1)); // wraps at the bottom
-    return v == comn::kMoneyMin ? COM_MNY_OVERFLOW : COM_MNY_OK;
+    return v == comn::kMoneyMin ? COMN_ARITH_OVERFLOW : COMN_ARITH_OK;
 }
 
 COMN_API int32_t com__mnyadd(const MoneyValue *a, const MoneyValue *b, MoneyValue *dst) {
     int64_t r;
     const int32_t code = add_checked(mny_get(*a), mny_get(*b), &r);
-    mny_set(dst, code == COM_MNY_OK ? r : 0);
+    mny_set(dst, code == COMN_ARITH_OK ? r : 0);
     return code;
 }
 
 COMN_API int32_t com__mnysub(const MoneyValue *a, const MoneyValue *b, MoneyValue *dst) {
     int64_t r;
     const int32_t code = sub_checked(mny_get(*a), mny_get(*b), &r);
-    mny_set(dst, code == COM_MNY_OK ? r : 0);
+    mny_set(dst, code == COMN_ARITH_OK ? r : 0);
     return code;
 }
 
@@ -105,7 +105,7 @@ COMN_API int32_t comn_mny4copy(const Money4Value *src, Money4Value *dst) {
 }
 COMN_API int32_t com_mny4copy(const Money4Value *src, Money4Value *dst) {
     *dst = *src;
-    return COM_MNY_OK;
+    return COMN_ARITH_OK;
 }
 COMN_API void comn_mny4zero(Money4Value *dst) {
     dst->mny4 = 0;
@@ -121,32 +121,32 @@ COMN_API int32_t com_mny4cmp(const Money4Value *a, const Money4Value *b) {
 }
 
 COMN_API int32_t com__mnyminus4(const Money4Value *src, Money4Value *dst) {
-    if (src->mny4 == INT32_MIN) return COM_MNY_OVERFLOW; // destination deliberately untouched
+    if (src->mny4 == INT32_MIN) return COMN_ARITH_OVERFLOW; // destination deliberately untouched
     dst->mny4 = -src->mny4;
-    return COM_MNY_OK;
+    return COMN_ARITH_OK;
 }
 
 COMN_API int32_t com__mnyadd4(const Money4Value *a, const Money4Value *b, Money4Value *dst) {
     int32_t r;
     const int32_t code = add_checked(a->mny4, b->mny4, &r);
-    dst->mny4 = code == COM_MNY_OK ? r : 0;
+    dst->mny4 = code == COMN_ARITH_OK ? r : 0;
     return code;
 }
 
 COMN_API int32_t com__mnysub4(const Money4Value *a, const Money4Value *b, Money4Value *dst) {
     int32_t r;
     const int32_t code = sub_checked(a->mny4, b->mny4, &r);
-    dst->mny4 = code == COM_MNY_OK ? r : 0;
+    dst->mny4 = code == COMN_ARITH_OK ? r : 0;
     return code;
 }
 
 // Money has no remainder: these exist so that callers dispatching on an operator find a
 // routine, and they always report overflow.
 COMN_API int32_t com__mnyrem(const MoneyValue *, const MoneyValue *, MoneyValue *) {
-    return COM_MNY_OVERFLOW;
+    return COMN_ARITH_OVERFLOW;
 }
 COMN_API int32_t com__mnyrem4(const Money4Value *, const Money4Value *, Money4Value *) {
-    return COM_MNY_OVERFLOW;
+    return COMN_ARITH_OVERFLOW;
 }
 
 } // extern "C"

@@ -1,6 +1,6 @@
 // Private helpers shared by the money sources: moving between the two-word MoneyValue and a
-// native 64-bit integer, the client-layer code mapping, and the built-in character rules the
-// text parser falls back on.
+// native 64-bit integer, the client and old entry points generated from the internal ones,
+// and the built-in character rules the text parser falls back on.
 #ifndef COMN_SRC_MONEY_INTERNAL_H
 #define COMN_SRC_MONEY_INTERNAL_H
 
@@ -42,21 +42,6 @@ constexpr uint64_t mny_magnitude(int64_t v) {
 constexpr int64_t kMoneyMax = INT64_MAX; // 922337203685477.5807
 constexpr int64_t kMoneyMin = INT64_MIN; // -922337203685477.5808
 
-// Internal money/numeric code to the client layer's status: the one mapping of the subsystem.
-constexpr int32_t mny_client_code(int32_t code) {
-    switch (code) {
-    case COM_MNY_OVERFLOW:
-    case COM_MNY_DROPPED:
-        return CS_CONV_OVERFLOW;
-    case COM_MNY_SYNTAX:
-        return CS_CONV_SYNTAX;
-    case COM_MNY_DIVZERO:
-        return CS_CONV_DIVZERO;
-    default:
-        return CS_SUCCEED;
-    }
-}
-
 // Narrowing to 4-byte money: fits when the value is within 32 signed bits.
 constexpr bool mny_fits4(int64_t v) {
     return v >= INT32_MIN && v <= INT32_MAX;
@@ -67,7 +52,7 @@ constexpr bool mny_fits4(int64_t v) {
 // Client and old entry points of one layered operation, defined next to its internal form.
 #define COMN_MONEY_DEFINE_MAPPED_(internal, client, old, params, args)                             \
     extern "C" COMN_API int32_t client params {                                                    \
-        return comn::mny_client_code(internal args);                                               \
+        return comn__arith_to_conv(internal args);                                                 \
     }                                                                                              \
     extern "C" COMN_API int32_t old params {                                                       \
         return internal args;                                                                      \

@@ -26,13 +26,14 @@ bool is_zero(const MoneyValue &m) {
     return m.high == 0 && m.low == 0;
 }
 
-// Numeric back to money; code 1 when it does not fit 64 signed bits of 1/10000 units.
+// Numeric back to money; COMN_ARITH_OVERFLOW when it does not fit 64 signed bits of 1/10000
+// units.
 int32_t to_money(const ExactNumericRef &x, MoneyValue *dst) {
     if (com__exctnumetomny8(&x, dst) != 1) {
         mny_set(dst, 0);
-        return COM_MNY_OVERFLOW;
+        return COMN_ARITH_OVERFLOW;
     }
-    return COM_MNY_OK;
+    return COMN_ARITH_OK;
 }
 
 // Runs an 8-byte operation on widened 4-byte operands and narrows the result.
@@ -42,15 +43,15 @@ int32_t via_wide(int32_t (*op)(const MoneyValue *, const MoneyValue *, MoneyValu
     com__mny4tomny(a, &wa);
     com__mny4tomny(b, &wb);
     const int32_t code = op(&wa, &wb, &wr);
-    if (code != COM_MNY_OK) {
+    if (code != COMN_ARITH_OK) {
         dst->mny4 = 0;
         return code;
     }
     if (com__mnytomny4(&wr, dst) != 4) {
         dst->mny4 = 0;
-        return COM_MNY_OVERFLOW;
+        return COMN_ARITH_OVERFLOW;
     }
-    return COM_MNY_OK;
+    return COMN_ARITH_OK;
 }
 
 } // namespace
@@ -60,7 +61,7 @@ extern "C" {
 COMN_API int32_t com__mnymul(const MoneyValue *a, const MoneyValue *b, MoneyValue *dst) {
     if (is_zero(*a) || is_zero(*b)) {
         mny_set(dst, 0);
-        return COM_MNY_OK;
+        return COMN_ARITH_OK;
     }
     const MoneyNum x(*a), y(*b);
     // The exact product has scale 8; the numeric multiplication rounds it once, half away
@@ -68,7 +69,7 @@ COMN_API int32_t com__mnymul(const MoneyValue *a, const MoneyValue *b, MoneyValu
     // more than 19 digits. What remains to test is the 64-bit range.
     uint8_t bytes[kMoneyNumLen];
     ExactNumericRef product{kMoneyNumLen, kMoneyPrec, kMoneyScale, bytes};
-    if (const int32_t code = com__exctnume_mul(&x.ref, &y.ref, &product); code != COM_MNY_OK) {
+    if (const int32_t code = com__exctnume_mul(&x.ref, &y.ref, &product); code != COMN_ARITH_OK) {
         mny_set(dst, 0);
         return code;
     }
@@ -78,13 +79,13 @@ COMN_API int32_t com__mnymul(const MoneyValue *a, const MoneyValue *b, MoneyValu
 COMN_API int32_t com__mnydiv(const MoneyValue *a, const MoneyValue *b, MoneyValue *dst) {
     if (is_zero(*b)) {
         mny_set(dst, 0);
-        return COM_MNY_DIVZERO;
+        return COMN_ARITH_DIVZERO;
     }
     const MoneyNum x(*a), y(*b);
     uint8_t bytes[kMoneyNumLen];
     ExactNumericRef quotient{kMoneyNumLen, kMoneyPrec, kMoneyScale, bytes};
     if (const int32_t code = com__exctnume_div(&x.ref, &y.ref, &quotient, nullptr);
-        code != COM_MNY_OK) {
+        code != COMN_ARITH_OK) {
         mny_set(dst, 0);
         return code;
     }

@@ -105,10 +105,10 @@ COMN_API int32_t com__mnytoint(const MoneyValue *value, int32_t *dst) {
     if (rem > 4999) whole += value->high < 0 ? -1 : 1;
     if (whole < INT32_MIN || whole > INT32_MAX) {
         *dst = 0;
-        return COM_MNY_OVERFLOW;
+        return COMN_ARITH_OVERFLOW;
     }
     *dst = static_cast<int32_t>(whole);
-    return COM_MNY_OK;
+    return COMN_ARITH_OK;
 }
 
 COMN_API int32_t com__mny4toint(const Money4Value *value, int32_t *dst) {
@@ -122,9 +122,9 @@ COMN_API int32_t com__inttomny4(Money4Value *dst, int32_t value) {
     com__inttomny(&wide, value);
     if (com__mnytomny4(&wide, dst) != 4) {
         dst->mny4 = 0;
-        return COM_MNY_OVERFLOW;
+        return COMN_ARITH_OVERFLOW;
     }
-    return COM_MNY_OK;
+    return COMN_ARITH_OK;
 }
 
 COMN_API int32_t com__mnytoflt8(const MoneyValue *value, int32_t, double *dst) {

@@ -93,7 +93,7 @@ int32_t parse(MoneyValue *dst, const uint8_t *text, int32_t len, const CharAttri
         comn::mny_set(dst, static_cast<int64_t>(acc));
         return code;
     };
-    if (len < 0) return done(COM_MNY_SYNTAX);
+    if (len < 0) return done(COMN_ARITH_SYNTAX);
     Reader in(cs, text, len);
     Sign sign = Sign::None;
     bool currency = false;
@@ -107,18 +107,18 @@ int32_t parse(MoneyValue *dst, const uint8_t *text, int32_t len, const CharAttri
     // Leading part, then the number; the loop ends on the character that ends the number.
     bool ended = false;
     while (!in.done()) {
-        if (!in.next(&c)) return done(COM_MNY_SYNTAX);
+        if (!in.next(&c)) return done(COMN_ARITH_SYNTAX);
         if (!started) {
             if (c.code == ' ') continue;
             if (c.code == '+' || c.code == '-') {
-                if (sign != Sign::None) return done(COM_MNY_SYNTAX);
+                if (sign != Sign::None) return done(COMN_ARITH_SYNTAX);
                 sign = c.code == '-' ? Sign::Minus : Sign::Plus;
                 continue;
             }
             const uint8_t *e = in.type_entry(c);
-            if (e == nullptr) return done(COM_MNY_SYNTAX);
+            if (e == nullptr) return done(COMN_ARITH_SYNTAX);
             if ((e[2] & kCurrencyClass) != 0) {
-                if (currency) return done(COM_MNY_SYNTAX);
+                if (currency) return done(COMN_ARITH_SYNTAX);
                 currency = true;
                 continue;
             }
@@ -135,10 +135,10 @@ int32_t parse(MoneyValue *dst, const uint8_t *text, int32_t len, const CharAttri
                     at_minimum = true;
                     continue;
                 }
-                if (!scale_add(acc, 10, digit)) return done(COM_MNY_OVERFLOW);
+                if (!scale_add(acc, 10, digit)) return done(COMN_ARITH_OVERFLOW);
             } else if (!fifth_seen) {
                 fifth_seen = true; // only the fifth decimal rounds; later ones are ignored
-                if (at_minimum && digit != 0) return done(COM_MNY_OVERFLOW);
+                if (at_minimum && digit != 0) return done(COMN_ARITH_OVERFLOW);
                 // A carry to 2^63 becomes the smallest value's pattern, which the sign
                 // check below accepts only with a minus.
                 if (digit >= 5) ++acc;
@@ -161,21 +161,21 @@ int32_t parse(MoneyValue *dst, const uint8_t *text, int32_t len, const CharAttri
     if (ended) {
         for (;;) {
             const uint8_t *e = in.type_entry(c);
-            if (e == nullptr || (e[3] & kSpaceType) == 0) return done(COM_MNY_SYNTAX);
+            if (e == nullptr || (e[3] & kSpaceType) == 0) return done(COMN_ARITH_SYNTAX);
             if (in.done()) break;
-            if (!in.next(&c)) return done(COM_MNY_SYNTAX);
+            if (!in.next(&c)) return done(COMN_ARITH_SYNTAX);
         }
     }
 
     if (decimals < 4 && !scale_add(acc, kScaleByDecimals[decimals < 0 ? 0 : decimals], 0))
-        return done(COM_MNY_OVERFLOW);
+        return done(COMN_ARITH_OVERFLOW);
 
     if (acc <= static_cast<uint64_t>(comn::kMoneyMax)) {
         if (sign == Sign::Minus) acc = 0 - acc;
-        return done(COM_MNY_OK);
+        return done(COMN_ARITH_OK);
     }
     // Only the smallest value's pattern is left, and only a minus sign makes it valid.
-    return done(sign == Sign::Minus ? COM_MNY_OK : COM_MNY_OVERFLOW);
+    return done(sign == Sign::Minus ? COMN_ARITH_OK : COMN_ARITH_OVERFLOW);
 }
 
 } // namespace
@@ -193,9 +193,9 @@ COMN_API int32_t com__mny4fromchar_mb(Money4Value *dst, const char *text, int32_
     dst->mny4 = 0;
     MoneyValue wide;
     const int32_t code = com__mnyfromchar_mb(&wide, text, len, unused, charset);
-    if (code != COM_MNY_OK) return code;
-    if (com__mnytomny4(&wide, dst) != 4) return COM_MNY_OVERFLOW;
-    return COM_MNY_OK;
+    if (code != COMN_ARITH_OK) return code;
+    if (com__mnytomny4(&wide, dst) != 4) return COMN_ARITH_OVERFLOW;
+    return COMN_ARITH_OK;
 }
 
 } // extern "C"

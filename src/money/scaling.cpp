@@ -50,15 +50,15 @@ extern "C" {
 COMN_API int32_t com__mnyscale(MoneyValue *value, uint32_t multiplier, int32_t addend) {
     if (multiplier == 0) {
         mny_set(value, addend);
-        return COM_MNY_OK;
+        return COMN_ARITH_OK;
     }
     const int64_t v = mny_get(*value);
     const u128 product = static_cast<u128>(mny_magnitude(v)) * multiplier; // < 2^96
-    if (product >> 64) return COM_MNY_OVERFLOW; // a partial product ran past bit 63
+    if (product >> 64) return COMN_ARITH_OVERFLOW; // a partial product ran past bit 63
     const i128 r = static_cast<i128>(product) + addend;
-    if (r < 0 || r > comn::kMoneyMax) return COM_MNY_OVERFLOW; // the sign bit would be set
+    if (r < 0 || r > comn::kMoneyMax) return COMN_ARITH_OVERFLOW; // the sign bit would be set
     mny_set(value, with_sign(static_cast<uint64_t>(r), v < 0));
-    return COM_MNY_OK;
+    return COMN_ARITH_OK;
 }
 
 // value = value / divisor, truncating toward zero; returns the remainder of the magnitude.

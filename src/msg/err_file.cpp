@@ -151,7 +151,7 @@ COMN_API int32_t com_err_init(ComContext *ctx, ComErrCtx *errctx, const ComErrSe
     }
     IntlFile *h = nullptr;
     int32_t rc = comn::open_file(ctx, errctx, &h);
-    if (rc == 1) {
+    if (rc == CS_SUCCEED) {
         rc = com__err_load_sections(ctx, h, cache, file, sections, section_count,
                                     preload_count > 0 ? preloads : nullptr, preload_count);
         rc = comn::close_file(ctx, h, rc);
@@ -181,7 +181,7 @@ COMN_API int32_t com__err_getcache(ComContext *ctx, ComErrCtx *errctx, int32_t n
     // message as a preload list of one.
     IntlFile *h = nullptr;
     int32_t rc = comn::open_file(ctx, errctx, &h);
-    if (rc != 1) return rc;
+    if (rc != CS_SUCCEED) return rc;
     int32_t st = 0;
     const char *name;
     while ((name = intl_nextsection(h, &st)) && com_unsignstrcmp(name, sec->name) != 0) {

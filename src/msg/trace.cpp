@@ -24,7 +24,7 @@ COMN_API int32_t comn_debug_vprint(const char *format, va_list args) {
     FILE *out = Com_fp ? Com_fp : stdout;
     std::vfprintf(out, format, args);
     std::fflush(out);
-    return 1;
+    return CS_SUCCEED;
 }
 
 COMN_API int32_t comn_debug_print(const char *format, ...) {
@@ -32,7 +32,7 @@ COMN_API int32_t comn_debug_print(const char *format, ...) {
     va_start(args, format);
     comn_debug_vprint(format, args);
     va_end(args);
-    return 1;
+    return CS_SUCCEED;
 }
 
 COMN_API int32_t comn_debug_setfile(ComContext *, const char *path, int32_t on) {
@@ -41,11 +41,11 @@ COMN_API int32_t comn_debug_setfile(ComContext *, const char *path, int32_t on) 
         FILE *f = std::fopen(path, "w");
         if (!f) return 0;
         Com_fp = f;
-        return 1;
+        return CS_SUCCEED;
     }
     if (Com_fp) std::fclose(Com_fp);
     Com_fp = nullptr;
-    return 1;
+    return CS_SUCCEED;
 }
 
 COMN_API int32_t com_errtrace(int32_t status, const char *file, int32_t line) {

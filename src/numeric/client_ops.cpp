@@ -2,7 +2,7 @@
 //
 // Each decides the result's precision and scale from the operands' (I integer digits and
 // scale S, everything capped at 77 digits), writes them into the result and hands the work
-// to the signed operation, whose small code is mapped to a conversion result here:
+// to the signed operation, whose arithmetic code becomes a conversion result here:
 //
 //   operation      I                                       S before the cap
 //   add, subtract  max(a.p - a.s, b.p - b.s)               max(a.s, b.s)
@@ -19,7 +19,6 @@
 // operations.
 #include <algorithm>
 
-#include "comnlib/convert.h"
 #include "numeric/fixed_width.h"
 
 using namespace comn::nume;
@@ -42,22 +41,6 @@ ExactNumericRef ref_of(NumericValue *v) {
 
 bool negative(const NumericValue *v) {
     return v->array[0] != 0;
-}
-
-int32_t map_code(int32_t rc) {
-    switch (rc) {
-    case kOk:
-        return CS_SUCCEED;
-    case kOverflow:
-    case kDropped:
-        return CS_CONV_OVERFLOW;
-    case kSyntax:
-        return CS_CONV_SYNTAX;
-    case kDivZero:
-        return CS_CONV_DIVZERO;
-    default:
-        return CS_SUCCEED;
-    }
 }
 
 // Fixes the result's precision and scale from its integer digits and requested scale.
@@ -111,19 +94,14 @@ bool same_scale_sum(const NumericValue *a, const NumericValue *b, NumericValue *
     if (carried && sizeof(W) < sizeof(fixed::U256)) return false;
     // Past 256 bits a sum exceeds 77 digits.
     ExactNumericRef rr = shape_result(result, idigits, a->scale, 1);
-    rc = carried ? CS_CONV_OVERFLOW : map_code(fixed::store_words(&rr, z, neg));
+    rc = carried ? CS_CONV_OVERFLOW : comn__arith_to_conv(fixed::store_words(&rr, z, neg));
     return true;
 }
 
-// Converts v to (precision, scale) into tmp (and points v at it).
+// Converts v to (precision, scale) into tmp (and points v at it). Rounded-away decimals
+// report CS_CONV_TRUNCATED, as a conversion does.
 [[gnu::noinline]] int32_t convert(NumericValue *&v, NumericValue &tmp, int precision, int scale) {
-    DataFormat src{}, dst{};
-    src.datatype = dst.datatype = CS_NUMERIC;
-    src.maxlength = dst.maxlength = static_cast<int32_t>(sizeof(NumericValue));
-    dst.precision = precision;
-    dst.scale = scale;
-    int32_t outlen = 0;
-    const int32_t rc = comn_numtonum(nullptr, &src, v, &dst, &tmp, &outlen);
+    const int32_t rc = comn__arith_to_conv_trunc(rescale(*v, precision, scale, &tmp));
     if (rc != CS_SUCCEED) return rc;
     v = &tmp;
     return CS_SUCCEED;
@@ -159,7 +137,7 @@ int32_t comn_num_addorsub(NumericValue *a, NumericValue *b, NumericValue *result
     if (const int32_t rc = align(b, tb, p, s); rc != CS_SUCCEED) return rc;
     const ExactNumericRef ra = ref_of(a), rb = ref_of(b);
     ExactNumericRef rr = shape_result(result, idigits, s, 1);
-    return map_code(addorsub(&ra, &rb, &rr, op));
+    return comn__arith_to_conv(addorsub(&ra, &rb, &rr, op));
 }
 
 int32_t comn_numadd(NumericValue *a, NumericValue *b, NumericValue *result) {
@@ -175,7 +153,7 @@ int32_t comn_nummul(NumericValue *a, NumericValue *b, NumericValue *result) {
     const ExactNumericRef ra = ref_of(a), rb = ref_of(b);
     const int idigits = int_digits(a) + int_digits(b) + 1;
     ExactNumericRef rr = shape_result(result, idigits, a->scale + b->scale, 0);
-    return map_code(mul(&ra, &rb, &rr));
+    return comn__arith_to_conv(mul(&ra, &rb, &rr));
 }
 
 int32_t comn_numdivide(NumericValue *a, NumericValue *b, NumericValue *result) {
@@ -192,9 +170,9 @@ int32_t comn_numdivide(NumericValue *a, NumericValue *b, NumericValue *result) {
     if (fixed::U256 q;
         !fixed::is_zero(y) && shift >= 0 && (shift == 0 || fixed::mul_pow10_256(x, shift))) {
         if (!fixed::div_round256(x, y, q)) return CS_CONV_OVERFLOW;
-        return map_code(fixed::store_words(&rr, q, neg));
+        return comn__arith_to_conv(fixed::store_words(&rr, q, neg));
     }
-    return map_code(div(&ra, &rb, &rr, nullptr));
+    return comn__arith_to_conv(div(&ra, &rb, &rr, nullptr));
 }
 
 int32_t comn_numcmp(NumericValue *a, NumericValue *b) {

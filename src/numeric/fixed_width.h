@@ -134,10 +134,10 @@ inline bool fits_precision(const U256 &v, int precision) {
 
 // Stores v into r (magnitude of at most 32 bytes) after the precision and length tests.
 [[gnu::always_inline]] inline int32_t store_words(ExactNumericRef *r, const U256 &v, bool neg) {
-    if (!fits_precision(v, r->precision)) return nume::kOverflow;
-    if (!store256(nume::mag(r), r->length - 1, v)) return nume::kOverflow;
+    if (!fits_precision(v, r->precision)) return COMN_ARITH_OVERFLOW;
+    if (!store256(nume::mag(r), r->length - 1, v)) return COMN_ARITH_OVERFLOW;
     r->bytes[0] = neg && !is_zero(v) ? 1 : 0;
-    return nume::kOk;
+    return COMN_ARITH_OK;
 }
 
 inline bool fits_result(const ExactNumericRef *r) {
@@ -193,10 +193,10 @@ inline bool fits_precision(u128 v, int precision) {
 
 // Stores v into r (magnitude of at most 32 bytes) after the precision and length tests.
 inline int32_t store_words(ExactNumericRef *r, u128 v, bool neg) {
-    if (!fits_precision(v, r->precision)) return nume::kOverflow;
-    if (!store128(nume::mag(r), r->length - 1, v)) return nume::kOverflow;
+    if (!fits_precision(v, r->precision)) return COMN_ARITH_OVERFLOW;
+    if (!store128(nume::mag(r), r->length - 1, v)) return COMN_ARITH_OVERFLOW;
     r->bytes[0] = neg && v != 0 ? 1 : 0;
-    return nume::kOk;
+    return COMN_ARITH_OK;
 }
 
 // The same word operations on one 128-bit word, so that signed_add takes either width.

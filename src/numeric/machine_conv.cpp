@@ -43,7 +43,7 @@ int32_t com__longlongtoexctnume(int64_t value, ExactNumericRef *x) {
 }
 
 int32_t com__doubletoexctnume(double value, ExactNumericRef *x) {
-    if (!std::isfinite(value)) return kOverflow;
+    if (!std::isfinite(value)) return COMN_ARITH_OVERFLOW;
     const bool neg = std::signbit(value) && value != 0;
     int e;
     const double f = std::frexp(std::fabs(value), &e); // value = f * 2^e, f in [0.5, 1)
@@ -51,11 +51,11 @@ int32_t com__doubletoexctnume(double value, ExactNumericRef *x) {
     e -= 53; // value = m * 2^e exactly
     Nat v;
     wide::set_u64(v, m);
-    if (x->scale > 2 * CS_MAX_PREC) return kOverflow;
+    if (x->scale > 2 * CS_MAX_PREC) return COMN_ARITH_OVERFLOW;
     wide::mul_pow10(v, x->scale); // m * 10^scale < 2^53 * 10^154
     if (e > 0) {
         // Any non-zero value of 2^300 or more is far beyond 77 digits.
-        if (!wide::is_zero(v) && (e > 300 || !wide::shl(v, e))) return kOverflow;
+        if (!wide::is_zero(v) && (e > 300 || !wide::shl(v, e))) return COMN_ARITH_OVERFLOW;
     } else if (e < 0) {
         // Half away from zero: the first bit shifted out decides.
         if (wide::shr(v, -e)) {
@@ -89,7 +89,7 @@ int32_t com__subexctnumetoflt8(const ExactNumericRef *x, double *out) {
         d = std::strtod(text, nullptr);
     }
     *out = neg ? -d : d;
-    return kOk;
+    return COMN_ARITH_OK;
 }
 
 int32_t com__mny8toexctnume(const MoneyValue *money, ExactNumericRef *x) {
@@ -102,7 +102,7 @@ int32_t com__mny8toexctnume(const MoneyValue *money, ExactNumericRef *x) {
     x->scale = 4;
     x->bytes[0] = neg ? 1 : 0;
     wide::store_be64(x->bytes + 1, m);
-    return kOk;
+    return COMN_ARITH_OK;
 }
 
 int32_t com__exctnumetomny8(const ExactNumericRef *x, MoneyValue *money) {

@@ -90,9 +90,9 @@ int32_t com__exctnume_copy(const ExactNumericRef *src, ExactNumericRef *dst) {
     const bool neg = negative(src);
     std::memmove(dp + dn - n, sp + sn - n, static_cast<size_t>(n));
     if (dn > n) std::memset(dp, 0, static_cast<size_t>(dn - n));
-    if (lost) return kOverflow;
+    if (lost) return COMN_ARITH_OVERFLOW;
     dst->bytes[0] = neg ? 1 : 0;
-    return kOk;
+    return COMN_ARITH_OK;
 }
 
 int32_t com__exctnume_divby10(uint8_t **bytes, int32_t *length) {
@@ -121,14 +121,14 @@ int32_t com__exctnume_mulby10_add(ExactNumericRef *x, int32_t digit) {
         p[i] = static_cast<uint8_t>(v);
         c = v >> 8;
     }
-    return c != 0 ? kOverflow : kOk;
+    return c != 0 ? COMN_ARITH_OVERFLOW : COMN_ARITH_OK;
 }
 
 int32_t com__exctnume_inc(ExactNumericRef *x) {
     uint8_t *p = x->bytes;
     for (int32_t i = x->length - 1; i >= 1; --i)
-        if (++p[i] != 0) return kOk;
-    return kOverflow;
+        if (++p[i] != 0) return COMN_ARITH_OK;
+    return COMN_ARITH_OVERFLOW;
 }
 
 int32_t com__exctnume_needsbyte(const ExactNumericRef *x) {
@@ -146,16 +146,16 @@ int32_t com__exctnume_checkprecision(const ExactNumericRef *x) {
 }
 
 int32_t com__exctnume_scale(ExactNumericRef *x, ExactNumericRef *dst, int32_t k) {
-    if (k == 0) return dst ? com__exctnume_copy(x, dst) : kOk;
+    if (k == 0) return dst ? com__exctnume_copy(x, dst) : COMN_ARITH_OK;
     ExactNumericRef *out = dst ? dst : x;
     if (k > 0 && k <= CS_MAX_PREC) {
         const ExactNumericRef p = power_ref(k);
-        if (dst) return com__exctnume_intmul(x, &p, dst) ? kOverflow : kOk;
+        if (dst) return com__exctnume_intmul(x, &p, dst) ? COMN_ARITH_OVERFLOW : COMN_ARITH_OK;
         uint8_t scratch[CS_MAX_NUMLEN + 2];
         ExactNumericRef tmp{x->length, x->precision, x->scale, scratch};
-        if (mag_len(x) + 1 > static_cast<int>(sizeof scratch)) return kOverflow;
-        if (com__exctnume_intmul(x, &p, &tmp)) return kOverflow;
-        return com__exctnume_copy(&tmp, x) ? kOverflow : kOk;
+        if (mag_len(x) + 1 > static_cast<int>(sizeof scratch)) return COMN_ARITH_OVERFLOW;
+        if (com__exctnume_intmul(x, &p, &tmp)) return COMN_ARITH_OVERFLOW;
+        return com__exctnume_copy(&tmp, x) ? COMN_ARITH_OVERFLOW : COMN_ARITH_OK;
     }
     // Downward scaling divides by 10^-k rounding half away from zero (the same rule as the
     // signed division); a non-zero remainder means digits were dropped. Powers beyond the
@@ -165,13 +165,13 @@ int32_t com__exctnume_scale(ExactNumericRef *x, ExactNumericRef *dst, int32_t k)
     const bool neg = negative(x);
     bool inexact = false;
     if (k > 0) {
-        if (!wide::is_zero(v)) return kOverflow;
+        if (!wide::is_zero(v)) return COMN_ARITH_OVERFLOW;
     } else {
         wide::div_pow10_round(v, -k, inexact);
     }
-    if (out->length < 1 || !wide::to_be(v, mag(out), mag_len(out))) return kOverflow;
+    if (out->length < 1 || !wide::to_be(v, mag(out), mag_len(out))) return COMN_ARITH_OVERFLOW;
     out->bytes[0] = neg && !wide::is_zero(v) ? 1 : 0;
-    return inexact ? kDropped : kOk;
+    return inexact ? COMN_ARITH_DROPPED : COMN_ARITH_OK;
 }
 
 int32_t com__exctnume_intadd(const ExactNumericRef *a, const ExactNumericRef *b,
@@ -183,7 +183,7 @@ int32_t com__exctnume_intadd(const ExactNumericRef *a, const ExactNumericRef *b,
     load(a, x);
     wide::from_be(y, mag(b) + (bn - bt), bt);
     wide::add(x, x, y);
-    return wide::to_be(x, mag(r), mag_len(r)) ? kOk : kOverflow;
+    return wide::to_be(x, mag(r), mag_len(r)) ? COMN_ARITH_OK : COMN_ARITH_OVERFLOW;
 }
 
 int32_t com__exctnume_intsub(const ExactNumericRef *a, const ExactNumericRef *b,
@@ -205,7 +205,7 @@ int32_t com__exctnume_intsub(const ExactNumericRef *a, const ExactNumericRef *b,
         wide::sub(y, y, x);
         wide::sub(x, m, y);
     }
-    return wide::to_be(x, mag(r), mag_len(r)) ? kOk : kOverflow;
+    return wide::to_be(x, mag(r), mag_len(r)) ? COMN_ARITH_OK : COMN_ARITH_OVERFLOW;
 }
 
 int32_t com__exctnume_intmul(const ExactNumericRef *a, const ExactNumericRef *b,
@@ -213,7 +213,7 @@ int32_t com__exctnume_intmul(const ExactNumericRef *a, const ExactNumericRef *b,
     const uint8_t sign = negative(a) != negative(b) ? 1 : 0;
     if (mag_is_zero(a) || mag_is_zero(b)) {
         std::memset(r->bytes, 0, static_cast<size_t>(mag_len(r) + 1));
-        return kOk;
+        return COMN_ARITH_OK;
     }
     if (com__exctnume_intcmp(a, 1) || com__exctnume_intcmp(b, 1)) {
         const int32_t rc = com__exctnume_copy(com__exctnume_intcmp(a, 1) ? b : a, r);
@@ -223,10 +223,10 @@ int32_t com__exctnume_intmul(const ExactNumericRef *a, const ExactNumericRef *b,
     Nat x, y, p;
     load(a, x);
     load(b, y);
-    if (!wide::mul(p, x, y)) return kOverflow;
-    if (!wide::to_be(p, mag(r), mag_len(r))) return kOverflow;
+    if (!wide::mul(p, x, y)) return COMN_ARITH_OVERFLOW;
+    if (!wide::to_be(p, mag(r), mag_len(r))) return COMN_ARITH_OVERFLOW;
     r->bytes[0] = sign;
-    return kOk;
+    return COMN_ARITH_OK;
 }
 
 int32_t com__exctnume_intdiv(const ExactNumericRef *dividend, const ExactNumericRef *divisor,
@@ -234,11 +234,12 @@ int32_t com__exctnume_intdiv(const ExactNumericRef *dividend, const ExactNumeric
     Nat a, b, q, r;
     load(dividend, a);
     load(divisor, b);
-    if (wide::is_zero(b)) return kDivZero;
+    if (wide::is_zero(b)) return COMN_ARITH_DIVZERO;
     wide::divmod(a, b, q, r);
-    if (!wide::to_be(q, mag(quotient), mag_len(quotient))) return kOverflow;
-    if (remainder && !wide::to_be(r, mag(remainder), mag_len(remainder))) return kOverflow;
-    return kOk;
+    if (!wide::to_be(q, mag(quotient), mag_len(quotient))) return COMN_ARITH_OVERFLOW;
+    if (remainder && !wide::to_be(r, mag(remainder), mag_len(remainder)))
+        return COMN_ARITH_OVERFLOW;
+    return COMN_ARITH_OK;
 }
 
 } // extern "C"

@@ -49,7 +49,7 @@ int32_t addorsub(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumeri
             return store_words(r, z, neg);
         // A carry out of 128 bits, or longer operands: four limbs.
         if (U256 x, y, z; load256(a, x) && load256(b, y))
-            return signed_add(x, na, y, nb, z, neg) ? store_words(r, z, neg) : kOverflow;
+            return signed_add(x, na, y, nb, z, neg) ? store_words(r, z, neg) : COMN_ARITH_OVERFLOW;
     }
     return addorsub_general(a, b, r, op);
 }
@@ -64,7 +64,7 @@ int32_t addorsub_general(const ExactNumericRef *a, const ExactNumericRef *b, Exa
     const int scale = a->scale > b->scale ? a->scale : b->scale;
     // Below 2^256 * 10^77 for ordinary scales; only nonsense scales exceed the limbs.
     if (!wide::mul_pow10(x, scale - a->scale) || !wide::mul_pow10(y, scale - b->scale))
-        return kOverflow;
+        return COMN_ARITH_OVERFLOW;
     bool neg;
     if (na == nb) {
         wide::add(x, x, y);
@@ -104,7 +104,7 @@ int32_t mul_general(const ExactNumericRef *a, const ExactNumericRef *b, ExactNum
     Nat x, y, p;
     load(a, x);
     load(b, y);
-    if (!wide::mul(p, x, y)) return kOverflow; // at most 8 limbs for real descriptors
+    if (!wide::mul(p, x, y)) return COMN_ARITH_OVERFLOW; // at most 8 limbs for real descriptors
     return finish(r, p, a->scale + b->scale, negative(a) != negative(b));
 }
 
@@ -117,7 +117,7 @@ int32_t div(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef 
         const int shift = q->scale - a->scale + b->scale;
         if (shift >= 0 && mul_pow10_256(x, shift)) {
             U256 quot;
-            if (!div_round256(x, y, quot)) return kOverflow;
+            if (!div_round256(x, y, quot)) return COMN_ARITH_OVERFLOW;
             return store_words(q, quot, negative(a) != negative(b));
         }
     }
@@ -128,12 +128,12 @@ int32_t div(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef 
     if (wide::is_zero(y)) {
         std::memset(q->bytes, 0, static_cast<size_t>(mag_len(q) + 1));
         if (rem) rem->length = 0;
-        return kDivZero;
+        return COMN_ARITH_DIVZERO;
     }
     // q = a * 10^shift / b with shift = q.scale - a.scale + b.scale in [-77, 154]; the
     // dividend stays below 10^232 and the divisor below 10^155.
     const int shift = q->scale - a->scale + b->scale;
-    if (!wide::mul_pow10(shift > 0 ? x : y, shift > 0 ? shift : -shift)) return kOverflow;
+    if (!wide::mul_pow10(shift > 0 ? x : y, shift > 0 ? shift : -shift)) return COMN_ARITH_OVERFLOW;
     Nat quot, r;
     wide::divmod(x, y, quot, r);
     const bool exact = wide::is_zero(r);
@@ -141,7 +141,8 @@ int32_t div(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef 
         if (exact) {
             rem->length = 0;
         } else {
-            if (rem->length < 1 || !wide::to_be(r, mag(rem), mag_len(rem))) return kOverflow;
+            if (rem->length < 1 || !wide::to_be(r, mag(rem), mag_len(rem)))
+                return COMN_ARITH_OVERFLOW;
             rem->bytes[0] = na ? 1 : 0;
         }
     }

@@ -112,13 +112,13 @@ extern "C" int32_t com__subchartoexctnume(const char *text, int32_t textlen, uin
                                           int32_t mode) {
     if (*length == 0) *length = CS_MAX_NUMLEN;
     const int32_t arealen = *length;
-    if (arealen < 2 || arealen > CS_MAX_NUMLEN) return kOverflow;
+    if (arealen < 2 || arealen > CS_MAX_NUMLEN) return COMN_ARITH_OVERFLOW;
     uint8_t *area = *bytes;
     std::memset(area, 0, static_cast<size_t>(arealen));
     const int limit = Com__Nume_Len_To_Prec[arealen - 2];
     const int req_prec = *precision, req_scale = *scale;
-    if (req_prec == 0 || (req_prec > CS_MAX_PREC && req_prec != 255)) return kOverflow;
-    if (req_scale > CS_MAX_SCALE && req_scale != 255) return kOverflow;
+    if (req_prec == 0 || (req_prec > CS_MAX_PREC && req_prec != 255)) return COMN_ARITH_OVERFLOW;
+    if (req_scale > CS_MAX_SCALE && req_scale != 255) return COMN_ARITH_OVERFLOW;
 
     const auto *t = reinterpret_cast<const unsigned char *>(text);
     const int32_t n = text && textlen > 0 ? textlen : 0;
@@ -130,7 +130,7 @@ extern "C" int32_t com__subchartoexctnume(const char *text, int32_t textlen, uin
         const unsigned char c = t[i];
         if (c == ' ') continue;
         if (c == '+' || c == '-') {
-            if (sign != 0) return kSyntax;
+            if (sign != 0) return COMN_ARITH_SYNTAX;
             sign = c == '+' ? 1 : -1;
             continue;
         }
@@ -166,7 +166,7 @@ extern "C" int32_t com__subchartoexctnume(const char *text, int32_t textlen, uin
                     i += take;
                     continue;
                 }
-                if (mode != 1) return kDropped;
+                if (mode != 1) return COMN_ARITH_DROPPED;
                 if (frac >= req_scale && t[i] >= '5' && !rounded) {
                     Nat one;
                     wide::set_u64(one, 1);
@@ -190,10 +190,10 @@ extern "C" int32_t com__subchartoexctnume(const char *text, int32_t textlen, uin
             break;
         }
         // Anything else ends the number: only white space may follow.
-        if (!rest_is_space(t, i, n)) return kSyntax;
+        if (!rest_is_space(t, i, n)) return COMN_ARITH_SYNTAX;
         i = n;
     }
-    if (!any_digit) return kSyntax;
+    if (!any_digit) return COMN_ARITH_SYNTAX;
 
     // Exponent.
     int32_t exponent = 0;
@@ -207,18 +207,18 @@ extern "C" int32_t com__subchartoexctnume(const char *text, int32_t textlen, uin
         for (; i < n; ++i, ++taken) {
             const unsigned char c = t[i];
             if (taken >= 2 && is_space(c)) {
-                if (!rest_is_space(t, i, n)) return kSyntax;
+                if (!rest_is_space(t, i, n)) return COMN_ARITH_SYNTAX;
                 break;
             }
-            if (!is_digit(c)) return kSyntax;
+            if (!is_digit(c)) return COMN_ARITH_SYNTAX;
             exponent = exponent >= kExponentCap ? kExponentCap : exponent * 10 + (c - '0');
         }
-        if (taken == 0) return kSyntax;
+        if (taken == 0) return COMN_ARITH_SYNTAX;
         exponent *= exp_sign;
     }
 
     ExactNumericRef x{arealen, static_cast<uint8_t>(limit), 0, area};
-    if (!wide::to_be(mag, area + 1, arealen - 1)) return kOverflow;
+    if (!wide::to_be(mag, area + 1, arealen - 1)) return COMN_ARITH_OVERFLOW;
 
     if (frac < 0) frac = 0;
     const int64_t e = static_cast<int64_t>(exponent) + dropped - frac; // value = mag * 10^e
@@ -230,45 +230,45 @@ extern "C" int32_t com__subchartoexctnume(const char *text, int32_t textlen, uin
         const int64_t k = req_scale + e;
         if (total >= -k) {
             const int32_t rc = com__exctnume_scale(&x, nullptr, clamp(k));
-            if (rc != kOk && !(rc == kDropped && mode == 1)) return rc;
+            if (rc != COMN_ARITH_OK && !(rc == COMN_ARITH_DROPPED && mode == 1)) return rc;
         } else {
             // The whole value lies below the last digit the scale keeps.
-            if (mode != 1) return kDropped;
+            if (mode != 1) return COMN_ARITH_DROPPED;
             std::memset(area, 0, static_cast<size_t>(arealen));
         }
     } else if (e > 0) {
         *scale = 0;
         const int32_t rc = com__exctnume_scale(&x, nullptr, clamp(e));
-        if (rc != kOk) return rc;
+        if (rc != COMN_ARITH_OK) return rc;
     } else {
         *scale = static_cast<uint8_t>(frac > 0 ? frac : e);
     }
 
-    if (area[0] != 0) return kOverflow;
+    if (area[0] != 0) return COMN_ARITH_OVERFLOW;
 
     if (req_prec != 255) {
         if (sign < 0 && significant >= 1 && (arealen != 2 || area[1] != 0)) area[0] = 1;
         x.precision = static_cast<uint8_t>(req_prec);
-        return com__exctnume_checkprecision(&x) ? kOverflow : kOk;
+        return com__exctnume_checkprecision(&x) ? COMN_ARITH_OVERFLOW : COMN_ARITH_OK;
     }
 
     // Precision from the text: the digits taken, and the area shrinks to its length.
     int prec = total > 1 ? total : 1;
-    if (prec > CS_MAX_PREC) return kOverflow;
+    if (prec > CS_MAX_PREC) return COMN_ARITH_OVERFLOW;
     const int32_t want = Com__Nume_Prec_To_Len[prec];
     uint8_t *start = area;
     int32_t len = arealen;
     while (len > want && start[0] == 0)
         ++start, --len;
     if (start[0] != 0) --start, ++len;
-    if (len != want) return kOverflow;
+    if (len != want) return COMN_ARITH_OVERFLOW;
     if (prec >= 39 && *scale < prec) prec = trim_wide_value(start, len, prec, *scale);
     // Dropped digits may have multiplied the value beyond the digits that were read.
     const ExactNumericRef fitted{len, static_cast<uint8_t>(prec), *scale, start};
-    if (com__exctnume_checkprecision(&fitted)) return kOverflow;
+    if (com__exctnume_checkprecision(&fitted)) return COMN_ARITH_OVERFLOW;
     if (sign < 0 && significant >= 1) start[0] = 1;
     *bytes = start;
     *length = len;
     *precision = static_cast<uint8_t>(prec);
-    return kOk;
+    return COMN_ARITH_OK;
 }
