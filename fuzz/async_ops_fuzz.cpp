@@ -5,6 +5,7 @@
 #include <comnlib/async.h>
 
 #include "async/async_internal.h"
+#include "core/alloc.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -17,7 +18,6 @@ struct Mutex {
 };
 int live_objects = 0;
 int fail_lock_in = 0; // the nth lock from now answers 0
-int fail_alloc_in = 0;
 
 void check(bool ok) {
     if (!ok) __builtin_trap();
@@ -51,11 +51,6 @@ int32_t signal(void *) {
 // No wait slot: a real event wait would block, which one thread cannot undo.
 const ComThreadCallbacks callbacks = {create_obj, delete_obj, take,   release,
                                       create_obj, delete_obj, signal, nullptr};
-
-void *failing_alloc(std::size_t n) {
-    if (fail_alloc_in > 0 && --fail_alloc_in == 0) return nullptr;
-    return std::malloc(n);
-}
 
 // The access lock may be entered again by the thread holding it (a poll walk runs stacks).
 int access_depth = 0;
@@ -102,13 +97,12 @@ struct Tracked {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-    comn::async::alloc_fn = std::malloc;
-    fail_lock_in = fail_alloc_in = 0;
+    comn::alloc_fail_at(0);
+    fail_lock_in = 0;
     ComAsyncManager *m[2] = {};
     if (com_async_init(&m[0], wait_once, access, 0, &callbacks) != CS_SUCCEED ||
         com_async_init(&m[1], nullptr, nullptr, COM_ASYNC_GLOBAL_STATIC, nullptr) != CS_SUCCEED)
         __builtin_trap();
-    comn::async::alloc_fn = failing_alloc;
     Tracked hs[6] = {};
     int count = 0;
     size_t pos = 0;
@@ -188,14 +182,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
             fail_lock_in = arg % 8;
             break;
         case 17:
-            fail_alloc_in = arg % 8;
+            comn::alloc_fail_at(arg % 8);
             break;
         }
     }
 
     // Every handle goes home, then both managers shut, releasing everything.
-    fail_lock_in = fail_alloc_in = 0;
-    comn::async::alloc_fn = std::malloc;
+    fail_lock_in = 0;
+    comn::alloc_fail_at(0);
     for (int i = 0; i < count; ++i)
         check(com_async_assoc(hs[i].h, m[hs[i].home]) == CS_SUCCEED);
     check(com_async_shut(m[1], 1) == CS_SUCCEED);

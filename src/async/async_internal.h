@@ -1,7 +1,8 @@
 /*
  * Private layout of the asynchronous manager's three records, and the small helpers every
  * file of the manager shares: the callback wrappers (a missing table or slot counts as
- * done), the access lock, intrusive list links and the allocation seam.
+ * done), the access lock and intrusive list links. The records come from the library's
+ * allocation seam (core/alloc.h).
  *
  * Concurrency model. The caller's callbacks are the only locks. The state and flags words
  * of handles and managers are atomics so that the unlocked reads the protocol allows (a
@@ -15,16 +16,12 @@
 
 #include <comnlib/async.h>
 
+#include "core/alloc.h"
+
 #include <atomic>
 #include <cstddef>
 
 namespace comn::async {
-
-// Allocation seam: tests replace it to fail chosen allocations.
-extern void *(*alloc_fn)(std::size_t size);
-inline void *mem_alloc(std::size_t size) {
-    return alloc_fn(size);
-}
 
 // Callback wrappers. A missing table, or a missing slot in it, counts as done.
 inline int32_t mutex_create(const ComThreadCallbacks *cb, void **m) {

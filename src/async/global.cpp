@@ -3,16 +3,12 @@
  * static Application_global or a fresh allocation. It holds the list of managers, the
  * caller's callback table with one mutex made from it, and the hooks managers read (the
  * post routine, the access test) or the caller supplies (manager chooser, start hook).
- * Also the access test itself and the allocation seam shared by the manager's files.
+ * Also the access test itself.
  */
 #include "async/async_internal.h"
 
 #include <cstdlib>
 #include <cstring>
-
-namespace comn::async {
-void *(*alloc_fn)(std::size_t size) = std::malloc;
-} // namespace comn::async
 
 using namespace comn::async;
 
@@ -37,7 +33,7 @@ COMN_API int32_t com_appglobal_alloc(ComAppGlobal **global, const ComThreadCallb
             return CS_SUCCEED;
         }
     } else {
-        g = static_cast<ComAppGlobal *>(mem_alloc(sizeof(ComAppGlobal)));
+        g = static_cast<ComAppGlobal *>(comn::mem_malloc(sizeof(ComAppGlobal)));
         if (!g) return CS_MEM_ERROR;
     }
     std::memset(g, 0, sizeof *g);
@@ -47,7 +43,7 @@ COMN_API int32_t com_appglobal_alloc(ComAppGlobal **global, const ComThreadCallb
         if (g == &Application_global)
             std::memset(g, 0, sizeof *g);
         else
-            std::free(g);
+            comn::mem_free(g);
         return r;
     }
     g->refcount = 1;
@@ -72,7 +68,7 @@ COMN_API int32_t com_appglobal_drop(ComAppGlobal *g, int32_t /*flags*/) {
     if (g == &Application_global)
         std::memset(g, 0, sizeof *g);
     else
-        std::free(g);
+        comn::mem_free(g);
     return r;
 }
 

@@ -20,7 +20,7 @@ constexpr int32_t INITIAL_CHECKPOINTS = 3;
 void free_checkpoints(Checkpoint *c) {
     while (c) {
         Checkpoint *next = c->next;
-        std::free(c);
+        comn::mem_free(c);
         c = next;
     }
 }
@@ -36,7 +36,7 @@ void free_handle(ComAsyncHandle *h) {
     free_checkpoints(h->checks);
     free_checkpoints(h->pool);
     h->~ComAsyncHandle();
-    std::free(h);
+    comn::mem_free(h);
 }
 
 int32_t run_checkpoint(ComAsyncHandle *h, int32_t mask, int32_t status) {
@@ -64,8 +64,8 @@ COMN_API int32_t com_async_alloc(ComAsyncManager *m, ComAsyncHandle **out, int32
     if (depth < 0) return CS_FAIL;
     if (depth == 0) depth = DEFAULT_DEPTH;
     static_assert(sizeof(ComAsyncHandle) % alignof(ComAsyncStateFunc) == 0);
-    void *mem = mem_alloc(sizeof(ComAsyncHandle) +
-                          static_cast<std::size_t>(depth) * sizeof(ComAsyncStateFunc));
+    void *mem = comn::mem_malloc(sizeof(ComAsyncHandle) +
+                                 static_cast<std::size_t>(depth) * sizeof(ComAsyncStateFunc));
     if (!mem) return CS_MEM_ERROR;
     auto *h = new (mem) ComAsyncHandle{};
     h->stack = reinterpret_cast<ComAsyncStateFunc *>(h + 1);
@@ -84,11 +84,11 @@ COMN_API int32_t com_async_alloc(ComAsyncManager *m, ComAsyncHandle **out, int32
     }
     if (r != CS_SUCCEED) {
         h->~ComAsyncHandle();
-        std::free(h);
+        comn::mem_free(h);
         return r;
     }
     for (int i = 0; i < INITIAL_CHECKPOINTS; ++i) {
-        auto *c = static_cast<Checkpoint *>(mem_alloc(sizeof(Checkpoint)));
+        auto *c = static_cast<Checkpoint *>(comn::mem_malloc(sizeof(Checkpoint)));
         if (!c) {
             free_handle(h);
             return CS_MEM_ERROR;
@@ -161,7 +161,7 @@ COMN_API int32_t com_async_reg_checkfunc(ComAsyncHandle *h, ComAsyncStateFunc fu
     Checkpoint *c = h->pool;
     if (c) {
         h->pool = c->next;
-    } else if (!(c = static_cast<Checkpoint *>(mem_alloc(sizeof(Checkpoint))))) {
+    } else if (!(c = static_cast<Checkpoint *>(comn::mem_malloc(sizeof(Checkpoint))))) {
         access_leave(m);
         return CS_MEM_ERROR;
     }

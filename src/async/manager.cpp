@@ -17,7 +17,7 @@ void destroy_manager(ComAsyncManager *m) {
     event_delete(m->callbacks, m->event);
     mutex_delete(m->callbacks, m->mutex);
     m->~ComAsyncManager();
-    std::free(m);
+    comn::mem_free(m);
 }
 
 } // namespace
@@ -29,7 +29,7 @@ COMN_API int32_t com_async_init(ComAsyncManager **out, ComAsyncWaitFunc waitfunc
                                 const ComThreadCallbacks *callbacks) {
     if (!out) return CS_FAIL;
     *out = nullptr;
-    void *mem = mem_alloc(sizeof(ComAsyncManager));
+    void *mem = comn::mem_malloc(sizeof(ComAsyncManager));
     if (!mem) return CS_MEM_ERROR;
     auto *m = new (mem) ComAsyncManager{};
     m->waitfunc = waitfunc;
@@ -40,13 +40,13 @@ COMN_API int32_t com_async_init(ComAsyncManager **out, ComAsyncWaitFunc waitfunc
     int32_t r = mutex_create(callbacks, &m->mutex);
     if (r != CS_SUCCEED) {
         m->~ComAsyncManager();
-        std::free(m);
+        comn::mem_free(m);
         return r;
     }
     if ((r = event_create(callbacks, &m->event)) != CS_SUCCEED) {
         mutex_delete(callbacks, m->mutex);
         m->~ComAsyncManager();
-        std::free(m);
+        comn::mem_free(m);
         return r;
     }
     ComAppGlobal *g = nullptr;

@@ -23,7 +23,7 @@ int32_t load_default_locale(ComContext *ctx) {
     LocaleRecord *rec = nullptr;
     rc = com_intl_load(ctx, name, -1, &rec);
     if (rc != CS_SUCCEED) return rc;
-    auto *h = static_cast<LocaleHandle *>(loc_alloc(sizeof(LocaleHandle)));
+    auto *h = static_cast<LocaleHandle *>(comn::mem_calloc(1, sizeof(LocaleHandle)));
     if (!h) return CS_MEM_ERROR;
     h->collate = h->ctype = h->message = h->monetary = h->numeric = h->time = rec;
     ctx->conv.default_locale = h;
@@ -60,7 +60,7 @@ COMN_API int32_t comn_ctx_setup(ComContext *ctx) {
 COMN_API void comn_ctx_teardown(ComContext *ctx) {
     if (!ctx) return;
     comn_loc_drop_all(ctx);
-    std::free(ctx->conv.default_locale);
+    comn::mem_free(ctx->conv.default_locale);
     ctx->conv.default_locale = nullptr;
     com_intl_loccache_drop(ctx);
     com__charset_drop_all(ctx);

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "comnlib/convert.h"
+#include "core/alloc.h"
 
 namespace {
 
@@ -24,7 +25,7 @@ COMN_API int32_t com_conv_init(ComContext *ctx) {
     uint32_t dim;
     com__get_ctbl(&table, &dim);
     ctx->conv.conv_dim = dim;
-    auto *copy = static_cast<ComConvFunc *>(std::malloc(sizeof(ComConvFunc) * dim * dim));
+    auto *copy = static_cast<ComConvFunc *>(comn::mem_malloc(sizeof(ComConvFunc) * dim * dim));
     if (!copy) return CS_MEM_ERROR;
     std::memcpy(copy, table, sizeof(ComConvFunc) * dim * dim);
     ctx->conv.conv_table = copy;
@@ -38,7 +39,7 @@ COMN_API int32_t com__conv_usr_free(ComContext *ctx) {
         UserConvEntry *next_head = head->next_src;
         for (UserConvEntry *e = head; e;) {
             UserConvEntry *next = e->next_dest;
-            std::free(e);
+            comn::mem_free(e);
             e = next;
         }
         head = next_head;
@@ -48,7 +49,7 @@ COMN_API int32_t com__conv_usr_free(ComContext *ctx) {
 }
 
 COMN_API int32_t com_conv_free(ComContext *ctx) {
-    std::free(ctx->conv.conv_table);
+    comn::mem_free(ctx->conv.conv_table);
     ctx->conv.conv_table = nullptr;
     ctx->conv.conv_dim = 0;
     return com__conv_usr_free(ctx);
@@ -85,7 +86,7 @@ COMN_API int32_t com__conv_usr_install(ComContext *ctx, int32_t src, int32_t dst
         e->func = func;
         return CS_SUCCEED;
     }
-    auto *e = static_cast<UserConvEntry *>(std::calloc(1, sizeof(UserConvEntry)));
+    auto *e = static_cast<UserConvEntry *>(comn::mem_calloc(1, sizeof(UserConvEntry)));
     if (!e) return CS_MEM_ERROR;
     e->src_type = src;
     e->dest_type = dst;

@@ -12,6 +12,7 @@
 
 #include "comnlib/convert.h"
 #include "comnlib/numeric.h"
+#include "core/alloc.h"
 
 namespace {
 
@@ -58,7 +59,7 @@ NullEntry *entry(ComContext *ctx, int32_t t) {
 int32_t copy_value(void **dst, const void *src, int32_t len) {
     *dst = nullptr;
     if (len <= 0) return CS_SUCCEED;
-    void *p = std::malloc(static_cast<size_t>(len));
+    void *p = comn::mem_malloc(static_cast<size_t>(len));
     if (!p) return CS_MEM_ERROR;
     std::memcpy(p, src, static_cast<size_t>(len));
     *dst = p;
@@ -72,14 +73,14 @@ extern "C" {
 COMN_API int32_t com_null_init(ComContext *ctx) {
     ctx->null_count = COMN_CONV_DIM;
     ctx->user_nulls = nullptr;
-    auto *arr = static_cast<NullEntry *>(std::calloc(COMN_CONV_DIM, sizeof(NullEntry)));
+    auto *arr = static_cast<NullEntry *>(comn::mem_calloc(COMN_CONV_DIM, sizeof(NullEntry)));
     ctx->conv.null_values = arr;
     if (!arr) return CS_MEM_ERROR;
     for (int t = 0; t < COMN_CONV_DIM; ++t) {
         const DefaultNull &d = Comv_values[t];
         arr[t].length = d.length;
         arr[t].padkind = d.pad;
-        arr[t].value = std::malloc(static_cast<size_t>(std::max(d.length, 1)));
+        arr[t].value = comn::mem_malloc(static_cast<size_t>(std::max(d.length, 1)));
         if (!arr[t].value) return CS_MEM_ERROR;
         std::memcpy(arr[t].value, d.value, static_cast<size_t>(std::max(d.length, 1)));
     }
@@ -89,8 +90,8 @@ COMN_API int32_t com_null_init(ComContext *ctx) {
 COMN_API int32_t com__null_usr_free(ComContext *ctx) {
     for (UserNullEntry *e = ctx->user_nulls; e;) {
         UserNullEntry *next = e->next;
-        std::free(e->value);
-        std::free(e);
+        comn::mem_free(e->value);
+        comn::mem_free(e);
         e = next;
     }
     ctx->user_nulls = nullptr;
@@ -100,8 +101,8 @@ COMN_API int32_t com__null_usr_free(ComContext *ctx) {
 COMN_API int32_t com_null_free(ComContext *ctx) {
     if (NullEntry *arr = ctx->conv.null_values) {
         for (int t = 0; t < ctx->null_count; ++t)
-            std::free(arr[t].value);
-        std::free(arr);
+            comn::mem_free(arr[t].value);
+        comn::mem_free(arr);
         ctx->conv.null_values = nullptr;
     }
     ctx->null_count = 0;
@@ -157,16 +158,16 @@ COMN_API int32_t com_null_get(ComContext *ctx, DataFormat *fmt, void *dest, int3
 COMN_API int32_t com__null_usr_set(ComContext *ctx, int32_t t, void *value, int32_t len) {
     for (UserNullEntry *e = ctx->user_nulls; e; e = e->next) {
         if (e->type != t) continue;
-        std::free(e->value);
+        comn::mem_free(e->value);
         e->length = 0;
         int32_t rc = copy_value(&e->value, value, len);
         if (rc == CS_SUCCEED) e->length = std::max(len, 0);
         return rc;
     }
-    auto *e = static_cast<UserNullEntry *>(std::calloc(1, sizeof(UserNullEntry)));
+    auto *e = static_cast<UserNullEntry *>(comn::mem_calloc(1, sizeof(UserNullEntry)));
     if (!e) return CS_MEM_ERROR;
     if (copy_value(&e->value, value, len) != CS_SUCCEED) {
-        std::free(e);
+        comn::mem_free(e);
         return CS_MEM_ERROR;
     }
     e->type = t;
@@ -180,7 +181,7 @@ COMN_API int32_t com_null_set(ComContext *ctx, int32_t t, void *value, int32_t l
     if (t >= CS_VOID) return com__null_usr_set(ctx, t, value, len);
     if (t < 0 || !ctx->conv.null_values) return CS_FAIL;
     NullEntry *e = entry(ctx, t);
-    std::free(e->value);
+    comn::mem_free(e->value);
     e->length = 0;
     int32_t rc = copy_value(&e->value, value, len);
     if (rc == CS_SUCCEED) e->length = std::max(len, 0);
@@ -192,8 +193,8 @@ COMN_API int32_t com__null_usr_reinstall(ComContext *ctx, int32_t t) {
         if ((*link)->type != t) continue;
         UserNullEntry *e = *link;
         *link = e->next;
-        std::free(e->value);
-        std::free(e);
+        comn::mem_free(e->value);
+        comn::mem_free(e);
         break;
     }
     return CS_SUCCEED;
@@ -206,7 +207,7 @@ COMN_API int32_t com_null_reinstall(ComContext *ctx, int32_t t) {
     const DefaultNull &d = Comv_values[t];
     // The set value may have been shorter than the default, or absent: the buffer is
     // replaced by one of the default's size rather than overrun.
-    void *buf = std::realloc(e->value, static_cast<size_t>(std::max(d.length, 1)));
+    void *buf = comn::mem_realloc(e->value, static_cast<size_t>(std::max(d.length, 1)));
     if (!buf) return CS_MEM_ERROR;
     std::memcpy(buf, d.value, static_cast<size_t>(std::max(d.length, 1)));
     e->value = buf;

@@ -10,6 +10,7 @@
 #include <cstring>
 
 #include "comnlib/intl.h"
+#include "core/alloc.h"
 
 namespace comn {
 namespace {
@@ -34,11 +35,11 @@ void set_name(CharAttrib *rec, const char *name) {
 extern "C" {
 
 COMN_API CharAttrib *com_alloc_char_attrib(void) {
-    return static_cast<CharAttrib *>(std::malloc(sizeof(CharAttrib)));
+    return static_cast<CharAttrib *>(comn::mem_malloc(sizeof(CharAttrib)));
 }
 
 COMN_API void com_free_char_attrib(CharAttrib *rec) {
-    std::free(rec);
+    comn::mem_free(rec);
 }
 
 COMN_API int32_t com_build_char_attrib(int32_t kind, int32_t xlate_id, const char *name,

@@ -7,24 +7,25 @@
 
 #include "intl/charset_internal.h"
 #include "intl/intl_internal.h"
+#include "core/alloc.h"
 
 namespace comn {
 namespace {
 
 char *dup(const char *s) {
     const size_t n = std::strlen(s) + 1;
-    auto *d = static_cast<char *>(std::malloc(n));
+    auto *d = static_cast<char *>(comn::mem_malloc(n));
     if (d) std::memcpy(d, s, n);
     return d;
 }
 
 void drop(ComCharsetDesc *d) {
-    std::free(d->charset);
-    std::free(d->sortorder);
+    comn::mem_free(d->charset);
+    comn::mem_free(d->sortorder);
     com_free_char_attrib(d->attr);
-    std::free(d->image);
-    std::free(d->sort_table);
-    std::free(d);
+    comn::mem_free(d->image);
+    comn::mem_free(d->sort_table);
+    comn::mem_free(d);
 }
 
 // Opens one file of the set, reads it with reader, closes it; maps the statuses.
@@ -55,7 +56,7 @@ COMN_API int32_t com__charset_desc_get(ComContext *ctx, const char *charset, con
             *desc_out = d;
             return CS_SUCCEED;
         }
-    auto *d = static_cast<ComCharsetDesc *>(std::calloc(1, sizeof(ComCharsetDesc)));
+    auto *d = static_cast<ComCharsetDesc *>(comn::mem_calloc(1, sizeof(ComCharsetDesc)));
     if (!d) return CS_MEM_ERROR;
     d->charset = comn::dup(charset);
     d->sortorder = comn::dup(sortorder);

@@ -11,6 +11,7 @@
 
 #include "intl/charset_internal.h"
 #include "intl/table_rows.h"
+#include "core/alloc.h"
 
 namespace comn {
 namespace {
@@ -66,17 +67,17 @@ int32_t read_info(IntlFile *f, const char *key, Scratch *s) {
 }
 
 uint8_t *page(uint8_t **slot, size_t size) {
-    if (!*slot) *slot = static_cast<uint8_t *>(std::calloc(1, size));
+    if (!*slot) *slot = static_cast<uint8_t *>(comn::mem_calloc(1, size));
     return *slot;
 }
 
 void free_scratch(Scratch *s) {
     for (int p = 0; p < Max_pages; ++p) {
-        std::free(s->typemap[p]);
-        std::free(s->asciimap[p]);
+        comn::mem_free(s->typemap[p]);
+        comn::mem_free(s->asciimap[p]);
     }
-    std::free(s->second);
-    std::free(s);
+    comn::mem_free(s->second);
+    comn::mem_free(s);
 }
 
 // A cell of a page, 0 when the page was never given.
@@ -157,7 +158,7 @@ int32_t read_charset(IntlFile *f, const char *name, int32_t *reader_status, uint
     *image_out = nullptr;
     *attr_out = nullptr;
     *reader_status = 0;
-    auto *s = static_cast<Scratch *>(std::calloc(1, sizeof(Scratch)));
+    auto *s = static_cast<Scratch *>(comn::mem_calloc(1, sizeof(Scratch)));
     if (!s) return CS_MEM_ERROR;
     s->level = 1;
     s->xlate = -1;
@@ -175,10 +176,10 @@ int32_t read_charset(IntlFile *f, const char *name, int32_t *reader_status, uint
     const size_t asize = s->has_ascii ? 256 * static_cast<size_t>(s->ascii_pages) : 0;
     const size_t tsize = 1024 * static_cast<size_t>(s->type_pages);
     const size_t total = Header_size + wsize + asize + tsize + s->second_size;
-    auto *image = static_cast<uint8_t *>(std::calloc(1, total));
+    auto *image = static_cast<uint8_t *>(comn::mem_calloc(1, total));
     CharAttrib *attr = com_alloc_char_attrib();
     if (!image || !attr) {
-        std::free(image);
+        comn::mem_free(image);
         com_free_char_attrib(attr);
         free_scratch(s);
         return CS_MEM_ERROR;

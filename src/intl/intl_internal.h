@@ -8,10 +8,11 @@
 
 namespace comn {
 
-// Keeps the platform reader's status in the context and answers COM_INTL_ERROR.
+// Keeps the platform reader's status in the context and answers COM_INTL_ERROR, or
+// CS_MEM_ERROR when the reader ran out of memory (the file itself is then not at fault).
 inline int32_t intl_fail(ComContext *ctx, int32_t status) {
     if (ctx) ctx->intl_status = status;
-    return COM_INTL_ERROR;
+    return status == INTL_E_NOMEM ? CS_MEM_ERROR : COM_INTL_ERROR;
 }
 
 // True when a file value equals want over exactly n bytes, as com_unsignstrncmp compares

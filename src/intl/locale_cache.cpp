@@ -1,5 +1,5 @@
-// The context's cache of locale records: the allocation seam, the three scans (by name, by
-// language and character set, by sort order and character set), and dropping records.
+// The context's cache of locale records: the three scans (by name, by language and character
+// set, by sort order and character set), and dropping records.
 //
 // A record owns its four names, its common information and its message cache; its character
 // set description belongs to the context's description list and is only pointed at.
@@ -10,14 +10,6 @@
 #include "intl/locale_internal.h"
 
 namespace comn {
-
-void *(*locale_calloc)(size_t n) = [](size_t n) { return std::calloc(1, n); };
-
-char *loc_strndup(const char *s, size_t n) {
-    auto *d = static_cast<char *>(loc_alloc(n + 1));
-    if (d) std::memcpy(d, s, n);
-    return d;
-}
 
 LocaleRecord *category_record(const LocaleHandle *h, int32_t category) {
     if (!h) return nullptr;
@@ -85,12 +77,12 @@ COMN_API LocaleRecord *com__scan_lcache_sort(ComContext *ctx, const char *sortor
 COMN_API void com__lcache_drop(LocaleRecord *rec) {
     if (!rec) return;
     com__msgcache_drop(rec->msgcache);
-    std::free(rec->name);
-    std::free(rec->language);
-    std::free(rec->charset);
-    std::free(rec->sortorder);
+    comn::mem_free(rec->name);
+    comn::mem_free(rec->language);
+    comn::mem_free(rec->charset);
+    comn::mem_free(rec->sortorder);
     drop_common(rec->common);
-    std::free(rec);
+    comn::mem_free(rec);
 }
 
 COMN_API void com_intl_loccache_drop(ComContext *ctx) {

@@ -21,7 +21,7 @@ bool pack(char **dst, const char *const *src, int count) {
     size_t total = 0;
     for (int i = 0; i < count; ++i)
         total += std::strlen(src[i]) + 1;
-    auto *block = static_cast<char *>(loc_alloc(total));
+    auto *block = static_cast<char *>(comn::mem_calloc(1, total));
     if (!block) return false;
     for (int i = 0; i < count; ++i) {
         const size_t n = std::strlen(src[i]) + 1;
@@ -36,7 +36,7 @@ bool pack(char **dst, const char *const *src, int count) {
 // left for the caller. Null when an allocation fails (nothing is left allocated).
 CommonInfo *make_common(const char *const *months, const char *const *shortmonths,
                         const char *const *days) {
-    auto *info = static_cast<CommonInfo *>(loc_alloc(sizeof(CommonInfo)));
+    auto *info = static_cast<CommonInfo *>(comn::mem_calloc(1, sizeof(CommonInfo)));
     if (!info) return nullptr;
     if (!pack(info->months, months, 12) || !pack(info->shortmonths, shortmonths, 12) ||
         !pack(info->days, days, 7)) {
@@ -85,10 +85,10 @@ int32_t find_datetime(IntlFile *f) {
 
 void drop_common(CommonInfo *info) {
     if (!info) return;
-    std::free(info->months[0]);
-    std::free(info->shortmonths[0]);
-    std::free(info->days[0]);
-    std::free(info);
+    comn::mem_free(info->months[0]);
+    comn::mem_free(info->shortmonths[0]);
+    comn::mem_free(info->days[0]);
+    comn::mem_free(info);
 }
 
 } // namespace comn
@@ -104,13 +104,13 @@ COMN_API int32_t com__read_common(ComContext *ctx, LocaleRecord *rec) {
     if (rc != CS_SUCCEED) return rc;
     rc = find_datetime(f);
     if (rc == CS_SUCCEED) {
-        auto *dt = static_cast<IntlDateTime *>(loc_alloc(sizeof(IntlDateTime)));
+        auto *dt = static_cast<IntlDateTime *>(comn::mem_calloc(1, sizeof(IntlDateTime)));
         if (!dt) {
             rc = CS_MEM_ERROR;
         } else {
             const int32_t st = intl_datetime(f, dt);
             rc = st < 0 ? intl_fail(ctx, st) : build_from(rec, *dt);
-            std::free(dt);
+            comn::mem_free(dt);
         }
     } else if (rc < 0) {
         rc = intl_fail(ctx, rc);

@@ -38,7 +38,7 @@ void copy_records(LocaleHandle *dest, const LocaleHandle *src) {
 
 void free_handle(LocaleHandle *h) {
     std::memset(h, 0, sizeof *h);
-    std::free(h);
+    comn::mem_free(h);
 }
 
 } // namespace
@@ -51,7 +51,7 @@ extern "C" {
 COMN_API int32_t comn_loc_alloc(ComContext *ctx, LocaleHandle **out) {
     if (!ctx || !out) return CS_FAIL;
     return locked(ctx, [&]() -> int32_t {
-        auto *h = static_cast<LocaleHandle *>(loc_alloc(sizeof(LocaleHandle)));
+        auto *h = static_cast<LocaleHandle *>(comn::mem_calloc(1, sizeof(LocaleHandle)));
         if (!h) return CS_MEM_ERROR;
         if (ctx->conv.default_locale) copy_records(h, ctx->conv.default_locale);
         h->next = ctx->loc_handles;
@@ -85,7 +85,7 @@ COMN_API int32_t comn_loc_drop_all(ComContext *ctx) {
         }
         ctx->loc_handles = nullptr;
         ctx->current_locale = nullptr;
-        std::free(ctx->loc_buffer);
+        std::free(ctx->loc_buffer); // the caller's malloc'ed scratch, not the seam's
         ctx->loc_buffer = nullptr;
         return CS_SUCCEED;
     });

@@ -16,10 +16,10 @@ namespace {
 // Fills rec's four names; false when an allocation fails.
 bool set_names(LocaleRecord *rec, const char *name, size_t namelen, const char *language,
                const char *charset, const char *sortorder) {
-    rec->name = loc_strndup(name, namelen);
-    rec->language = loc_strndup(language, std::strlen(language));
-    rec->charset = loc_strndup(charset, std::strlen(charset));
-    rec->sortorder = loc_strndup(sortorder, std::strlen(sortorder));
+    rec->name = comn::mem_strndup(name, namelen);
+    rec->language = comn::mem_strndup(language, std::strlen(language));
+    rec->charset = comn::mem_strndup(charset, std::strlen(charset));
+    rec->sortorder = comn::mem_strndup(sortorder, std::strlen(sortorder));
     return rec->name && rec->language && rec->charset && rec->sortorder;
 }
 
@@ -35,7 +35,7 @@ int32_t name_of(ComContext *ctx, const char *lang, const char *cs, const char *s
     const size_t ll = std::strlen(lang), cl = std::strlen(cs), sl = std::strlen(so);
     int32_t size = static_cast<int32_t>(std::max<size_t>(ll + cl + sl + 2, COM_INTL_NAME_SIZE));
     for (int attempt = 0;; ++attempt) {
-        auto *buf = static_cast<char *>(loc_alloc(size));
+        auto *buf = static_cast<char *>(comn::mem_calloc(1, size));
         if (!buf) return CS_MEM_ERROR;
         int32_t len = 0;
         const int32_t rc =
@@ -58,7 +58,7 @@ int32_t name_of(ComContext *ctx, const char *lang, const char *cs, const char *s
             *name = buf, *namelen = static_cast<int32_t>(ll + cl + sl + 2);
             return CS_SUCCEED;
         }
-        std::free(buf);
+        comn::mem_free(buf);
         // The reverse translation reports only what it copied, not the name's full length,
         // so the one retry grows the buffer well beyond any sensible locale name.
         if (rc != CS_CONV_OVERFLOW || attempt == 1) return rc;
@@ -81,7 +81,7 @@ COMN_API int32_t com__intl_load_new(ComContext *ctx, const char *name, int32_t n
     LocaleRecord *same_lang = com__scan_lcache_lang(ctx, language, charset);
     LocaleRecord *same_sort = com__scan_lcache_sort(ctx, sortorder, charset);
 
-    auto *rec = static_cast<LocaleRecord *>(loc_alloc(sizeof(LocaleRecord)));
+    auto *rec = static_cast<LocaleRecord *>(comn::mem_calloc(1, sizeof(LocaleRecord)));
     if (!rec) return CS_MEM_ERROR;
     int32_t rc = set_names(rec, name, n, language, charset, sortorder) ? CS_SUCCEED : CS_MEM_ERROR;
     if (rc == CS_SUCCEED) {
@@ -129,7 +129,7 @@ COMN_API int32_t com_intl_load_lcs(ComContext *ctx, const char *language, const 
     int32_t rc = name_of(ctx, lang, cs, so, &name, &namelen);
     if (rc != CS_SUCCEED) return rc;
     if (LocaleRecord *hit = com__scan_lcache_name(ctx, name, namelen)) {
-        std::free(name);
+        comn::mem_free(name);
         *out = hit;
         return CS_SUCCEED;
     }
@@ -140,7 +140,7 @@ COMN_API int32_t com_intl_load_lcs(ComContext *ctx, const char *language, const 
         rc = com__intl_load_new(ctx, name, namelen, lang, cs, so, out);
     else if (rc == 0 && path_length_out)
         *path_length_out = static_cast<int32_t>(std::strlen(path_out));
-    std::free(name);
+    comn::mem_free(name);
     return rc;
 }
 }

@@ -11,6 +11,7 @@
 #include <cstring>
 
 #include "intl/reader_internal.h"
+#include "core/alloc.h"
 
 struct IntlFile {
     char *buf; // size + 1 bytes, so a terminator always fits
@@ -205,11 +206,11 @@ int32_t intl_open_buffer(const char *data, size_t size, IntlFile **handle) {
     *handle = nullptr;
     if (size > static_cast<size_t>(INTL_FILE_MAX)) return INTL_E_TOOBIG;
     if (size && std::memchr(data, '\0', size)) return INTL_E_BINARY;
-    auto *f = static_cast<IntlFile *>(std::calloc(1, sizeof(IntlFile)));
+    auto *f = static_cast<IntlFile *>(comn::mem_calloc(1, sizeof(IntlFile)));
     if (!f) return INTL_E_NOMEM;
-    f->buf = static_cast<char *>(std::malloc(size + 1));
+    f->buf = static_cast<char *>(comn::mem_malloc(size + 1));
     if (!f->buf) {
-        std::free(f);
+        comn::mem_free(f);
         return INTL_E_NOMEM;
     }
     if (size) std::memcpy(f->buf, data, size);
@@ -241,7 +242,7 @@ COMN_API int32_t intl_open(const char *path, IntlFile **handle) {
                 rc = INTL_E_TOOBIG;
                 break;
             }
-            auto *grown = static_cast<char *>(std::realloc(data, ncap));
+            auto *grown = static_cast<char *>(comn::mem_realloc(data, ncap));
             if (!grown) {
                 rc = INTL_E_NOMEM;
                 break;
@@ -258,7 +259,7 @@ COMN_API int32_t intl_open(const char *path, IntlFile **handle) {
     }
     std::fclose(fp);
     if (rc == 0) rc = comn::intl_open_buffer(data, len, handle);
-    std::free(data);
+    comn::mem_free(data);
     return rc;
 }
 
@@ -312,8 +313,8 @@ COMN_API char *intl_nextvalue(IntlFile *f, int32_t *status) {
 
 COMN_API int32_t intl_close(IntlFile *f) {
     if (!f) return INTL_E_ARG;
-    std::free(f->buf);
-    std::free(f);
+    comn::mem_free(f->buf);
+    comn::mem_free(f);
     return 0;
 }
 }

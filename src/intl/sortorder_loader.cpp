@@ -12,6 +12,7 @@
 
 #include "intl/charset_internal.h"
 #include "intl/table_rows.h"
+#include "core/alloc.h"
 
 namespace comn {
 namespace {
@@ -111,21 +112,21 @@ int32_t read_sortorder(IntlFile *f, int32_t *reader_status, uint8_t **table_out,
     *table_out = nullptr;
     *size_out = 0;
     *reader_status = 0;
-    auto *s = static_cast<SortScratch *>(std::calloc(1, sizeof(SortScratch)));
+    auto *s = static_cast<SortScratch *>(comn::mem_calloc(1, sizeof(SortScratch)));
     if (!s) return CS_MEM_ERROR;
     int32_t st = read_sections(f, s);
     if (st == 0 && !consistent(s)) st = INTL_E_SYNTAX;
     if (st < 0) {
-        std::free(s);
+        comn::mem_free(s);
         if (st == INTL_E_NOMEM) return CS_MEM_ERROR;
         *reader_status = st;
         return COM_INTL_ERROR;
     }
     const size_t size =
         COM_SORT_HEADER + 4 * 256 + COM_SORT_NODE * static_cast<size_t>(s->node_count);
-    auto *t = static_cast<uint8_t *>(std::calloc(1, size));
+    auto *t = static_cast<uint8_t *>(comn::mem_calloc(1, size));
     if (!t) {
-        std::free(s);
+        comn::mem_free(s);
         return CS_MEM_ERROR;
     }
     t[0] = static_cast<uint8_t>(s->id);
@@ -139,7 +140,7 @@ int32_t read_sortorder(IntlFile *f, int32_t *reader_status, uint8_t **table_out,
         std::memcpy(node + 4, &src.first, 4);
         std::memcpy(node + 8, &src.second, 4);
     }
-    std::free(s);
+    comn::mem_free(s);
     *table_out = t;
     *size_out = static_cast<int32_t>(size);
     return CS_SUCCEED;

@@ -23,12 +23,12 @@ class Piece {
     Piece(const Piece &) = delete;
     Piece &operator=(const Piece &) = delete;
     ~Piece() {
-        if (heap_) std::free(heap_);
+        if (heap_) comn::mem_free(heap_);
     }
     void keep(const char *text, int32_t len) {
         char *dst = inline_;
         if (static_cast<size_t>(len) >= sizeof inline_) {
-            heap_ = static_cast<char *>(msg_malloc(static_cast<size_t>(len)));
+            heap_ = static_cast<char *>(comn::mem_malloc(static_cast<size_t>(len)));
             if (!heap_) {
                 text = Msgfailures[0].text;
                 len = static_cast<int32_t>(std::strlen(text));
@@ -112,7 +112,7 @@ COMN_API int32_t com__call_strbuild(const ComErrParams *params, const char *tmpl
         return CS_FAIL;
 
     const int32_t size = tmpl_len + 512;
-    char *buf = static_cast<char *>(comn::msg_malloc(static_cast<size_t>(size)));
+    char *buf = static_cast<char *>(comn::mem_malloc(static_cast<size_t>(size)));
     if (!buf) return CS_MEM_ERROR;
     int32_t rc = comn::with_value(params->type2, params->value2, [&](auto a) {
         if (params->count == 2) return intl_strbuild(buf, size, tmpl, format, a);
@@ -121,7 +121,7 @@ COMN_API int32_t com__call_strbuild(const ComErrParams *params, const char *tmpl
         });
     });
     if (rc < 0) {
-        std::free(buf);
+        comn::mem_free(buf);
         return CS_FAIL;
     }
     *filled = buf;
@@ -192,13 +192,13 @@ COMN_API int32_t com_notrunc_errmsg(ComContext *ctx, ComErrCtx *errctx, uint32_t
     if (notrunc) {
         const int64_t needed = int64_t{lens[0]} + lens[1] + lens[2] + lens[3] + 6;
         if (needed > buflen) {
-            std::free(filled);
+            comn::mem_free(filled);
             *outlen = needed > INT32_MAX ? INT32_MAX : static_cast<int32_t>(needed);
             return CS_FAIL;
         }
     }
     *outlen = com__fill_climsg(buf, buflen, pieces, lens);
-    std::free(filled);
+    comn::mem_free(filled);
     return CS_SUCCEED;
 }
 

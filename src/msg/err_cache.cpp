@@ -10,16 +10,7 @@
 
 namespace comn {
 
-MsgMallocFn msg_malloc = std::malloc;
 MsgOpenFn msg_open = com__open_locfile;
-
-char *msg_strndup(const char *s, size_t len) {
-    char *p = static_cast<char *>(msg_malloc(len + 1));
-    if (!p) return nullptr;
-    std::memcpy(p, s, len);
-    p[len] = '\0';
-    return p;
-}
 
 namespace {
 
@@ -36,12 +27,12 @@ void free_sections(ComErrSect *s) {
         ComErrSect *next = s->next;
         for (ComErrEntry *e = s->entries; e;) {
             ComErrEntry *en = e->next;
-            std::free(e->text);
-            std::free(e);
+            comn::mem_free(e->text);
+            comn::mem_free(e);
             e = en;
         }
-        std::free(s->name);
-        std::free(s);
+        comn::mem_free(s->name);
+        comn::mem_free(s);
         s = next;
     }
 }
@@ -84,12 +75,12 @@ COMN_API int32_t com__update_cache(ComMsgCache *cache, ComErrSect *section, int3
                                    const char *sqlstate, const char *text) {
     if (!cache || !section || !sqlstate || !text) return CS_FAIL;
     // Make the new entry first: a failed allocation then leaves the cache as it was.
-    auto *e = static_cast<ComErrEntry *>(comn::msg_malloc(sizeof(ComErrEntry)));
+    auto *e = static_cast<ComErrEntry *>(comn::mem_malloc(sizeof(ComErrEntry)));
     if (!e) return CS_MEM_ERROR;
     std::memset(e, 0, sizeof *e);
-    e->text = comn::msg_strndup(text, std::strlen(text));
+    e->text = comn::mem_strndup(text, std::strlen(text));
     if (!e->text) {
-        std::free(e);
+        comn::mem_free(e);
         return CS_MEM_ERROR;
     }
     com__err_filterescape(e->text);
@@ -104,8 +95,8 @@ COMN_API int32_t com__update_cache(ComMsgCache *cache, ComErrSect *section, int3
         ComErrEntry *oldest = *pp;
         *pp = nullptr;
         comn::unlink_from_section(oldest);
-        std::free(oldest->text);
-        std::free(oldest);
+        comn::mem_free(oldest->text);
+        comn::mem_free(oldest);
         --cache->count;
     }
     e->next = section->entries;
@@ -142,8 +133,8 @@ COMN_API void com__errfile_cache_drop(ComErrFile *files) {
     while (files) {
         ComErrFile *next = files->next;
         comn::free_sections(files->sections);
-        std::free(files->name);
-        std::free(files);
+        comn::mem_free(files->name);
+        comn::mem_free(files);
         files = next;
     }
 }
@@ -151,7 +142,7 @@ COMN_API void com__errfile_cache_drop(ComErrFile *files) {
 COMN_API void com__msgcache_drop(ComMsgCache *cache) {
     if (!cache) return;
     com__errfile_cache_drop(cache->files);
-    std::free(cache);
+    comn::mem_free(cache);
 }
 
 } // extern "C"

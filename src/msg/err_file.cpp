@@ -103,12 +103,12 @@ COMN_API int32_t com__err_load_sections(ComContext *ctx, IntlFile *handle, ComMs
         if (!row) continue;
         ComErrSect *sec = comn::find_section(file, row->id);
         if (!sec) {
-            sec = static_cast<ComErrSect *>(comn::msg_malloc(sizeof(ComErrSect)));
+            sec = static_cast<ComErrSect *>(comn::mem_malloc(sizeof(ComErrSect)));
             if (!sec) return CS_MEM_ERROR;
             std::memset(sec, 0, sizeof *sec);
-            sec->name = comn::msg_strndup(name, std::strlen(name));
+            sec->name = comn::mem_strndup(name, std::strlen(name));
             if (!sec->name) {
-                std::free(sec);
+                comn::mem_free(sec);
                 return CS_MEM_ERROR;
             }
             sec->id = row->id;
@@ -133,7 +133,7 @@ COMN_API int32_t com_err_init(ComContext *ctx, ComErrCtx *errctx, const ComErrSe
         return CS_FAIL;
     LocaleRecord *loc = errctx->locale;
     if (!loc->msgcache) {
-        auto *cache = static_cast<ComMsgCache *>(comn::msg_malloc(sizeof(ComMsgCache)));
+        auto *cache = static_cast<ComMsgCache *>(comn::mem_malloc(sizeof(ComMsgCache)));
         if (!cache) return CS_MEM_ERROR;
         std::memset(cache, 0, sizeof *cache);
         loc->msgcache = cache;
@@ -141,12 +141,12 @@ COMN_API int32_t com_err_init(ComContext *ctx, ComErrCtx *errctx, const ComErrSe
     ComMsgCache *cache = loc->msgcache;
     if (comn::find_file(cache, errctx->file)) return CS_SUCCEED;
 
-    auto *file = static_cast<ComErrFile *>(comn::msg_malloc(sizeof(ComErrFile)));
+    auto *file = static_cast<ComErrFile *>(comn::mem_malloc(sizeof(ComErrFile)));
     if (!file) return CS_MEM_ERROR;
     std::memset(file, 0, sizeof *file);
-    file->name = comn::msg_strndup(errctx->file, std::strlen(errctx->file));
+    file->name = comn::mem_strndup(errctx->file, std::strlen(errctx->file));
     if (!file->name) {
-        std::free(file);
+        comn::mem_free(file);
         return CS_MEM_ERROR;
     }
     IntlFile *h = nullptr;

@@ -1,6 +1,6 @@
-// Seams of the message layer: every allocation of the message cache and of error assembly
-// goes through msg_malloc, and every message file is opened through msg_open, so that tests
-// can fail the n-th allocation or feed a file from memory. Both default to the real thing.
+// Seam of the message layer: every message file is opened through msg_open, so that tests can
+// feed a file from memory; it defaults to the real thing. Allocations go through the library's
+// allocation seam (core/alloc.h).
 #pragma once
 
 #include <cstddef>
@@ -8,18 +8,14 @@
 
 #include "comnlib/intl.h"
 #include "comnlib/msg.h"
+#include "core/alloc.h"
 
 namespace comn {
 
-using MsgMallocFn = void *(*)(size_t);
 using MsgOpenFn = int32_t (*)(ComContext *ctx, const char *language, const char *charset,
                               const char *file, IntlFile **handle);
 
-extern MsgMallocFn msg_malloc;
 extern MsgOpenFn msg_open;
-
-// A malloc'ed copy of len bytes of s plus a terminator, or null.
-char *msg_strndup(const char *s, size_t len);
 
 // Unlinks a file record from the cache's file list and frees it, taking its entries out of
 // the load-order list first so that the cache stays consistent.

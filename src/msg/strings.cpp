@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "comnlib/msg.h"
+#include "core/alloc.h"
 
 extern "C" {
 
@@ -30,10 +31,6 @@ COMN_API char *com_getenv(const char *name) {
     if (!name) return nullptr;
     const char *value = std::getenv(name);
     if (!value) return nullptr;
-    const size_t len = std::strlen(value);
-    auto *copy = static_cast<char *>(std::malloc(len + 1));
-    if (!copy) return nullptr;
-    std::memcpy(copy, value, len + 1);
-    return copy;
+    return comn::mem_strndup(value, std::strlen(value));
 }
 }

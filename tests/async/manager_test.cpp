@@ -4,6 +4,7 @@
 #include "async_support.h"
 
 #include "async/async_internal.h"
+#include "core/alloc.h"
 
 #include <cstdlib>
 
@@ -286,16 +287,11 @@ TEST_F(Managers, FailingCreationCallbacksUndoWhatWasMade) {
     }
 }
 
-int fail_at = 0, allocations = 0;
-void *failing_malloc(std::size_t n) {
-    return ++allocations == fail_at ? nullptr : std::malloc(n);
-}
-
 // Fails each allocation of a full set-up in turn: every failure is a clean CS_MEM_ERROR.
 TEST_F(Managers, FailedAllocationsReportMemErrorWithoutLeaks) {
-    comn::async::alloc_fn = failing_malloc;
-    for (fail_at = 1;; ++fail_at) {
-        allocations = 0;
+    int fail_at = 1;
+    for (;; ++fail_at) {
+        comn::alloc_fail_at(fail_at);
         ComAsyncManager *m = nullptr;
         ComAsyncHandle *h = nullptr;
         int32_t r = com_async_init(&m, nullptr, nullptr, 0, &fake_callbacks);
@@ -310,7 +306,7 @@ TEST_F(Managers, FailedAllocationsReportMemErrorWithoutLeaks) {
         if (r == CS_SUCCEED) break;
         EXPECT_EQ(r, CS_MEM_ERROR) << "allocation " << fail_at;
     }
-    comn::async::alloc_fn = std::malloc;
+    comn::alloc_fail_at(0);
     EXPECT_EQ(fail_at, 9) << "manager, global, handle, three checkpoints, two more, success";
 }
 

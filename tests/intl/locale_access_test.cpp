@@ -187,40 +187,4 @@ TEST(LocaleAccess, DateCodeReadsTheFrenchLocale) {
     comn_ctx_teardown(&ctx);
 }
 
-// Fails the n-th allocation of the locale cache for n = 1, 2, ... until a load succeeds;
-// each failing load answers -1 and leaves nothing cached (ASan checks that it leaks nothing).
-int g_allocs, g_fail_at;
-void *failing_calloc(size_t n) {
-    return ++g_allocs == g_fail_at ? nullptr : std::calloc(1, n);
-}
-
-void fail_each_allocation(const char *preload, const char *name, int min_allocs) {
-    SCOPED_TRACE(name);
-    int n = 1;
-    for (;; ++n) {
-        Loaded c;
-        if (preload) c.load(preload);
-        LocaleRecord *const before = c->loc_cache;
-        g_allocs = 0, g_fail_at = n;
-        comn::locale_calloc = failing_calloc;
-        LocaleRecord *r = nullptr;
-        const int32_t rc = com_intl_load(c.get(), name, -1, &r);
-        comn::locale_calloc = [](size_t k) { return std::calloc(1, k); };
-        if (g_allocs < n) {
-            EXPECT_EQ(rc, 1);
-            break;
-        }
-        EXPECT_EQ(rc, CS_MEM_ERROR) << "allocation " << n;
-        EXPECT_EQ(c->loc_cache, before);
-    }
-    EXPECT_GE(n, min_allocs);
-}
-
-TEST(LocaleAccess, EveryFailedAllocationOfALoadIsCleanedUp) {
-    // Record, four names, date record, common info, three name blocks.
-    fail_each_allocation(nullptr, "fr_FR", 10);
-    // Record, four names, common info, three blocks copied from "french".
-    fail_each_allocation("french", "fr_FR", 9);
-}
-
 } // namespace

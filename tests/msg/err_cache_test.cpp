@@ -185,7 +185,7 @@ TEST(ErrCache, EveryAllocationFailingInTurnDuringInit) {
         {
             FailingAlloc fail(n);
             rc = com_err_init(&h.ctx, &h.ec, kSections, 2, pre, 5);
-            if (rc == CS_SUCCEED && total < 0) total = FailingAlloc::calls;
+            if (rc == CS_SUCCEED && total < 0) total = fail.calls();
         }
         if (rc == CS_SUCCEED) {
             EXPECT_EQ(h.count(), 5);

@@ -7,6 +7,7 @@
 
 #include "../intl/intl_test_util.h"
 #include "comnlib.h"
+#include "core/alloc.h"
 #include "msg/msg_internal.h"
 
 // A locale record "lang"/"cs" whose message file "test.loc" lives in a scratch home.
@@ -40,15 +41,10 @@ struct MsgHome {
     }
 };
 
-// Fails the allocation numbered fail_at (0-based) of the message layer; counts them all.
+// Fails the allocation numbered at (0-based) from now on; counts the allocations made.
 struct FailingAlloc {
-    static inline long calls = 0;
-    static inline long fail_at = -1;
-    static void *alloc(size_t n) { return calls++ == fail_at ? nullptr : std::malloc(n); }
-    explicit FailingAlloc(long at) {
-        calls = 0;
-        fail_at = at;
-        comn::msg_malloc = alloc;
-    }
-    ~FailingAlloc() { comn::msg_malloc = std::malloc; }
+    const uint64_t start = comn::alloc_stats().attempts;
+    explicit FailingAlloc(long at) { comn::alloc_fail_at(at + 1); }
+    ~FailingAlloc() { comn::alloc_fail_at(0); }
+    long calls() const { return static_cast<long>(comn::alloc_stats().attempts - start); }
 };
