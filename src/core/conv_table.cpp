@@ -1,6 +1,6 @@
 // The default conversion table: 24 x 24 routines, row = source id, column = destination id.
 //
-// It is written below as the rows of the reference table, one line per (sources, destinations,
+// It is written below as cell groups by datatype row, one line per (sources, destinations,
 // routine) cell group, and expanded at compile time. The character types 0, 2, 4, the binary
 // types 1, 3, 5 and the exact numerics 16, 17 share rows and columns. The gaps are deliberate
 // (no bit to money, dates only to text and varbinary, CS_LONG inconvertible, and so on).
@@ -169,11 +169,22 @@ constexpr auto kDefaultTable = comn::expand();
 
 extern "C" {
 
+// The exported table is a plain C array, so its initialiser names every cell: one row of 24
+// cells per COMN_ROW_ and 24 rows.
+static_assert(COMN_CONV_DIM == 24, "the initialiser below spells out 24 rows of 24 cells");
+// clang-format off
+#define COMN_CELLS4_(i) kDefaultTable[i], kDefaultTable[i + 1], kDefaultTable[i + 2], kDefaultTable[i + 3],
+#define COMN_ROW_(r)                                                                               \
+    COMN_CELLS4_(24 * (r)) COMN_CELLS4_(24 * (r) + 4) COMN_CELLS4_(24 * (r) + 8)                   \
+    COMN_CELLS4_(24 * (r) + 12) COMN_CELLS4_(24 * (r) + 16) COMN_CELLS4_(24 * (r) + 20)
 const ComConvFunc Com__cnvrt_array[COMN_CONV_DIM * COMN_CONV_DIM] = {
-#define COMN_CELL_(i) kDefaultTable[i]
-#include "core/conv_table_cells.inc"
-#undef COMN_CELL_
-};
+    COMN_ROW_(0) COMN_ROW_(1) COMN_ROW_(2) COMN_ROW_(3) COMN_ROW_(4) COMN_ROW_(5)
+    COMN_ROW_(6) COMN_ROW_(7) COMN_ROW_(8) COMN_ROW_(9) COMN_ROW_(10) COMN_ROW_(11)
+    COMN_ROW_(12) COMN_ROW_(13) COMN_ROW_(14) COMN_ROW_(15) COMN_ROW_(16) COMN_ROW_(17)
+    COMN_ROW_(18) COMN_ROW_(19) COMN_ROW_(20) COMN_ROW_(21) COMN_ROW_(22) COMN_ROW_(23)};
+#undef COMN_ROW_
+#undef COMN_CELLS4_
+// clang-format on
 
 COMN_API void com__get_ctbl(const ComConvFunc **table, uint32_t *dim) {
     if (table) *table = Com__cnvrt_array;

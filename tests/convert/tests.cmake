@@ -4,7 +4,6 @@
 add_executable(comn_convert_oracle_driver ${CMAKE_CURRENT_LIST_DIR}/cross_oracle_driver.cpp)
 target_link_libraries(comn_convert_oracle_driver PRIVATE comn_static)
 target_compile_options(comn_convert_oracle_driver PRIVATE ${COMN_WARNINGS})
-find_package(Python3 COMPONENTS Interpreter QUIET)
 if(Python3_Interpreter_FOUND)
   add_test(NAME convert_cross_decimal_oracle
     COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_LIST_DIR}/cross_oracle.py

@@ -1,6 +1,5 @@
 # Differential check of the calendar against Python's datetime: every day 1753-9999 cracked
 # and made, and fixed-seed random differences and additions.
-find_package(Python3 COMPONENTS Interpreter)
 add_executable(comn_datetime_oracle_helper ${CMAKE_CURRENT_LIST_DIR}/oracle_helper.cpp)
 target_link_libraries(comn_datetime_oracle_helper PRIVATE comn_static)
 target_compile_options(comn_datetime_oracle_helper PRIVATE ${COMN_WARNINGS})

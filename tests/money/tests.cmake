@@ -1,6 +1,5 @@
 # Differential test of the money routines against Python's exact arithmetic: a small driver
 # answers operations read from stdin; money_oracle.py generates fixed-seed cases and checks.
-find_package(Python3 COMPONENTS Interpreter)
 if(Python3_Interpreter_FOUND)
   add_executable(comn_money_oracle_driver ${CMAKE_CURRENT_LIST_DIR}/oracle_driver.cpp)
   target_link_libraries(comn_money_oracle_driver PRIVATE comn_static)
