@@ -13,6 +13,7 @@
 #include "comnlib/convert.h"
 #include "comnlib/numeric.h"
 #include "money/money_internal.h"
+#include "convert/buffers.h"
 
 namespace {
 
@@ -46,11 +47,6 @@ int32_t num_to_money(const void *src, MoneyValue *m) {
         return CS_CONV_OVERFLOW;
     }
     return CS_SUCCEED;
-}
-
-template <typename T>
-void store(void *p, const T &v) {
-    std::memcpy(p, &v, sizeof v);
 }
 
 } // namespace

@@ -52,20 +52,4 @@ TEST_F(ConvTable, EveryCellMatchesTheExpectedTable) {
     EXPECT_EQ(wired, named);
 }
 
-TEST_F(ConvTable, DocumentedGapsStayEmpty) {
-    auto at = [&](int s, int d) { return table_[s * 24 + d]; };
-    EXPECT_EQ(at(CS_BIT, CS_MONEY), nullptr);
-    EXPECT_EQ(at(CS_BIT, CS_MONEY4), nullptr);
-    EXPECT_EQ(at(CS_DATETIME, CS_BINARY), nullptr);
-    EXPECT_EQ(at(CS_INT, CS_DATETIME), nullptr);
-    EXPECT_EQ(at(CS_BINARY, CS_SENSITIVITY), nullptr);
-    EXPECT_EQ(at(CS_SENSITIVITY, CS_BOUNDARY), nullptr);
-    for (int i = 0; i < 24; ++i) {
-        EXPECT_EQ(at(CS_LONG, i), nullptr);
-        if (i != CS_VOID) {
-            EXPECT_EQ(at(i, CS_LONG), nullptr);
-        }
-    }
-}
-
 } // namespace
