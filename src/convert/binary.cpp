@@ -23,6 +23,7 @@
 
 #include "comnlib/convert.h"
 #include "comnlib/numeric.h"
+#include "convert/buffers.h"
 
 namespace comn {
 namespace {

@@ -75,7 +75,7 @@ COMN_API int32_t comn_numtomoney(ComContext *, DataFormat *, void *src, DataForm
     const int32_t rc = num_to_money(src, &m);
     if (rc == CS_CONV_DOMAIN) return rc;
     *destlen = 8;
-    store(dest, m);
+    comn::store(dest, m);
     return rc;
 }
 
@@ -90,7 +90,7 @@ COMN_API int32_t comn_numtomny4(ComContext *, DataFormat *, void *src, DataForma
         s.mny4 = 0;
         rc = CS_CONV_OVERFLOW;
     }
-    store(dest, s);
+    comn::store(dest, s);
     return rc;
 }
 

@@ -21,6 +21,7 @@
 
 #include "comnlib/convert.h"
 #include "comnlib/intl.h"
+#include "convert/buffers.h"
 
 namespace comn {
 namespace {
