@@ -33,7 +33,7 @@ struct Data {
         for (size_t i = 0; i < kCount; ++i) {
             // Values up to about 10^11 currency units, so products stay mostly in range.
             const int64_t x = static_cast<int64_t>(rng() % 1000000000000000) - 500000000000000;
-            const int64_t y = static_cast<int64_t>(rng() % 100000000) - 50000000 | 1;
+            const int64_t y = (static_cast<int64_t>(rng() % 100000000) - 50000000) | 1;
             ia.push_back(x);
             ib.push_back(y);
             a.push_back(MoneyValue{static_cast<int32_t>(static_cast<uint64_t>(x) >> 32),

@@ -23,7 +23,7 @@ typedef struct ComErrorName {
     const char *name;
 } ComErrorName;
 
-#define COM_ERRORS_COUNT 17
+#define COM_ERRORS_COUNT (0 COMN_STATUS_CODES(COMN_COUNT_ROW_))
 
 COMN_API extern int32_t Com_trace_enable;
 COMN_API extern FILE *Com_fp;
@@ -199,7 +199,10 @@ COMN_API void com__msgcache_drop(ComMsgCache *cache);
     X(COM_ERRSEC_MESSAGES, 9, "messages")
 
 #define COMN_MSG_SECTION_ROW_(name, id, text) name = (id),
-enum { COMN_MSG_SECTIONS(COMN_MSG_SECTION_ROW_) COM_MSG_SECTION_COUNT = 9 };
+enum {
+    COMN_MSG_SECTIONS(COMN_MSG_SECTION_ROW_) COM_MSG_SECTION_COUNT =
+        0 COMN_MSG_SECTIONS(COMN_COUNT_ROW_)
+};
 /* The section table of "cslib.loc", for com_err_init. */
 COMN_API extern const ComErrSection Com_msg_sections[COM_MSG_SECTION_COUNT];
 

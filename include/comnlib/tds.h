@@ -220,7 +220,7 @@ COMN_API int32_t com_tds_version_map(uint8_t *bytes, void *unused, int32_t *vers
     X(18, Com__tds_retval_map, COM_TDS_RETVAL_PAIRS, 1)                                            \
     X(19, Com__tds_rowfmt_map, COM_TDS_ROWFMT_PAIRS, 0)
 
-#define COM_TDS_MAP_COUNT 20
+#define COM_TDS_MAP_COUNT (0 COM_TDS_MAPS(COMN_COUNT_ROW_))
 
 /* The client constants, one enum per map. */
 #define COM_TDS_CLIENT_ENUM_(name, client, tds) name = (client),

@@ -82,12 +82,16 @@ COMN_BEGIN_DECLS
     X(CS_CONV_NOXLT, -116)                                                                         \
     X(CS_CONV_USEREP, -117)
 
+/* A list's length: each row of an X-macro list expands to "+1", so (0 LIST(COMN_COUNT_ROW_))
+   counts the rows whatever their arity. */
+#define COMN_COUNT_ROW_(...) +1
+
 /* One anonymous enum for all three lists, so that codes of either kind mix freely in
    expressions (a routine may return a status or a conversion code). */
 #define COMN_ENUM_ROW_(name, value) name = (value),
 enum {
     COMN_DATATYPES(COMN_ENUM_ROW_) COMN_STATUS_CODES(COMN_ENUM_ROW_)
-        COMN_CONV_CODES(COMN_ENUM_ROW_) COMN_DATATYPE_COUNT = 24
+        COMN_CONV_CODES(COMN_ENUM_ROW_) COMN_DATATYPE_COUNT = 0 COMN_DATATYPES(COMN_COUNT_ROW_)
 };
 
 /* Localisation routines report a failure of the platform reader with this status, after

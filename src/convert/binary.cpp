@@ -23,31 +23,15 @@
 
 #include "comnlib/convert.h"
 #include "comnlib/numeric.h"
+#include "convert/buffers.h"
 
 namespace comn {
 namespace {
 
-constexpr int32_t kVarRoom = 256;
-constexpr int32_t kVarFrame = 258;
-
-struct Bytes {
-    const uint8_t *p;
-    int32_t len;
-};
+using Bytes = Span;
 
 Bytes bin_source(const DataFormat *fmt, const void *src) {
     return {static_cast<const uint8_t *>(src), std::max(fmt->maxlength, 0)};
-}
-
-Bytes varbin_source(const DataFormat *, const void *src) {
-    int16_t len;
-    std::memcpy(&len, src, sizeof len);
-    return {static_cast<const uint8_t *>(src) + sizeof len, std::clamp<int32_t>(len, 0, kVarRoom)};
-}
-
-void set_length_word(void *dest, int32_t len) {
-    const auto l16 = static_cast<int16_t>(len); // len <= 256
-    std::memcpy(dest, &l16, sizeof l16);
 }
 
 // ---- To text ----
@@ -83,7 +67,7 @@ int32_t to_char(Bytes s, DataFormat *destfmt, void *dest, int32_t *destlen) {
 int32_t to_varchar(Bytes s, DataFormat *, void *dest, int32_t *destlen) {
     const int32_t n = std::min(s.len, kVarRoom / 2);
     write_hex(s.p, n, static_cast<char *>(dest) + 2);
-    set_length_word(dest, 2 * n);
+    put_length_word(dest, 2 * n);
     *destlen = kVarFrame;
     return n < s.len ? CS_CONV_TRUNCATED : CS_SUCCEED;
 }
@@ -102,7 +86,7 @@ int32_t to_bin(Bytes s, DataFormat *destfmt, void *dest, int32_t *destlen) {
 int32_t to_varbin(Bytes s, DataFormat *, void *dest, int32_t *destlen) {
     const int32_t n = std::min(s.len, kVarRoom);
     if (n > 0) std::memcpy(static_cast<uint8_t *>(dest) + 2, s.p, static_cast<size_t>(n));
-    set_length_word(dest, n);
+    put_length_word(dest, n);
     *destlen = kVarFrame;
     return n < s.len ? CS_CONV_TRUNCATED : CS_SUCCEED;
 }
@@ -191,7 +175,7 @@ struct From {
     static constexpr auto d_num = run<to_num>;
 };
 using From_bin = From<bin_source>;
-using From_varbin = From<varbin_source>;
+using From_varbin = From<var_source>;
 
 // ---- Fixed-length numbers to binary ----
 

@@ -28,14 +28,10 @@
 #include "convert/float_scan.h"
 #include "convert/int_scan.h"
 #include "datetime/dtlocale.h"
+#include "convert/buffers.h"
 
 namespace comn {
 namespace {
-
-template <typename T>
-void store(void *p, T v) {
-    std::memcpy(p, &v, sizeof v);
-}
 
 // ---- Sources ----
 

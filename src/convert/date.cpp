@@ -6,16 +6,10 @@
 #include "comnlib/convert.h"
 #include "comnlib/datetime.h"
 #include "datetime/dtlocale.h"
+#include "convert/buffers.h"
 
 namespace comn {
 namespace {
-
-template <typename V>
-V load(const void *p) {
-    V v;
-    std::memcpy(&v, p, sizeof v);
-    return v;
-}
 
 int32_t format(const DateTimeValue &v, char *out, int32_t max, int32_t style,
                const char *const *names) {
@@ -65,7 +59,7 @@ int32_t to_varchar(ComContext *ctx, DataFormat *srcfmt, void *src, DataFormat *d
     if (n < 0) return n;
     const auto count = static_cast<int16_t>(truncated ? kVarMax : n);
     std::memcpy(out, &count, sizeof count);
-    *destlen = 258;
+    *destlen = kVarFrame;
     return truncated ? CS_CONV_TRUNCATED : CS_SUCCEED;
 }
 

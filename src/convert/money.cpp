@@ -13,21 +13,10 @@
 
 #include "comnlib/convert.h"
 #include "money/money_internal.h"
+#include "convert/buffers.h"
 
 namespace comn {
 namespace {
-
-template <typename T>
-T load(const void *p) {
-    T v;
-    std::memcpy(&v, p, sizeof v);
-    return v;
-}
-
-template <typename T>
-void store(void *p, T v) {
-    std::memcpy(p, &v, sizeof v);
-}
 
 // ---- Sources ----
 

@@ -13,6 +13,7 @@
 #include "comnlib/convert.h"
 #include "comnlib/numeric.h"
 #include "money/money_internal.h"
+#include "convert/buffers.h"
 
 namespace {
 
@@ -48,11 +49,6 @@ int32_t num_to_money(const void *src, MoneyValue *m) {
     return CS_SUCCEED;
 }
 
-template <typename T>
-void store(void *p, const T &v) {
-    std::memcpy(p, &v, sizeof v);
-}
-
 } // namespace
 
 extern "C" {
@@ -79,7 +75,7 @@ COMN_API int32_t comn_numtomoney(ComContext *, DataFormat *, void *src, DataForm
     const int32_t rc = num_to_money(src, &m);
     if (rc == CS_CONV_DOMAIN) return rc;
     *destlen = 8;
-    store(dest, m);
+    comn::store(dest, m);
     return rc;
 }
 
@@ -94,7 +90,7 @@ COMN_API int32_t comn_numtomny4(ComContext *, DataFormat *, void *src, DataForma
         s.mny4 = 0;
         rc = CS_CONV_OVERFLOW;
     }
-    store(dest, s);
+    comn::store(dest, s);
     return rc;
 }
 

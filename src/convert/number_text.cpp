@@ -23,20 +23,12 @@
 #include <cstring>
 
 #include "comnlib/convert.h"
+#include "convert/buffers.h"
 
 namespace comn {
 namespace {
 
-constexpr int32_t kVarRoom = 256;  // text bytes of a CS_VARCHAR
-constexpr int32_t kVarFrame = 258; // its length word and text
-constexpr int kTextMax = 48;       // "-2.2250738585072014e-308" is the longest text, 24 bytes
-
-template <typename T>
-T load(const void *p) {
-    T v;
-    std::memcpy(&v, p, sizeof v);
-    return v;
-}
+constexpr int kTextMax = 48; // "-2.2250738585072014e-308" is the longest text, 24 bytes
 
 // "00" to "99": the decimal digits of an integer are written two at a time.
 constexpr std::array<char, 200> make_digit_pairs() {
@@ -167,9 +159,8 @@ int32_t place_in_varchar(const char *text, int32_t len, void *dest, int32_t *des
         len = 1;
         rc = CS_CONV_OVERFLOW;
     }
-    const auto l16 = static_cast<int16_t>(len);
-    std::memcpy(out, &l16, sizeof l16);
-    std::memcpy(out + sizeof l16, text, static_cast<size_t>(len));
+    put_length_word(out, len);
+    std::memcpy(out + sizeof(int16_t), text, static_cast<size_t>(len));
     return rc;
 }
 

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "comnlib/convert.h"
+#include "convert/buffers.h"
 
 extern "C" {
 
@@ -65,11 +66,10 @@ COMN_API int32_t comn_fixedtobin(const void *src, int32_t size, DataFormat *dest
 // A varbinary destination: a 16-bit length word followed by up to 256 data bytes.
 COMN_API int32_t comn_fixedtovarbin(const void *src, int32_t size, DataFormat *, void *dest,
                                     int32_t *destlen) {
-    const int16_t count = static_cast<int16_t>(std::clamp(size, 0, 256));
-    auto *out = static_cast<uint8_t *>(dest);
-    std::memcpy(out, &count, sizeof count);
-    std::memcpy(out + sizeof count, src, static_cast<size_t>(count));
-    *destlen = 258;
+    const int32_t count = std::clamp(size, 0, comn::kVarRoom);
+    comn::put_length_word(dest, count);
+    std::memcpy(static_cast<uint8_t *>(dest) + sizeof(int16_t), src, static_cast<size_t>(count));
+    *destlen = comn::kVarFrame;
     return count < size ? CS_CONV_OVERFLOW : CS_SUCCEED;
 }
 }

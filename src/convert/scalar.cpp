@@ -19,6 +19,7 @@
 #include <type_traits>
 
 #include "comnlib/convert.h"
+#include "convert/buffers.h"
 
 namespace comn {
 namespace {
@@ -41,18 +42,6 @@ using T_i8 = Scalar<int32_t, Kind::Int, -2147483648LL, 2147483647LL, 2147483648L
 using T_bit = Scalar<uint8_t, Kind::Bit, 0, 1>;
 using T_flt4 = Scalar<float, Kind::Float>;
 using T_flt8 = Scalar<double, Kind::Float>;
-
-template <typename T>
-T load(const void *p) {
-    T v;
-    std::memcpy(&v, p, sizeof v);
-    return v;
-}
-
-template <typename T>
-void store(void *p, T v) {
-    std::memcpy(p, &v, sizeof v);
-}
 
 // Float source to integer destination: bounds compared, then truncation toward zero.
 // [lo, float_hi] is the accepted range. Every bound is an integer of at most 2^31 in

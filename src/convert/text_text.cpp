@@ -21,17 +21,13 @@
 
 #include "comnlib/convert.h"
 #include "comnlib/intl.h"
+#include "convert/buffers.h"
 
 namespace comn {
 namespace {
 
-constexpr int32_t kVarRoom = 256;
-constexpr int32_t kVarFrame = 258;
-
-struct Text {
-    const uint8_t *p;
-    int32_t len;
-};
+using Text = Span;
+constexpr Text (*varchar_source)(const DataFormat *, const void *) = var_source;
 
 [[gnu::always_inline]] inline Text char_source(const DataFormat *fmt, const void *src) {
     const auto *p = static_cast<const uint8_t *>(src);
@@ -41,12 +37,6 @@ struct Text {
             len = static_cast<int32_t>(static_cast<const uint8_t *>(z) - p);
     }
     return {p, len};
-}
-
-[[gnu::always_inline]] inline Text varchar_source(const DataFormat *, const void *src) {
-    int16_t len;
-    std::memcpy(&len, src, sizeof len);
-    return {static_cast<const uint8_t *>(src) + sizeof len, std::clamp<int32_t>(len, 0, kVarRoom)};
 }
 
 [[gnu::always_inline]] inline const LocaleHandle *handle_of(const ComContext *ctx,
@@ -180,8 +170,7 @@ int32_t to_varchar(ComContext *ctx, DataFormat *srcfmt, void *src, DataFormat *d
         n = translate(ctx, srcfmt, s, destfmt, out + 2, kVarRoom, &status, &taken);
     else
         n = taken = copy_text(ctx, s, destfmt, out + 2, kVarRoom);
-    const auto l16 = static_cast<int16_t>(n);
-    std::memcpy(out, &l16, sizeof l16);
+    put_length_word(out, n);
     *destlen = kVarFrame;
     if (status != CS_SUCCEED) return status;
     return taken < s.len ? CS_CONV_TRUNCATED : CS_SUCCEED;

@@ -1,6 +1,6 @@
 // The default conversion table: 24 x 24 routines, row = source id, column = destination id.
 //
-// It is written below as the rows of the reference table, one line per (sources, destinations,
+// It is written below as cell groups by datatype row, one line per (sources, destinations,
 // routine) cell group, and expanded at compile time. The character types 0, 2, 4, the binary
 // types 1, 3, 5 and the exact numerics 16, 17 share rows and columns. The gaps are deliberate
 // (no bit to money, dates only to text and varbinary, CS_LONG inconvertible, and so on).

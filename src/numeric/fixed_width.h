@@ -3,8 +3,7 @@
 // 2^256 are formed on four 64-bit limbs (or one 128-bit word) in registers, without the
 // general loops of wide.h. Shared by the signed operations and the client operations.
 // The division and the store of its result are forced inline (schoolbook_div in wide.h as
-// well): across a call the four-limb words pass through memory, which cost about a
-// nanosecond per call boundary on a 30 ns division.
+// well): across a call the four-limb words would pass through memory.
 #ifndef COMN_NUMERIC_FIXED_WIDTH_H
 #define COMN_NUMERIC_FIXED_WIDTH_H
 

@@ -268,8 +268,8 @@ inline u64 div_preinv(u64 u1, u64 u0, const Reciprocal &rc, u64 &rem) {
 }
 
 // The reciprocal of a normalised d: floor((2^128 - 1) / d) - 2^64 is the quotient of
-// (2^64 - 1 - d : 2^64 - 1) by d, one hardware division (about half the time of a table seed
-// refined by Newton steps on the hosts measured).
+// (2^64 - 1 - d : 2^64 - 1) by d, one hardware division rather than a table seed refined by
+// Newton steps (docs/benchmarks.md).
 inline Reciprocal reciprocal(u64 d) {
     u64 rem;
     return {d, div128(~d, ~u64{0}, d, rem)};
@@ -331,8 +331,8 @@ inline u128 div_pow10_round128(u128 v, int k) {
 
 // q[0..n-1] = x[0..n-1] / d (n >= 1, d > 0; q may be x); returns the remainder. The divisor
 // is normalised (shifted so that its top bit is set) with a reciprocal, and the dividend
-// shifted with it on the fly: one multiplication per limb instead of a hardware division,
-// which is the faster of the two for a few limbs or more on the hosts measured.
+// shifted with it on the fly: one multiplication per limb instead of a hardware division
+// (docs/benchmarks.md).
 inline u64 divrem_1(const u64 *x, int n, u64 d, u64 *q) {
     const int s = __builtin_clzll(d);
     const Reciprocal rc = reciprocal(d << s);

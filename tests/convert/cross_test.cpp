@@ -12,31 +12,11 @@
 #include <vector>
 
 #include "comnlib.h"
+#include "numeric/num_helpers.h"
 
 namespace {
 
 constexpr unsigned char kCanary = 0xA5;
-
-NumericValue numeric(const char *text, int precision, int scale) {
-    NumericValue v{};
-    v.precision = static_cast<uint8_t>(precision);
-    v.scale = static_cast<uint8_t>(scale);
-    uint8_t *bytes = v.array;
-    int32_t len = comn_num_getlen(precision);
-    EXPECT_EQ(com__subchartoexctnume(text, static_cast<int32_t>(std::strlen(text)), &bytes, &len,
-                                     &v.precision, &v.scale, 0),
-              0)
-        << text;
-    return v;
-}
-
-std::string text_of(const NumericValue &v) {
-    char buf[100];
-    const ExactNumericRef r{comn_num_getlen(v.precision), v.precision, v.scale,
-                            const_cast<uint8_t *>(v.array)};
-    const int start = com__subexctnumetochar(&r, buf, sizeof buf);
-    return start < 0 ? "?" : std::string(buf + start, buf + sizeof buf);
-}
 
 struct Ctx {
     ComContext c{};
@@ -123,7 +103,7 @@ void sweep(ComConvFunc f, void *src, DataFormat base, const std::string &text) {
 TEST(CrossConversions, NumericTextHonoursEveryMaxlengthAndFlag) {
     for (const auto &[text, p, s] :
          {std::tuple{"-12.340", 9, 3}, std::tuple{"0", 1, 0}, std::tuple{"0.05", 5, 2}}) {
-        NumericValue v = numeric(text, p, s);
+        NumericValue v = numtest::value_of(text, p, s, 0);
         sweep(comn_numtochar, &v, DataFormat{}, text);
     }
 }
@@ -161,7 +141,7 @@ TEST(CrossConversions, LongestNumericTextFitsTheVarcharFrame) {
     std::string text = "-0.";
     for (int i = 0; i < 77; ++i)
         text += static_cast<char>('1' + i % 9);
-    NumericValue v = numeric(text.c_str(), 77, 77);
+    NumericValue v = numtest::value_of(text.c_str(), 77, 77, 0);
     unsigned char out[258 + 8];
     std::memset(out, kCanary, sizeof out);
     DataFormat df{};
@@ -206,7 +186,7 @@ TEST(CrossConversions, IntoNumericChecksTheDestinationFormat) {
         if (c.rc == CS_SUCCEED) {
             EXPECT_EQ(out.precision, c.precision == CS_SRC_VALUE ? 77 : c.precision);
             EXPECT_EQ(out.scale, c.scale == CS_SRC_VALUE ? 0 : c.scale);
-            EXPECT_EQ(text_of(out), "7");
+            EXPECT_EQ(numtest::text_of(out), "7");
         }
     }
 }
@@ -235,7 +215,7 @@ TEST(CrossConversions, SourceValueMarkerTakesTheWidestTheValueNeeds) {
         EXPECT_EQ(out.precision, c.want_p);
         EXPECT_EQ(out.scale, c.want_s);
         if (c.text) {
-            EXPECT_EQ(text_of(out), c.text);
+            EXPECT_EQ(numtest::text_of(out), c.text);
         }
         EXPECT_EQ(df.precision, c.precision);
         EXPECT_EQ(df.scale, c.scale);
@@ -253,7 +233,7 @@ TEST(CrossConversions, NonFiniteFloatsAndBadBitsIntoNumeric) {
         double d = v;
         EXPECT_EQ(comn_flt8tonum(nullptr, nullptr, &d, &df, &out, &len), CS_CONV_OVERFLOW);
         EXPECT_EQ(len, 35);
-        EXPECT_EQ(text_of(out), "0.00"); // never a half-written magnitude
+        EXPECT_EQ(numtest::text_of(out), "0.00"); // never a half-written magnitude
         float f = static_cast<float>(v);
         EXPECT_EQ(comn_flt4tonum(nullptr, nullptr, &f, &df, &out, &len), CS_CONV_OVERFLOW);
     }
@@ -267,7 +247,7 @@ TEST(CrossConversions, NonFiniteFloatsAndBadBitsIntoNumeric) {
             ASSERT_EQ(len, -7);
         } else {
             EXPECT_EQ(rc, CS_SUCCEED);
-            EXPECT_EQ(text_of(out), byte ? "1.00" : "0.00");
+            EXPECT_EQ(numtest::text_of(out), byte ? "1.00" : "0.00");
         }
     }
 }
@@ -275,7 +255,7 @@ TEST(CrossConversions, NonFiniteFloatsAndBadBitsIntoNumeric) {
 // value -> binary / varbinary -> value, where the reverse conversion exists in the table.
 TEST(CrossConversions, RoundTripsThroughBinary) {
     Ctx ctx;
-    NumericValue num = numeric("-98765432109876543210.123456789", 38, 9);
+    NumericValue num = numtest::value_of("-98765432109876543210.123456789", 38, 9, 0);
     MoneyValue money;
     comn__mny_set(&money, -922337203685477LL);
     Money4Value mny4{-2147483647};

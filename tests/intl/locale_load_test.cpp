@@ -145,7 +145,7 @@ TEST(LocaleLoad, StartUpLoadsTheEnvironmentsLocaleAndTearDownUndoesIt) {
     EXPECT_STREQ(ctx.conv.default_locale->time->language, "german");
     EXPECT_EQ(ctx.conv.default_locale->ctype, ctx.conv.default_locale->time);
     EXPECT_NE(ctx.conv.conv_table, nullptr);
-    EXPECT_EQ(ctx.null_count, 24);
+    EXPECT_EQ(ctx.null_count, COMN_CONV_DIM);
     const ComMsgCache *msgs = ctx.conv.default_locale->message->msgcache;
     ASSERT_NE(msgs, nullptr);
     ASSERT_NE(msgs->files, nullptr);

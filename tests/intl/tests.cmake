@@ -1,19 +1,12 @@
-# Differential check of the loaded single-byte character sets against Python's codecs.
-find_package(Python3 COMPONENTS Interpreter QUIET)
-if(Python3_FOUND AND NOT COMN_SANITIZE)
-  add_test(NAME intl_charsets_vs_python
-    COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_LIST_DIR}/check_charsets.py $<TARGET_FILE:comn>)
-  set_tests_properties(intl_charsets_vs_python PROPERTIES
-    ENVIRONMENT "VELDAR=${COMN_TEST_HOME}" LABELS intl)
-endif()
-
-# Differential check of the utf8 set (translation both ways with every other set, ill-formed
-# input, short destinations, the attribute record) against Python's codecs and unicodedata.
-if(Python3_FOUND AND NOT COMN_SANITIZE)
-  add_test(NAME intl_utf8_vs_python
-    COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_LIST_DIR}/check_utf8.py $<TARGET_FILE:comn>)
-  set_tests_properties(intl_utf8_vs_python PROPERTIES
-    ENVIRONMENT "VELDAR=${COMN_TEST_HOME}" LABELS intl)
+# Differential checks against Python's codecs (and unicodedata): the loaded single-byte
+# character sets, and the utf8 set (translation both ways with every other set, ill-formed
+# input, short destinations, the attribute record). They load the shared library, so they
+# stay out of sanitizer builds.
+if(NOT COMN_SANITIZE)
+  comn_add_python_test(intl_charsets_vs_python intl ${CMAKE_CURRENT_LIST_DIR}/check_charsets.py
+    $<TARGET_FILE:comn>)
+  comn_add_python_test(intl_utf8_vs_python intl ${CMAKE_CURRENT_LIST_DIR}/check_utf8.py
+    $<TARGET_FILE:comn>)
 endif()
 
 # Differential check of the twenty single-byte translations, byte for byte, against Python's

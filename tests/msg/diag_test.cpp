@@ -66,14 +66,6 @@ TEST(Trace, ErrsetReturnsLevelMinusOne) {
     EXPECT_DEATH(com_errset(4), "assertion failed");
 }
 
-TEST(Trace, StatusNameTableMatchesCodes) {
-    ASSERT_EQ(sizeof Com_errors / sizeof Com_errors[0], 17u);
-    EXPECT_EQ(Com_errors[0].code, 1);
-    EXPECT_STREQ(Com_errors[0].name, "CS_SUCCEED");
-    EXPECT_EQ(Com_errors[16].code, -213);
-    EXPECT_STREQ(Com_errors[16].name, "CS_TRYING");
-}
-
 TEST(Fatal, AssertionsAndPointerChecksAbort) {
     EXPECT_DEATH(com_bomb("f.c", 12), "assertion failed, file 'f.c' line 12");
     EXPECT_DEATH(com_chkptr(nullptr, "g.c", 3), "Invalid pointer 0x0, file 'g.c' line 3");

@@ -1,8 +1,3 @@
 # The bundled message files must be exactly what the generator writes from the message list.
-find_package(Python3 COMPONENTS Interpreter)
-if(Python3_FOUND)
-  add_test(NAME msgfiles_generated
-    COMMAND ${Python3_EXECUTABLE} -B ${PROJECT_SOURCE_DIR}/tools/gen/gen_msgfiles.py --check
-            ${PROJECT_SOURCE_DIR})
-  set_tests_properties(msgfiles_generated PROPERTIES LABELS msg)
-endif()
+comn_add_python_test(msgfiles_generated msg ${PROJECT_SOURCE_DIR}/tools/gen/gen_msgfiles.py --check
+  ${PROJECT_SOURCE_DIR})

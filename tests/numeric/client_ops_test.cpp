@@ -9,26 +9,6 @@ using namespace numtest;
 
 namespace {
 
-NumericValue make(const char *text, int precision, int scale) {
-    NumericValue v{};
-    v.precision = static_cast<uint8_t>(precision);
-    v.scale = static_cast<uint8_t>(scale);
-    uint8_t *bytes = v.array;
-    int32_t len = comn_num_getlen(precision);
-    const int rc = com__subchartoexctnume(text, static_cast<int32_t>(std::strlen(text)), &bytes,
-                                          &len, &v.precision, &v.scale, 1);
-    EXPECT_EQ(rc, 0) << text;
-    return v;
-}
-
-std::string text(const NumericValue &v) {
-    ExactNumericRef r{comn_num_getlen(v.precision), v.precision, v.scale,
-                      const_cast<uint8_t *>(v.array)};
-    char buf[400];
-    const int start = com__subexctnumetochar(&r, buf, sizeof buf);
-    return start < 0 ? "?" : std::string(buf + start, buf + sizeof buf);
-}
-
 using Op = int32_t (*)(NumericValue *, NumericValue *, NumericValue *);
 
 } // namespace
@@ -56,23 +36,23 @@ TEST(NumericClient, ResultPrecisionAndScale) {
         {comn_numadd, "1", 77, 0, "0.5", 77, 77, CS_CONV_OVERFLOW, 0, 0, nullptr},
     };
     for (const auto &c : cases) {
-        NumericValue a = make(c.a, c.ap, c.as), b = make(c.b, c.bp, c.bs), r{};
+        NumericValue a = value_of(c.a, c.ap, c.as), b = value_of(c.b, c.bp, c.bs), r{};
         EXPECT_EQ(c.op(&a, &b, &r), c.rc) << c.a << " " << c.b;
         if (c.p) {
             EXPECT_EQ(r.precision, c.p) << c.a << " " << c.b;
             EXPECT_EQ(r.scale, c.s) << c.a << " " << c.b;
         }
         if (c.value) {
-            EXPECT_EQ(text(r), c.value);
+            EXPECT_EQ(text_of(r), c.value);
         }
     }
-    NumericValue a = make("1.5", 77, 70), b = make("2.5", 77, 70), r{};
+    NumericValue a = value_of("1.5", 77, 70), b = value_of("2.5", 77, 70), r{};
     ASSERT_EQ(comn_nummul(&a, &b, &r), CS_SUCCEED);
-    EXPECT_EQ(text(r), "3.75" + std::string(60, '0'));
+    EXPECT_EQ(text_of(r), "3.75" + std::string(60, '0'));
 }
 
 TEST(NumericClient, OperandsOutsideTheDomain) {
-    NumericValue good = make("1", 5, 0), bad = good, r{};
+    NumericValue good = value_of("1", 5, 0), bad = good, r{};
     r.precision = 99;
     for (auto [p, s] : {std::pair{0, 0}, std::pair{78, 0}, std::pair{5, 78}}) {
         bad.precision = static_cast<uint8_t>(p);
@@ -116,12 +96,12 @@ TEST(NumericClient, SumsOfRawMagnitudes) {
         NumericValue a = raw(c.a, c.ap), b = raw(c.b, c.bp), r{};
         EXPECT_EQ(comn_numadd(&a, &b, &r), c.rc) << c.a << " + " << c.b;
         if (c.value) {
-            EXPECT_EQ(text(r), c.value) << c.a << " + " << c.b;
+            EXPECT_EQ(text_of(r), c.value) << c.a << " + " << c.b;
         }
         NumericValue in_place = a;
         EXPECT_EQ(comn_numadd(&in_place, &b, &in_place), c.rc) << c.a << " + " << c.b;
         if (c.value) {
-            EXPECT_EQ(text(in_place), c.value);
+            EXPECT_EQ(text_of(in_place), c.value);
         }
     }
     // Operands of 38 digits and fewer at their largest raw magnitudes carry out of 128 bits.
@@ -129,11 +109,11 @@ TEST(NumericClient, SumsOfRawMagnitudes) {
     for (int i = 1; i <= 16; ++i)
         a.array[i] = 0xff;
     EXPECT_EQ(comn_numadd(&a, &a, &r), CS_SUCCEED);
-    EXPECT_EQ(text(r), "680564733841876926926749214863536422910"); // 2 * (2^128 - 1)
+    EXPECT_EQ(text_of(r), "680564733841876926926749214863536422910"); // 2 * (2^128 - 1)
 }
 
 TEST(NumericClient, CompareAlignsScales) {
-    NumericValue a = make("1.5", 2, 1), b = make("1.50", 3, 2), c = make("-1.51", 3, 2);
+    NumericValue a = value_of("1.5", 2, 1), b = value_of("1.50", 3, 2), c = value_of("-1.51", 3, 2);
     EXPECT_EQ(comn_numcmp(&a, &b), 0);
     EXPECT_EQ(comn_numcmp(&a, &c), 1);
     EXPECT_EQ(comn_numcmp(&c, &a), -1);
@@ -161,7 +141,7 @@ TEST(NumericClient, NumericToNumeric) {
         {"1", 5, 0, 5, -1, CS_CONV_SCALE, nullptr},
     };
     for (const auto &c : cases) {
-        NumericValue src = make(c.src, c.sp, c.ss), dst{};
+        NumericValue src = value_of(c.src, c.sp, c.ss), dst{};
         DataFormat sf{}, df{};
         sf.datatype = df.datatype = CS_NUMERIC;
         df.precision = c.dp;
@@ -170,7 +150,7 @@ TEST(NumericClient, NumericToNumeric) {
         EXPECT_EQ(comn_numtonum(nullptr, &sf, &src, &df, &dst, &len), c.rc) << c.src;
         EXPECT_EQ(len, 35);
         if (c.value) {
-            EXPECT_EQ(text(dst), c.value) << c.src;
+            EXPECT_EQ(text_of(dst), c.value) << c.src;
         }
     }
     NumericValue bad{};

@@ -6,6 +6,8 @@
 #include <cstring>
 #include <string>
 
+#include <gtest/gtest.h>
+
 #include "comnlib.h"
 
 namespace numtest {
@@ -47,6 +49,30 @@ inline i128 pow10(int k) {
     while (k-- > 0)
         v *= 10;
     return v;
+}
+
+// A client value read from text at (precision, scale); mode 1 rounds digits beyond the scale,
+// mode 0 refuses them. The parse must succeed.
+inline NumericValue value_of(const char *text, int precision, int scale, int mode = 1) {
+    NumericValue v{};
+    v.precision = static_cast<uint8_t>(precision);
+    v.scale = static_cast<uint8_t>(scale);
+    uint8_t *bytes = v.array;
+    int32_t len = comn_num_getlen(precision);
+    EXPECT_EQ(com__subchartoexctnume(text, static_cast<int32_t>(std::strlen(text)), &bytes, &len,
+                                     &v.precision, &v.scale, mode),
+              0)
+        << text;
+    return v;
+}
+
+// The text of a client value, "?" when it cannot be printed.
+inline std::string text_of(const NumericValue &v) {
+    const ExactNumericRef r{comn_num_getlen(v.precision), v.precision, v.scale,
+                            const_cast<uint8_t *>(v.array)};
+    char buf[400];
+    const int start = com__subexctnumetochar(&r, buf, sizeof buf);
+    return start < 0 ? "?" : std::string(buf + start, buf + sizeof buf);
 }
 
 } // namespace numtest

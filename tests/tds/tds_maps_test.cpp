@@ -130,7 +130,7 @@ TEST(TdsTokens, ValueMapsTranslateBothWays) {
     // A map without pairs has only its end pair: every lookup fails cleanly.
     EXPECT_EQ(com_tds_maptoken(17, 1, &mapped, &unmapped, COM_TDS_TO_WIRE), CS_FAIL);
     EXPECT_EQ(unmapped, 1);
-    EXPECT_EQ(com_tds_maptoken(20, 1, &mapped, &unmapped, COM_TDS_TO_WIRE), CS_FAIL);
+    EXPECT_EQ(com_tds_maptoken(COM_TDS_MAP_COUNT, 1, &mapped, &unmapped, COM_TDS_TO_WIRE), CS_FAIL);
     EXPECT_EQ(com_tds_maptoken(-1, 1, &mapped, &unmapped, COM_TDS_TO_WIRE), CS_FAIL);
 }
 

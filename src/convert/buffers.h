@@ -1,0 +1,50 @@
+// The conversion routines' view of their buffers: loads and stores at addresses of any
+// alignment (source and destination buffers promise none, so every access goes through
+// memcpy, one move once compiled), and the varchar/varbinary frame of a 2-byte length word
+// followed by up to 256 bytes.
+#ifndef COMN_CONVERT_BUFFERS_H
+#define COMN_CONVERT_BUFFERS_H
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+
+#include "comnlib/types.h"
+
+namespace comn {
+
+template <typename T>
+inline T load(const void *p) {
+    T v;
+    std::memcpy(&v, p, sizeof v);
+    return v;
+}
+
+template <typename T>
+inline void store(void *p, const T &v) {
+    std::memcpy(p, &v, sizeof v);
+}
+
+constexpr int32_t kVarRoom = 256;  // bytes a CS_VARCHAR or CS_VARBINARY holds
+constexpr int32_t kVarFrame = 258; // its length word and bytes
+
+// Bytes of a source value.
+struct Span {
+    const uint8_t *p;
+    int32_t len;
+};
+
+// The bytes of a varchar or varbinary source: its length word, clamped to 0..256.
+[[gnu::always_inline]] inline Span var_source(const DataFormat *, const void *src) {
+    return {static_cast<const uint8_t *>(src) + sizeof(int16_t),
+            std::clamp<int32_t>(load<int16_t>(src), 0, kVarRoom)};
+}
+
+// Writes the length word of a varchar or varbinary destination (len <= 256).
+inline void put_length_word(void *dest, int32_t len) {
+    store(dest, static_cast<int16_t>(len));
+}
+
+} // namespace comn
+
+#endif
