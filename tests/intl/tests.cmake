@@ -11,20 +11,14 @@ endif()
 
 # Differential check of the twenty single-byte translations, byte for byte, against Python's
 # codecs and the departures listed by their generator.
-if(Python3_FOUND AND NOT COMN_SANITIZE)
-  add_test(NAME intl_xlate_single_vs_python
-    COMMAND ${Python3_EXECUTABLE} -B ${CMAKE_CURRENT_LIST_DIR}/check_xlate_single.py
-            $<TARGET_FILE:comn> ${PROJECT_SOURCE_DIR}/tools/gen)
-  set_tests_properties(intl_xlate_single_vs_python PROPERTIES LABELS intl)
+if(NOT COMN_SANITIZE)
+  comn_add_python_test(intl_xlate_single_vs_python intl ${CMAKE_CURRENT_LIST_DIR}/check_xlate_single.py
+    $<TARGET_FILE:comn> ${PROJECT_SOURCE_DIR}/tools/gen)
 endif()
 
 # The committed character sets, locale data and translation tables must be exactly what their
 # generators write today.
-if(Python3_FOUND)
-  foreach(gen charsets locales unicode_tables xlate_tables)
-    add_test(NAME ${gen}_generated
-      COMMAND ${Python3_EXECUTABLE} -B ${PROJECT_SOURCE_DIR}/tools/gen/gen_${gen}.py --check
-              ${PROJECT_SOURCE_DIR})
-    set_tests_properties(${gen}_generated PROPERTIES LABELS intl)
-  endforeach()
-endif()
+foreach(gen charsets locales unicode_tables xlate_tables)
+  comn_add_python_test(${gen}_generated intl ${PROJECT_SOURCE_DIR}/tools/gen/gen_${gen}.py --check
+    ${PROJECT_SOURCE_DIR})
+endforeach()
