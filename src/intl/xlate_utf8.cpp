@@ -27,6 +27,9 @@
 #include <array>
 #include <bit>
 #include <cstring>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace comn {
 namespace {
@@ -155,6 +158,9 @@ constexpr auto Sb_packed = [] {
 template <SbSet S>
 struct Sb {
     static constexpr int pair_len = 1; // bytes of a character that packed() translates
+    // Longest translation of n bytes, in half bytes per byte: a byte gives up to three bytes
+    // of utf8, a character of utf8 a byte.
+    static constexpr int to_utf8_x2 = 6, from_utf8_x2 = 2;
     static uint32_t packed(const uint8_t *p) {
         if constexpr (S == Ascii8)
             return 0;
@@ -234,6 +240,8 @@ inline unsigned jis_code(uint32_t cp) {
 
 struct Euc {
     static constexpr int pair_len = 2;
+    // A pair gives three bytes of utf8; a two-byte utf8 character may give a JIS X 0212 triple.
+    static constexpr int to_utf8_x2 = 3, from_utf8_x2 = 3;
     static uint32_t packed(const uint8_t *p) {
         return jis::euc_byte(p[0]) && jis::euc_byte(p[1]) ? packed0208(p[0], p[1]) : 0;
     }
@@ -278,6 +286,7 @@ struct Euc {
 // DEC Kanji: the JIS X 0208 pairs of eucjis; no kana, no supplementary plane.
 struct DecKanji {
     static constexpr int pair_len = 2;
+    static constexpr int to_utf8_x2 = 3, from_utf8_x2 = 2;
     static uint32_t packed(const uint8_t *p) { return Euc::packed(p); }
     static Ucs read(const uint8_t *p, int32_t left) {
         if (!jis::euc_byte(p[0])) return {Ucs::Bad, 1, 0};
@@ -332,6 +341,8 @@ constexpr auto Sjis_of = [] {
 
 struct Sjis {
     static constexpr int pair_len = 2;
+    // A half-width kana byte gives three bytes of utf8.
+    static constexpr int to_utf8_x2 = 6, from_utf8_x2 = 2;
     static uint32_t packed(const uint8_t *p) { return Sjis_packed[Sjis_rows[p[0]] * 256U + p[1]]; }
     static Ucs read(const uint8_t *p, int32_t left) {
         const unsigned s1 = p[0];
@@ -357,47 +368,89 @@ struct Sjis {
 
 // ---- The two directions ----
 //
-// Each converter runs a fast loop while the text is far from both ends, then finishes with a
-// careful one. The fast loop copies eight bytes at a time and keeps those up to the first
-// byte from 80, whose character it then translates straight into the destination; bytes it
-// stores beyond what it keeps are overwritten by the characters that follow. While 32 source
-// bytes follow the word (8 characters at least, each giving a byte at least) and 24 bytes of
-// room remain, that always happens before the translation ends, so the destination beyond
-// the bytes produced is never touched, and no character can be cut by either end.
+// Each converter has a block loop for the bulk of the text and a careful loop that finishes
+// exactly at both ends. The block loop looks at 16 source bytes at a time through the mask of
+// their bytes from 80: it copies the ASCII between two such characters with one 16-byte
+// store, translates the character straight into the destination, and goes on to the next bit
+// of the same mask. Stores beyond the bytes kept are overwritten by what follows, so the loop
+// runs only where that is certain: far from both ends of a long text (the careful loop then
+// writes over them), or over a short value copied into a local buffer whose translation is
+// copied out exactly.
 
-constexpr int32_t k_src_margin = 40, k_dst_margin = 24;
+constexpr int32_t k_block = 16;
+// A long text: blocks start while this many source bytes follow and this much room remains.
+// A block reads at most 20 bytes past its start and stores 16 bytes past the last character;
+// the careful loop that follows takes at least 100 bytes, so at least 25 characters giving a
+// byte each, or fills the room, and so writes over every byte the blocks stored beyond theirs.
+constexpr int32_t k_src_margin = 128, k_dst_margin = 128;
+// A short value is translated in local buffers when the room takes its longest translation:
+// the source copy is followed by bytes FF, which no set reads as a character or as part of
+// one, so no character is ever taken past the value's end.
+constexpr int32_t k_short = 128, k_pad = 48;
 
-// Bytes of ASCII at the start of the word w read from memory; w holds a byte from 80.
+// Bit j set for each byte from 80 among p[0..16).
+inline uint32_t high_bits(const uint8_t *p) {
+#ifdef __SSE2__
+    return static_cast<uint32_t>(
+        _mm_movemask_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i *>(p))));
+#else // little-endian words (blocks run on such hosts only)
+    uint64_t w[2];
+    std::memcpy(w, p, sizeof w);
+    auto gather = [](uint64_t x) {
+        return static_cast<uint32_t>(((x >> 7 & 0x0101010101010101ULL) * 0x0102040810204080ULL) >>
+                                     56);
+    };
+    return gather(w[0]) | gather(w[1]) << 8;
+#endif
+}
+
+inline void copy16(const uint8_t *from, uint8_t *to) {
+    uint8_t b[k_block];
+    std::memcpy(b, from, sizeof b);
+    std::memcpy(to, b, sizeof b);
+}
+
+// The block loop of both directions, from src[i] while i < stop and o < o_lim (no character
+// starting from stop is taken). step(at, to) translates the character at src[at] (a byte
+// from 80) into dst[to], advances to, and gives the source bytes it took, or 0 for a
+// character cut by the end of the source, which ends the loop.
+template <class Step>
+[[gnu::always_inline]] inline void blocks(const uint8_t *src, int32_t stop, uint8_t *dst,
+                                          int32_t o_lim, int32_t &i, int32_t &o, Step step) {
+    while (i < stop && o < o_lim) {
+        const uint8_t *p = src + i;
+        uint32_t high = high_bits(p);
+        const int32_t end = stop - i;
+        if (end < k_block) high |= 1U << end; // stops the block there
+        int32_t pos = 0;
+        for (;;) {
+            copy16(p + pos, dst + o);
+            if (high == 0) {
+                o += k_block - pos;
+                pos = k_block;
+                break;
+            }
+            const int32_t k = std::countr_zero(high);
+            o += k - pos;
+            const int32_t len = k < end ? step(i + k, o) : 0;
+            if (len == 0) {
+                i += k;
+                return;
+            }
+            pos = k + len;
+            if (pos >= k_block) break;
+            high &= ~0U << pos;
+        }
+        i += pos;
+    }
+}
+
+// Bytes of ASCII at the start of a word read from memory, by its bits 0x80.
 inline int ascii_prefix(uint64_t high_bits) {
     if constexpr (std::endian::native == std::endian::little)
         return std::countr_zero(high_bits) >> 3;
     else
         return std::countl_zero(high_bits) >> 3;
-}
-
-// The fast loop of both directions: step(i, o) translates the character at src[i] (a byte
-// from 80) into dst[o] and advances both; a run of such characters is stepped through
-// without going back to the word loop.
-template <class Step>
-inline void fast_loop(const uint8_t *src, int32_t n, uint8_t *dst, int32_t m, int32_t &i,
-                      int32_t &o, Step step) {
-    while (i + k_src_margin <= n && o + k_dst_margin <= m) {
-        uint64_t w;
-        std::memcpy(&w, src + i, sizeof w);
-        std::memcpy(dst + o, &w, sizeof w);
-        const uint64_t high = w & 0x8080808080808080ULL;
-        if (high == 0) {
-            i += 8;
-            o += 8;
-            continue;
-        }
-        const int k = ascii_prefix(high);
-        i += k;
-        o += k;
-        do // the characters from 80 that follow, one by one
-            step(i, o);
-        while (src[i] >= 0x80 && i + k_src_margin <= n && o + k_dst_margin <= m);
-    }
 }
 
 // The careful loops' ASCII: copies the ASCII bytes at src[i] that the next word holds and
@@ -422,150 +475,169 @@ inline bool copy_ascii(const uint8_t *src, int32_t n, uint8_t *dst, int32_t m, i
     return false;
 }
 
-// From set From to utf8.
-template <class From>
-int32_t to_utf8(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstlen, int32_t *consumed,
-                int32_t *produced) {
-    const int32_t n = std::max(srclen, 0), m = std::max(dstlen, 0);
+// Where a translation stands: source and destination positions and result bits so far.
+struct At {
     int32_t i = 0, o = 0;
     bool bad = false, full = false;
-    // Fast loop: words of ASCII, else four characters in a row, each through its packed
-    // translation. The next character's place depends on the source bytes only, never on a
-    // table, so the lookups of successive characters overlap.
-    while (k_packed && i + k_src_margin <= n && o + k_dst_margin <= m) {
-        uint64_t w;
-        std::memcpy(&w, src + i, sizeof w);
-        std::memcpy(dst + o, &w, sizeof w);
-        const uint64_t high = w & 0x8080808080808080ULL;
-        if (high == 0) {
-            i += 8;
-            o += 8;
-            continue;
-        }
-        const int prefix = ascii_prefix(high);
-        i += prefix;
-        o += prefix;
-        for (int k = 0; k < 4; ++k) {
-            const unsigned b0 = src[i];
-            const unsigned hi = b0 >> 7;
-            const uint32_t v = hi ? From::packed(src + i) : (b0 | 1U << 24);
-            if (v == 0) { // a character the careful path below must look at
-                const Ucs c = From::read(src + i, n - i); // never cut here
-                if (c.kind == Ucs::Ok) {
-                    o += utf8_put(c.cp, dst + o);
-                } else {
-                    std::memset(dst + o, '?', c.len);
-                    o += c.len;
-                    bad = true;
+};
+
+// From set From to utf8.
+template <class From>
+struct ToUtf8 {
+    static constexpr int growth_x2 = From::to_utf8_x2;
+
+    // Blocks over src[0..n), characters starting before stop; each character through its
+    // packed translation, a careful reading for the others.
+    static void fast(const uint8_t *src, int32_t n, int32_t stop, uint8_t *dst, int32_t o_lim,
+                     At &a) {
+        blocks(
+            src, stop, dst, o_lim, a.i,
+            a.o, [&](int32_t at, int32_t & to) __attribute__((always_inline))->int32_t {
+                if (const uint32_t v = From::packed(src + at); v != 0) {
+                    std::memcpy(dst + to, &v, sizeof v); // its fourth byte is overwritten later
+                    to += static_cast<int32_t>(v >> 24 & 3);
+                    return From::pair_len;
                 }
-                i += c.len;
-                break;
-            }
-            std::memcpy(dst + o, &v, sizeof v); // its fourth byte is overwritten later
-            o += static_cast<int32_t>(v >> 24 & 3);
-            i += hi ? From::pair_len : 1;
-        }
+                const Ucs c = From::read(src + at, n - at);
+                if (c.kind == Ucs::Cut) return 0;
+                if (c.kind == Ucs::Ok) {
+                    to += utf8_put(c.cp, dst + to);
+                } else { // one "?" per byte
+                    std::memset(dst + to, '?', c.len);
+                    to += c.len;
+                    a.bad = true;
+                }
+                return c.len;
+            });
     }
-    while (i < n) {
-        if (copy_ascii(src, n, dst, m, i, o)) continue;
-        if (src[i] < 0x80) {
-            if (o == m) {
-                full = true;
-                break;
+
+    static void careful(const uint8_t *src, int32_t n, uint8_t *dst, int32_t m, At &a) {
+        int32_t &i = a.i, &o = a.o;
+        while (i < n) {
+            if (copy_ascii(src, n, dst, m, i, o)) continue;
+            if (src[i] < 0x80) {
+                if (o == m) {
+                    a.full = true;
+                    break;
+                }
+                dst[o++] = src[i++];
+                continue;
             }
-            dst[o++] = src[i++];
-            continue;
-        }
-        // The usual character through its packed translation, written byte by byte.
-        if (const uint32_t v = k_packed && n - i >= From::pair_len ? From::packed(src + i) : 0;
-            v != 0) {
-            const int32_t len = static_cast<int32_t>(v >> 24 & 3);
+            // The usual character through its packed translation, written byte by byte.
+            if (const uint32_t v = k_packed && n - i >= From::pair_len ? From::packed(src + i) : 0;
+                v != 0) {
+                const int32_t len = static_cast<int32_t>(v >> 24 & 3);
+                if (len > m - o) {
+                    a.full = true;
+                    break;
+                }
+                dst[o] = static_cast<uint8_t>(v);
+                if (len > 1) dst[o + 1] = static_cast<uint8_t>(v >> 8);
+                if (len > 2) dst[o + 2] = static_cast<uint8_t>(v >> 16);
+                o += len;
+                i += From::pair_len;
+                continue;
+            }
+            const Ucs c = From::read(src + i, n - i);
+            if (c.kind == Ucs::Cut) break; // left for the next call
+            uint8_t out[4];
+            int len = c.len; // a character without a counterpart: one "?" per byte
+            if (c.kind == Ucs::Ok)
+                len = utf8_put(c.cp, out);
+            else
+                std::memset(out, '?', sizeof out);
             if (len > m - o) {
-                full = true;
+                a.full = true;
                 break;
             }
-            dst[o] = static_cast<uint8_t>(v);
-            if (len > 1) dst[o + 1] = static_cast<uint8_t>(v >> 8);
-            if (len > 2) dst[o + 2] = static_cast<uint8_t>(v >> 16);
+            std::memcpy(dst + o, out, static_cast<size_t>(len));
+            a.bad |= c.kind == Ucs::Bad;
+            i += c.len;
             o += len;
-            i += From::pair_len;
-            continue;
         }
-        const Ucs c = From::read(src + i, n - i);
-        if (c.kind == Ucs::Cut) break; // left for the next call
-        uint8_t out[4];
-        int len = c.len; // a character without a counterpart: one "?" per byte
-        if (c.kind == Ucs::Ok)
-            len = utf8_put(c.cp, out);
-        else
-            std::memset(out, '?', sizeof out);
-        if (len > m - o) {
-            full = true;
-            break;
-        }
-        std::memcpy(dst + o, out, static_cast<size_t>(len));
-        bad |= c.kind == Ucs::Bad;
-        i += c.len;
-        o += len;
     }
-    *consumed = i;
-    *produced = o;
-    return (full ? COM_XLT_TRUNCATED : 0) | (bad ? COM_XLT_BADCHAR : 0);
-}
+};
 
 // From utf8 to set To.
 template <class To>
-int32_t from_utf8(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstlen,
-                  int32_t *consumed, int32_t *produced) {
-    const int32_t n = std::max(srclen, 0), m = std::max(dstlen, 0);
-    int32_t i = 0, o = 0;
-    bool bad = false, full = false;
-    fast_loop(src, n, dst, m, i, o, [&](int32_t &at, int32_t &to) {
-        const Ucs c = utf8_read(src + at, n - at);
-        int len = c.kind == Ucs::Ok ? To::put(c.cp, dst + to) : 0;
-        if (len == 0) { // one "?" per character or ill-formed subpart
-            dst[to] = '?';
-            len = 1;
-            bad = true;
-        }
-        at += c.len;
-        to += len;
-    });
-    while (i < n) {
-        if (copy_ascii(src, n, dst, m, i, o)) continue;
-        if (src[i] < 0x80) {
-            if (o == m) {
-                full = true;
+struct FromUtf8 {
+    static constexpr int growth_x2 = To::from_utf8_x2;
+
+    static void fast(const uint8_t *src, int32_t n, int32_t stop, uint8_t *dst, int32_t o_lim,
+                     At &a) {
+        blocks(
+            src, stop, dst, o_lim, a.i,
+            a.o, [&](int32_t at, int32_t & to) __attribute__((always_inline))->int32_t {
+                const Ucs c = utf8_read(src + at, n - at);
+                int len = c.kind == Ucs::Ok ? To::put(c.cp, dst + to) : 0;
+                if (len == 0) { // one "?" per character or ill-formed subpart
+                    dst[to] = '?';
+                    len = 1;
+                    a.bad = true;
+                }
+                to += len;
+                return c.len;
+            });
+    }
+
+    static void careful(const uint8_t *src, int32_t n, uint8_t *dst, int32_t m, At &a) {
+        int32_t &i = a.i, &o = a.o;
+        while (i < n) {
+            if (copy_ascii(src, n, dst, m, i, o)) continue;
+            if (src[i] < 0x80) {
+                if (o == m) {
+                    a.full = true;
+                    break;
+                }
+                dst[o++] = src[i++];
+                continue;
+            }
+            const Ucs c = utf8_read(src + i, n - i);
+            // Writers write exactly the bytes they count, so with room for the longest the
+            // character goes straight to the destination.
+            uint8_t spare[4];
+            uint8_t *out = m - o >= 4 ? dst + o : spare;
+            int len = c.kind == Ucs::Ok ? To::put(c.cp, out) : 0;
+            const bool none = len == 0;
+            if (none) {
+                out[0] = '?';
+                len = 1;
+            }
+            if (len > m - o) {
+                a.full = true;
                 break;
             }
-            dst[o++] = src[i++];
-            continue;
+            if (out == spare)
+                for (int k = 0; k < len; ++k)
+                    dst[o + k] = spare[k];
+            a.bad |= none;
+            i += c.len;
+            o += len;
         }
-        const Ucs c = utf8_read(src + i, n - i);
-        // Writers write exactly the bytes they count, so with room for the longest the
-        // character goes straight to the destination.
-        uint8_t spare[4];
-        uint8_t *out = m - o >= 4 ? dst + o : spare;
-        int len = c.kind == Ucs::Ok ? To::put(c.cp, out) : 0;
-        const bool none = len == 0;
-        if (none) {
-            out[0] = '?';
-            len = 1;
-        }
-        if (len > m - o) {
-            full = true;
-            break;
-        }
-        if (out == spare)
-            for (int k = 0; k < len; ++k)
-                dst[o + k] = spare[k];
-        bad |= none;
-        i += c.len;
-        o += len;
     }
-    *consumed = i;
-    *produced = o;
-    return (full ? COM_XLT_TRUNCATED : 0) | (bad ? COM_XLT_BADCHAR : 0);
+};
+
+// A converter: a short value through local buffers when the room takes its longest
+// translation, else blocks while far from both ends, then the careful loop.
+template <class Dir>
+int32_t translate(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstlen,
+                  int32_t *consumed, int32_t *produced) {
+    const int32_t n = std::max(srclen, 0), m = std::max(dstlen, 0);
+    At a;
+    if (k_packed && n <= k_short && int64_t{m} * 2 >= int64_t{n} * Dir::growth_x2) {
+        uint8_t in[k_short + k_pad], out[k_short * 3 + k_pad];
+        std::memcpy(in, src, static_cast<size_t>(n));
+        std::memset(in + n, 0xFF, k_pad);
+        Dir::fast(in, n, n, out, INT32_MAX, a);
+        std::memcpy(dst, out, static_cast<size_t>(a.o));
+    } else {
+        if (k_packed && n > k_src_margin && m > k_dst_margin)
+            Dir::fast(src, n, n - k_src_margin, dst, m - k_dst_margin, a);
+        Dir::careful(src, n, dst, m, a);
+    }
+    *consumed = a.i;
+    *produced = a.o;
+    return (a.full ? COM_XLT_TRUNCATED : 0) | (a.bad ? COM_XLT_BADCHAR : 0);
 }
 
 // The reader and writer of each set, by the name its converters carry.
@@ -588,7 +660,8 @@ extern "C" {
     COMN_API int32_t com__fou_utf8_to_##set(const uint8_t *src, int32_t srclen, uint8_t *dst,      \
                                             int32_t dstlen, int32_t *consumed,                     \
                                             int32_t *produced) {                                   \
-        return comn::from_utf8<comn::set_##set>(src, srclen, dst, dstlen, consumed, produced);     \
+        return comn::translate<comn::FromUtf8<comn::set_##set>>(src, srclen, dst, dstlen,          \
+                                                                consumed, produced);               \
     }
 COMN_XLT_FROM_UTF8(COMN_FROM_UTF8_ENTRY)
 #undef COMN_FROM_UTF8_ENTRY
@@ -597,7 +670,8 @@ COMN_XLT_FROM_UTF8(COMN_FROM_UTF8_ENTRY)
     COMN_API int32_t com__fou_##set##_to_utf8(const uint8_t *src, int32_t srclen, uint8_t *dst,    \
                                               int32_t dstlen, int32_t *consumed,                   \
                                               int32_t *produced) {                                 \
-        return comn::to_utf8<comn::set_##set>(src, srclen, dst, dstlen, consumed, produced);       \
+        return comn::translate<comn::ToUtf8<comn::set_##set>>(src, srclen, dst, dstlen, consumed,  \
+                                                              produced);                           \
     }
 COMN_XLT_TO_UTF8(COMN_TO_UTF8_ENTRY)
 #undef COMN_TO_UTF8_ENTRY
