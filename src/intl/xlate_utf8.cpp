@@ -147,6 +147,15 @@ constexpr std::array<SbInverse, Sb_sets> Sb_inverse = [] {
     return all;
 }();
 
+// The byte of each code point below 800 (the two-byte characters of utf8), one lookup.
+constexpr auto Sb_low = [] {
+    std::array<std::array<uint8_t, 0x800>, Sb_sets> all{};
+    for (size_t s = 0; s < all.size(); ++s)
+        for (unsigned cp = 0; cp < 0x800; ++cp)
+            all[s][cp] = Sb_inverse[s].pages[Sb_inverse[s].page_of[cp >> 8]][cp & 0xFF];
+    return all;
+}();
+
 constexpr auto Sb_packed = [] {
     std::array<std::array<uint32_t, 256>, Sb_sets> all{};
     for (int s = 0; s < Sb_sets; ++s)
@@ -185,7 +194,8 @@ struct Sb {
         } else {
             if (cp > 0xFFFF) return 0;
             const SbInverse &inv = Sb_inverse[S];
-            const uint8_t b = inv.pages[inv.page_of[cp >> 8]][cp & 0xFF];
+            const uint8_t b =
+                cp < 0x800 ? Sb_low[S][cp] : inv.pages[inv.page_of[cp >> 8]][cp & 0xFF];
             out[0] = b;
             return b != 0;
         }
