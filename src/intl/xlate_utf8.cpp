@@ -27,8 +27,13 @@
 #include <array>
 #include <bit>
 #include <cstring>
+#include <type_traits>
 #ifdef __SSE2__
 #include <emmintrin.h>
+#endif
+#if defined(__SSE2__) && defined(__GNUC__) // byte shuffles, when the processor has them
+#define COMN_XLT_SHUFFLE 1
+#include <tmmintrin.h>
 #endif
 
 namespace comn {
@@ -491,10 +496,127 @@ struct At {
     bool bad = false, full = false;
 };
 
+// ---- iso_1 blocks: an iso_1 byte is its code point, so translation between iso_1 and utf8
+// is arithmetic, done 16 bytes at a time with byte shuffles where the processor has them. ----
+
+#ifdef COMN_XLT_SHUFFLE
+
+// Entry k gathers to the front the bytes of an 8-byte group whose bits are set in k.
+constexpr auto Gather8 = [] {
+    std::array<std::array<uint8_t, 8>, 256> t{};
+    for (unsigned k = 0; k < 256; ++k) {
+        unsigned n = 0;
+        for (unsigned j = 0; j < 8; ++j)
+            if (k >> j & 1) t[k][n++] = static_cast<uint8_t>(j);
+        for (; n < 8; ++n)
+            t[k][n] = 0x80; // a zero byte, stored but not kept
+    }
+    return t;
+}();
+
+// Entry h takes, for each byte j of an 8-byte group, byte j of the first half of a vector,
+// then byte 8 + j when bit j of h is set.
+constexpr auto Spread8 = [] {
+    std::array<std::array<uint8_t, 16>, 256> t{};
+    for (unsigned h = 0; h < 256; ++h) {
+        unsigned n = 0;
+        for (unsigned j = 0; j < 8; ++j) {
+            t[h][n++] = static_cast<uint8_t>(j);
+            if (h >> j & 1) t[h][n++] = static_cast<uint8_t>(8 + j);
+        }
+        for (; n < 16; ++n)
+            t[h][n] = 0x80;
+    }
+    return t;
+}();
+
+inline bool has_shuffle() {
+    static const bool yes = (__builtin_cpu_init(), __builtin_cpu_supports("ssse3"));
+    return yes;
+}
+
+inline __m128i bytes(int b) {
+    return _mm_set1_epi8(static_cast<char>(b));
+}
+
+// utf8 to iso_1 over the 16 bytes at p when they hold ASCII and whole characters C2/C3
+// 80-BF (a lead in the last byte is left for the next block): false, storing nothing,
+// for any other block. Stores up to 16 bytes at out.
+[[gnu::target("ssse3")]] bool iso1_from_utf8_block(const uint8_t *p, uint8_t *out, int32_t &i,
+                                                   int32_t &o) {
+    const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p));
+    const auto high = static_cast<uint32_t>(_mm_movemask_epi8(v));
+    if (high == 0) {
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(out), v);
+        i += k_block;
+        o += k_block;
+        return true;
+    }
+    const __m128i is_lead = _mm_cmpeq_epi8(_mm_and_si128(v, bytes(0xFE)), bytes(0xC2));
+    const auto leads = static_cast<uint32_t>(_mm_movemask_epi8(is_lead));
+    const auto conts = static_cast<uint32_t>(
+        _mm_movemask_epi8(_mm_cmpeq_epi8(_mm_and_si128(v, bytes(0xC0)), bytes(0x80))));
+    const uint32_t width = k_block - (leads >> 15); // bytes taken
+    const uint32_t lead = leads & 0x7FFF, in = (1U << width) - 1;
+    if (conts != lead << 1 || (high & in) != (lead | conts)) return false;
+    // A lead's byte: its second byte, plus 40 after C3.
+    const __m128i second = _mm_srli_si128(v, 1);
+    const __m128i latin = _mm_add_epi8(second, _mm_slli_epi16(_mm_and_si128(v, bytes(1)), 6));
+    const __m128i val = _mm_or_si128(_mm_and_si128(is_lead, latin), _mm_andnot_si128(is_lead, v));
+    const uint32_t keep = ~conts & in;
+    const __m128i lo = _mm_shuffle_epi8(
+        val, _mm_loadl_epi64(reinterpret_cast<const __m128i *>(Gather8[keep & 0xFF].data())));
+    const __m128i hi = _mm_shuffle_epi8(
+        _mm_srli_si128(val, 8),
+        _mm_loadl_epi64(reinterpret_cast<const __m128i *>(Gather8[keep >> 8].data())));
+    const int n_lo = std::popcount(keep & 0xFF);
+    _mm_storel_epi64(reinterpret_cast<__m128i *>(out), lo);
+    _mm_storel_epi64(reinterpret_cast<__m128i *>(out + n_lo), hi);
+    i += static_cast<int32_t>(width);
+    o += std::popcount(keep);
+    return true;
+}
+
+// iso_1 to utf8 over the 16 bytes at p. Stores up to 32 bytes at out.
+[[gnu::target("ssse3")]] bool iso1_to_utf8_block(const uint8_t *p, uint8_t *out, int32_t &i,
+                                                 int32_t &o) {
+    const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p));
+    const auto high = static_cast<uint32_t>(_mm_movemask_epi8(v));
+    if (high == 0) {
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(out), v);
+    } else {
+        // Each byte's first byte (ASCII, or C2/C3) in one half, its second in the other.
+        const __m128i is_high = _mm_cmplt_epi8(v, _mm_setzero_si128());
+        const __m128i lead =
+            _mm_or_si128(_mm_and_si128(_mm_srli_epi16(v, 6), bytes(0x03)), bytes(0xC0));
+        const __m128i first =
+            _mm_or_si128(_mm_and_si128(is_high, lead), _mm_andnot_si128(is_high, v));
+        const __m128i second = _mm_and_si128(v, bytes(0xBF));
+        const __m128i lo = _mm_shuffle_epi8(
+            _mm_unpacklo_epi64(first, second),
+            _mm_loadu_si128(reinterpret_cast<const __m128i *>(Spread8[high & 0xFF].data())));
+        const __m128i hi = _mm_shuffle_epi8(
+            _mm_unpackhi_epi64(first, second),
+            _mm_loadu_si128(reinterpret_cast<const __m128i *>(Spread8[high >> 8].data())));
+        const int n_lo = 8 + std::popcount(high & 0xFF);
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(out), lo);
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(out + n_lo), hi);
+    }
+    i += k_block;
+    o += k_block + std::popcount(high);
+    return true;
+}
+
+#endif
+
 // From set From to utf8.
 template <class From>
 struct ToUtf8 {
     static constexpr int growth_x2 = From::to_utf8_x2;
+#ifdef COMN_XLT_SHUFFLE
+    static constexpr auto iso1_block =
+        std::is_same_v<From, Sb<Iso1>> ? iso1_to_utf8_block : nullptr;
+#endif
 
     // Blocks over src[0..n), characters starting before stop; each character through its
     // packed translation, a careful reading for the others.
@@ -572,6 +694,10 @@ struct ToUtf8 {
 template <class To>
 struct FromUtf8 {
     static constexpr int growth_x2 = To::from_utf8_x2;
+#ifdef COMN_XLT_SHUFFLE
+    static constexpr auto iso1_block =
+        std::is_same_v<To, Sb<Iso1>> ? iso1_from_utf8_block : nullptr;
+#endif
 
     static void fast(const uint8_t *src, int32_t n, int32_t stop, uint8_t *dst, int32_t o_lim,
                      At &a) {
@@ -627,6 +753,21 @@ struct FromUtf8 {
     }
 };
 
+// The fast part of a converter: the iso_1 blocks above while they apply, then the blocks of
+// the set.
+template <class Dir>
+void run_fast(const uint8_t *src, int32_t n, int32_t stop, uint8_t *dst, int32_t o_lim, At &a) {
+#ifdef COMN_XLT_SHUFFLE
+    if constexpr (Dir::iso1_block != nullptr) {
+        if (has_shuffle())
+            while (a.i + k_block <= stop && a.o < o_lim)
+                if (!Dir::iso1_block(src + a.i, dst + a.o, a.i, a.o))
+                    Dir::fast(src, n, a.i + k_block, dst, o_lim, a); // this block alone
+    }
+#endif
+    Dir::fast(src, n, stop, dst, o_lim, a);
+}
+
 // A converter: a short value through local buffers when the room takes its longest
 // translation, else blocks while far from both ends, then the careful loop.
 template <class Dir>
@@ -638,11 +779,11 @@ int32_t translate(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstl
         uint8_t in[k_short + k_pad], out[k_short * 3 + k_pad];
         std::memcpy(in, src, static_cast<size_t>(n));
         std::memset(in + n, 0xFF, k_pad);
-        Dir::fast(in, n, n, out, INT32_MAX, a);
+        run_fast<Dir>(in, n, n, out, INT32_MAX, a);
         std::memcpy(dst, out, static_cast<size_t>(a.o));
     } else {
         if (k_packed && n > k_src_margin && m > k_dst_margin)
-            Dir::fast(src, n, n - k_src_margin, dst, m - k_dst_margin, a);
+            run_fast<Dir>(src, n, n - k_src_margin, dst, m - k_dst_margin, a);
         Dir::careful(src, n, dst, m, a);
     }
     *consumed = a.i;
