@@ -431,7 +431,8 @@ inline void copy16(const uint8_t *from, uint8_t *to) {
 // character cut by the end of the source, which ends the loop.
 template <class Step>
 [[gnu::always_inline]] inline void blocks(const uint8_t *src, int32_t stop, uint8_t *dst,
-                                          int32_t o_lim, int32_t &i, int32_t &o, Step step) {
+                                          int32_t o_lim, int32_t &at, int32_t &to, Step step) {
+    int32_t i = at, o = to; // locals: stores to dst could otherwise alias them
     while (i < stop && o < o_lim) {
         const uint8_t *p = src + i;
         uint32_t high = high_bits(p);
@@ -449,7 +450,8 @@ template <class Step>
             o += k - pos;
             const int32_t len = k < end ? step(i + k, o) : 0;
             if (len == 0) {
-                i += k;
+                at = i + k;
+                to = o;
                 return;
             }
             pos = k + len;
@@ -458,6 +460,8 @@ template <class Step>
         }
         i += pos;
     }
+    at = i;
+    to = o;
 }
 
 // Bytes of ASCII at the start of a word read from memory, by its bits 0x80.
@@ -531,7 +535,8 @@ constexpr auto Spread8 = [] {
 }();
 
 inline bool has_shuffle() {
-    static const bool yes = (__builtin_cpu_init(), __builtin_cpu_supports("ssse3"));
+    static const bool yes =
+        (__builtin_cpu_init(), __builtin_cpu_supports("ssse3") && __builtin_cpu_supports("popcnt"));
     return yes;
 }
 
@@ -542,8 +547,8 @@ inline __m128i bytes(int b) {
 // utf8 to iso_1 over the 16 bytes at p when they hold ASCII and whole characters C2/C3
 // 80-BF (a lead in the last byte is left for the next block): false, storing nothing,
 // for any other block. Stores up to 16 bytes at out.
-[[gnu::target("ssse3")]] bool iso1_from_utf8_block(const uint8_t *p, uint8_t *out, int32_t &i,
-                                                   int32_t &o) {
+[[gnu::target("ssse3,popcnt"), gnu::always_inline]] inline bool
+iso1_from_utf8_block(const uint8_t *p, uint8_t *out, int32_t &i, int32_t &o) {
     const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p));
     const auto high = static_cast<uint32_t>(_mm_movemask_epi8(v));
     if (high == 0) {
@@ -578,8 +583,8 @@ inline __m128i bytes(int b) {
 }
 
 // iso_1 to utf8 over the 16 bytes at p. Stores up to 32 bytes at out.
-[[gnu::target("ssse3")]] bool iso1_to_utf8_block(const uint8_t *p, uint8_t *out, int32_t &i,
-                                                 int32_t &o) {
+[[gnu::target("ssse3,popcnt"), gnu::always_inline]] inline bool
+iso1_to_utf8_block(const uint8_t *p, uint8_t *out, int32_t &i, int32_t &o) {
     const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p));
     const auto high = static_cast<uint32_t>(_mm_movemask_epi8(v));
     if (high == 0) {
@@ -605,6 +610,18 @@ inline __m128i bytes(int b) {
     i += k_block;
     o += k_block + std::popcount(high);
     return true;
+}
+
+// The blocks above while whole blocks remain before stop and o < o_lim, up to the first
+// block they do not take.
+template <auto Block>
+[[gnu::target("ssse3,popcnt")]] void iso1_blocks(const uint8_t *src, int32_t stop, uint8_t *dst,
+                                                 int32_t o_lim, int32_t &at, int32_t &to) {
+    int32_t i = at, o = to; // locals: stores to dst could otherwise alias them
+    while (i + k_block <= stop && o < o_lim)
+        if (!Block(src + i, dst + o, i, o)) break;
+    at = i;
+    to = o;
 }
 
 #endif
@@ -760,9 +777,11 @@ void run_fast(const uint8_t *src, int32_t n, int32_t stop, uint8_t *dst, int32_t
 #ifdef COMN_XLT_SHUFFLE
     if constexpr (Dir::iso1_block != nullptr) {
         if (has_shuffle())
-            while (a.i + k_block <= stop && a.o < o_lim)
-                if (!Dir::iso1_block(src + a.i, dst + a.o, a.i, a.o))
-                    Dir::fast(src, n, a.i + k_block, dst, o_lim, a); // this block alone
+            for (;;) {
+                iso1_blocks<Dir::iso1_block>(src, stop, dst, o_lim, a.i, a.o);
+                if (a.i + k_block > stop || a.o >= o_lim) break;
+                Dir::fast(src, n, a.i + k_block, dst, o_lim, a); // the block they left
+            }
     }
 #endif
     Dir::fast(src, n, stop, dst, o_lim, a);
