@@ -394,9 +394,10 @@ struct Sjis {
 
 constexpr int32_t k_block = 16;
 // A long text: blocks start while this many source bytes follow and this much room remains.
-// A block reads at most 20 bytes past its start and stores 16 bytes past the last character;
-// the careful loop that follows takes at least 100 bytes, so at least 25 characters giving a
-// byte each, or fills the room, and so writes over every byte the blocks stored beyond theirs.
+// A block reads less than 32 bytes from its start and stores at most 16 bytes beyond the
+// bytes produced. The careful loop that follows takes at least 125 bytes, so at least 31
+// characters giving a byte each but the last, or fills the room to within 3 bytes: either way
+// it writes over every byte the blocks stored beyond theirs.
 constexpr int32_t k_src_margin = 128, k_dst_margin = 128;
 // A short value is translated in local buffers when the room takes its longest translation:
 // the source copy is followed by bytes FF, which no set reads as a character or as part of
