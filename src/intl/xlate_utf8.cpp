@@ -795,12 +795,12 @@ int32_t translate(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstl
                   int32_t *consumed, int32_t *produced) {
     const int32_t n = std::max(srclen, 0), m = std::max(dstlen, 0);
     At a;
-    if (k_packed && n <= k_short && int64_t{m} * 2 >= int64_t{n} * Dir::growth_x2) {
+    if (k_packed && n > 0 && n <= k_short && int64_t{m} * 2 >= int64_t{n} * Dir::growth_x2) {
         uint8_t in[k_short + k_pad], out[k_short * 3 + k_pad];
         std::memcpy(in, src, static_cast<size_t>(n));
         std::memset(in + n, 0xFF, k_pad);
         run_fast<Dir>(in, n, n, out, INT32_MAX, a);
-        std::memcpy(dst, out, static_cast<size_t>(a.o));
+        if (a.o > 0) std::memcpy(dst, out, static_cast<size_t>(a.o));
     } else {
         if (k_packed && n > k_src_margin && m > k_dst_margin)
             run_fast<Dir>(src, n, n - k_src_margin, dst, m - k_dst_margin, a);
