@@ -27,6 +27,14 @@
 #include <array>
 #include <bit>
 #include <cstring>
+#include <type_traits>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+#if defined(__SSE2__) && defined(__GNUC__) // byte shuffles, when the processor has them
+#define COMN_XLT_SHUFFLE 1
+#include <tmmintrin.h>
+#endif
 
 namespace comn {
 namespace {
@@ -144,6 +152,15 @@ constexpr std::array<SbInverse, Sb_sets> Sb_inverse = [] {
     return all;
 }();
 
+// The byte of each code point below 800 (the two-byte characters of utf8), one lookup.
+constexpr auto Sb_low = [] {
+    std::array<std::array<uint8_t, 0x800>, Sb_sets> all{};
+    for (size_t s = 0; s < all.size(); ++s)
+        for (unsigned cp = 0; cp < 0x800; ++cp)
+            all[s][cp] = Sb_inverse[s].pages[Sb_inverse[s].page_of[cp >> 8]][cp & 0xFF];
+    return all;
+}();
+
 constexpr auto Sb_packed = [] {
     std::array<std::array<uint32_t, 256>, Sb_sets> all{};
     for (int s = 0; s < Sb_sets; ++s)
@@ -155,6 +172,9 @@ constexpr auto Sb_packed = [] {
 template <SbSet S>
 struct Sb {
     static constexpr int pair_len = 1; // bytes of a character that packed() translates
+    // Longest translation of n bytes, in half bytes per byte: a byte gives up to three bytes
+    // of utf8, a character of utf8 a byte.
+    static constexpr int to_utf8_x2 = 6, from_utf8_x2 = 2;
     static uint32_t packed(const uint8_t *p) {
         if constexpr (S == Ascii8)
             return 0;
@@ -179,7 +199,8 @@ struct Sb {
         } else {
             if (cp > 0xFFFF) return 0;
             const SbInverse &inv = Sb_inverse[S];
-            const uint8_t b = inv.pages[inv.page_of[cp >> 8]][cp & 0xFF];
+            const uint8_t b =
+                cp < 0x800 ? Sb_low[S][cp] : inv.pages[inv.page_of[cp >> 8]][cp & 0xFF];
             out[0] = b;
             return b != 0;
         }
@@ -234,6 +255,8 @@ inline unsigned jis_code(uint32_t cp) {
 
 struct Euc {
     static constexpr int pair_len = 2;
+    // A pair gives three bytes of utf8; a two-byte utf8 character may give a JIS X 0212 triple.
+    static constexpr int to_utf8_x2 = 3, from_utf8_x2 = 3;
     static uint32_t packed(const uint8_t *p) {
         return jis::euc_byte(p[0]) && jis::euc_byte(p[1]) ? packed0208(p[0], p[1]) : 0;
     }
@@ -278,6 +301,7 @@ struct Euc {
 // DEC Kanji: the JIS X 0208 pairs of eucjis; no kana, no supplementary plane.
 struct DecKanji {
     static constexpr int pair_len = 2;
+    static constexpr int to_utf8_x2 = 3, from_utf8_x2 = 2;
     static uint32_t packed(const uint8_t *p) { return Euc::packed(p); }
     static Ucs read(const uint8_t *p, int32_t left) {
         if (!jis::euc_byte(p[0])) return {Ucs::Bad, 1, 0};
@@ -332,6 +356,8 @@ constexpr auto Sjis_of = [] {
 
 struct Sjis {
     static constexpr int pair_len = 2;
+    // A half-width kana byte gives three bytes of utf8.
+    static constexpr int to_utf8_x2 = 6, from_utf8_x2 = 2;
     static uint32_t packed(const uint8_t *p) { return Sjis_packed[Sjis_rows[p[0]] * 256U + p[1]]; }
     static Ucs read(const uint8_t *p, int32_t left) {
         const unsigned s1 = p[0];
@@ -357,47 +383,94 @@ struct Sjis {
 
 // ---- The two directions ----
 //
-// Each converter runs a fast loop while the text is far from both ends, then finishes with a
-// careful one. The fast loop copies eight bytes at a time and keeps those up to the first
-// byte from 80, whose character it then translates straight into the destination; bytes it
-// stores beyond what it keeps are overwritten by the characters that follow. While 32 source
-// bytes follow the word (8 characters at least, each giving a byte at least) and 24 bytes of
-// room remain, that always happens before the translation ends, so the destination beyond
-// the bytes produced is never touched, and no character can be cut by either end.
+// Each converter has a block loop for the bulk of the text and a careful loop that finishes
+// exactly at both ends. The block loop looks at 16 source bytes at a time through the mask of
+// their bytes from 80: it copies the ASCII between two such characters with one 16-byte
+// store, translates the character straight into the destination, and goes on to the next bit
+// of the same mask. Stores beyond the bytes kept are overwritten by what follows, so the loop
+// runs only where that is certain: far from both ends of a long text (the careful loop then
+// writes over them), or over a short value copied into a local buffer whose translation is
+// copied out exactly.
 
-constexpr int32_t k_src_margin = 40, k_dst_margin = 24;
+constexpr int32_t k_block = 16;
+// A long text: blocks start while this many source bytes follow and this much room remains.
+// A block reads less than 32 bytes from its start and stores at most 16 bytes beyond the
+// bytes produced. The careful loop that follows takes at least 125 bytes, so at least 31
+// characters giving a byte each but the last, or fills the room to within 3 bytes: either way
+// it writes over every byte the blocks stored beyond theirs.
+constexpr int32_t k_src_margin = 128, k_dst_margin = 128;
+// A short value is translated in local buffers when the room takes its longest translation:
+// the source copy is followed by bytes FF, which no set reads as a character or as part of
+// one, so no character is ever taken past the value's end.
+constexpr int32_t k_short = 128, k_pad = 48;
 
-// Bytes of ASCII at the start of the word w read from memory; w holds a byte from 80.
+// Bit j set for each byte from 80 among p[0..16).
+inline uint32_t high_bits(const uint8_t *p) {
+#ifdef __SSE2__
+    return static_cast<uint32_t>(
+        _mm_movemask_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i *>(p))));
+#else // little-endian words (blocks run on such hosts only)
+    uint64_t w[2];
+    std::memcpy(w, p, sizeof w);
+    auto gather = [](uint64_t x) {
+        return static_cast<uint32_t>(((x >> 7 & 0x0101010101010101ULL) * 0x0102040810204080ULL) >>
+                                     56);
+    };
+    return gather(w[0]) | gather(w[1]) << 8;
+#endif
+}
+
+inline void copy16(const uint8_t *from, uint8_t *to) {
+    uint8_t b[k_block];
+    std::memcpy(b, from, sizeof b);
+    std::memcpy(to, b, sizeof b);
+}
+
+// The block loop of both directions, from src[i] while i < stop and o < o_lim (no character
+// starting from stop is taken). step(at, to) translates the character at src[at] (a byte
+// from 80) into dst[to], advances to, and gives the source bytes it took, or 0 for a
+// character cut by the end of the source, which ends the loop.
+template <class Step>
+[[gnu::always_inline]] inline void blocks(const uint8_t *src, int32_t stop, uint8_t *dst,
+                                          int32_t o_lim, int32_t &at, int32_t &to, Step step) {
+    int32_t i = at, o = to; // locals: stores to dst could otherwise alias them
+    while (i < stop && o < o_lim) {
+        const uint8_t *p = src + i;
+        uint32_t high = high_bits(p);
+        const int32_t end = stop - i;
+        if (end < k_block) high |= 1U << end; // stops the block there
+        int32_t pos = 0;
+        for (;;) {
+            copy16(p + pos, dst + o);
+            if (high == 0) {
+                o += k_block - pos;
+                pos = k_block;
+                break;
+            }
+            const int32_t k = std::countr_zero(high);
+            o += k - pos;
+            const int32_t len = k < end ? step(i + k, o) : 0;
+            if (len == 0) {
+                at = i + k;
+                to = o;
+                return;
+            }
+            pos = k + len;
+            if (pos >= k_block) break;
+            high &= ~0U << pos;
+        }
+        i += pos;
+    }
+    at = i;
+    to = o;
+}
+
+// Bytes of ASCII at the start of a word read from memory, by its bits 0x80.
 inline int ascii_prefix(uint64_t high_bits) {
     if constexpr (std::endian::native == std::endian::little)
         return std::countr_zero(high_bits) >> 3;
     else
         return std::countl_zero(high_bits) >> 3;
-}
-
-// The fast loop of both directions: step(i, o) translates the character at src[i] (a byte
-// from 80) into dst[o] and advances both; a run of such characters is stepped through
-// without going back to the word loop.
-template <class Step>
-inline void fast_loop(const uint8_t *src, int32_t n, uint8_t *dst, int32_t m, int32_t &i,
-                      int32_t &o, Step step) {
-    while (i + k_src_margin <= n && o + k_dst_margin <= m) {
-        uint64_t w;
-        std::memcpy(&w, src + i, sizeof w);
-        std::memcpy(dst + o, &w, sizeof w);
-        const uint64_t high = w & 0x8080808080808080ULL;
-        if (high == 0) {
-            i += 8;
-            o += 8;
-            continue;
-        }
-        const int k = ascii_prefix(high);
-        i += k;
-        o += k;
-        do // the characters from 80 that follow, one by one
-            step(i, o);
-        while (src[i] >= 0x80 && i + k_src_margin <= n && o + k_dst_margin <= m);
-    }
 }
 
 // The careful loops' ASCII: copies the ASCII bytes at src[i] that the next word holds and
@@ -422,150 +495,320 @@ inline bool copy_ascii(const uint8_t *src, int32_t n, uint8_t *dst, int32_t m, i
     return false;
 }
 
-// From set From to utf8.
-template <class From>
-int32_t to_utf8(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstlen, int32_t *consumed,
-                int32_t *produced) {
-    const int32_t n = std::max(srclen, 0), m = std::max(dstlen, 0);
+// Where a translation stands: source and destination positions and result bits so far.
+struct At {
     int32_t i = 0, o = 0;
     bool bad = false, full = false;
-    // Fast loop: words of ASCII, else four characters in a row, each through its packed
-    // translation. The next character's place depends on the source bytes only, never on a
-    // table, so the lookups of successive characters overlap.
-    while (k_packed && i + k_src_margin <= n && o + k_dst_margin <= m) {
-        uint64_t w;
-        std::memcpy(&w, src + i, sizeof w);
-        std::memcpy(dst + o, &w, sizeof w);
-        const uint64_t high = w & 0x8080808080808080ULL;
-        if (high == 0) {
-            i += 8;
-            o += 8;
-            continue;
-        }
-        const int prefix = ascii_prefix(high);
-        i += prefix;
-        o += prefix;
-        for (int k = 0; k < 4; ++k) {
-            const unsigned b0 = src[i];
-            const unsigned hi = b0 >> 7;
-            const uint32_t v = hi ? From::packed(src + i) : (b0 | 1U << 24);
-            if (v == 0) { // a character the careful path below must look at
-                const Ucs c = From::read(src + i, n - i); // never cut here
-                if (c.kind == Ucs::Ok) {
-                    o += utf8_put(c.cp, dst + o);
-                } else {
-                    std::memset(dst + o, '?', c.len);
-                    o += c.len;
-                    bad = true;
-                }
-                i += c.len;
-                break;
-            }
-            std::memcpy(dst + o, &v, sizeof v); // its fourth byte is overwritten later
-            o += static_cast<int32_t>(v >> 24 & 3);
-            i += hi ? From::pair_len : 1;
-        }
+};
+
+// ---- iso_1 blocks: an iso_1 byte is its code point, so translation between iso_1 and utf8
+// is arithmetic, done 16 bytes at a time with byte shuffles where the processor has them. ----
+
+#ifdef COMN_XLT_SHUFFLE
+
+// Entry k gathers to the front the bytes of an 8-byte group whose bits are set in k.
+constexpr auto Gather8 = [] {
+    std::array<std::array<uint8_t, 8>, 256> t{};
+    for (unsigned k = 0; k < 256; ++k) {
+        unsigned n = 0;
+        for (unsigned j = 0; j < 8; ++j)
+            if (k >> j & 1) t[k][n++] = static_cast<uint8_t>(j);
+        for (; n < 8; ++n)
+            t[k][n] = 0x80; // a zero byte, stored but not kept
     }
-    while (i < n) {
-        if (copy_ascii(src, n, dst, m, i, o)) continue;
-        if (src[i] < 0x80) {
-            if (o == m) {
-                full = true;
-                break;
-            }
-            dst[o++] = src[i++];
-            continue;
+    return t;
+}();
+
+// Entry h takes, for each byte j of an 8-byte group, byte j of the first half of a vector,
+// then byte 8 + j when bit j of h is set.
+constexpr auto Spread8 = [] {
+    std::array<std::array<uint8_t, 16>, 256> t{};
+    for (unsigned h = 0; h < 256; ++h) {
+        unsigned n = 0;
+        for (unsigned j = 0; j < 8; ++j) {
+            t[h][n++] = static_cast<uint8_t>(j);
+            if (h >> j & 1) t[h][n++] = static_cast<uint8_t>(8 + j);
         }
-        // The usual character through its packed translation, written byte by byte.
-        if (const uint32_t v = k_packed && n - i >= From::pair_len ? From::packed(src + i) : 0;
-            v != 0) {
-            const int32_t len = static_cast<int32_t>(v >> 24 & 3);
-            if (len > m - o) {
-                full = true;
-                break;
-            }
-            dst[o] = static_cast<uint8_t>(v);
-            if (len > 1) dst[o + 1] = static_cast<uint8_t>(v >> 8);
-            if (len > 2) dst[o + 2] = static_cast<uint8_t>(v >> 16);
-            o += len;
-            i += From::pair_len;
-            continue;
-        }
-        const Ucs c = From::read(src + i, n - i);
-        if (c.kind == Ucs::Cut) break; // left for the next call
-        uint8_t out[4];
-        int len = c.len; // a character without a counterpart: one "?" per byte
-        if (c.kind == Ucs::Ok)
-            len = utf8_put(c.cp, out);
-        else
-            std::memset(out, '?', sizeof out);
-        if (len > m - o) {
-            full = true;
-            break;
-        }
-        std::memcpy(dst + o, out, static_cast<size_t>(len));
-        bad |= c.kind == Ucs::Bad;
-        i += c.len;
-        o += len;
+        for (; n < 16; ++n)
+            t[h][n] = 0x80;
     }
-    *consumed = i;
-    *produced = o;
-    return (full ? COM_XLT_TRUNCATED : 0) | (bad ? COM_XLT_BADCHAR : 0);
+    return t;
+}();
+
+inline bool has_shuffle() {
+    static const bool yes =
+        (__builtin_cpu_init(), __builtin_cpu_supports("ssse3") && __builtin_cpu_supports("popcnt"));
+    return yes;
 }
+
+inline __m128i bytes(int b) {
+    return _mm_set1_epi8(static_cast<char>(b));
+}
+
+// utf8 to iso_1 over the 16 bytes at p when they hold ASCII and whole characters C2/C3
+// 80-BF (a lead in the last byte is left for the next block): false, storing nothing,
+// for any other block. Stores up to 16 bytes at out.
+[[gnu::target("ssse3,popcnt"), gnu::always_inline]] inline bool
+iso1_from_utf8_block(const uint8_t *p, uint8_t *out, int32_t &i, int32_t &o) {
+    const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p));
+    const auto high = static_cast<uint32_t>(_mm_movemask_epi8(v));
+    if (high == 0) {
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(out), v);
+        i += k_block;
+        o += k_block;
+        return true;
+    }
+    const __m128i is_lead = _mm_cmpeq_epi8(_mm_and_si128(v, bytes(0xFE)), bytes(0xC2));
+    const auto leads = static_cast<uint32_t>(_mm_movemask_epi8(is_lead));
+    const auto conts = static_cast<uint32_t>(
+        _mm_movemask_epi8(_mm_cmpeq_epi8(_mm_and_si128(v, bytes(0xC0)), bytes(0x80))));
+    const uint32_t width = k_block - (leads >> 15); // bytes taken
+    const uint32_t lead = leads & 0x7FFF, in = (1U << width) - 1;
+    if (conts != lead << 1 || (high & in) != (lead | conts)) return false;
+    // A lead's byte: its second byte, plus 40 after C3.
+    const __m128i second = _mm_srli_si128(v, 1);
+    const __m128i latin = _mm_add_epi8(second, _mm_slli_epi16(_mm_and_si128(v, bytes(1)), 6));
+    const __m128i val = _mm_or_si128(_mm_and_si128(is_lead, latin), _mm_andnot_si128(is_lead, v));
+    const uint32_t keep = ~conts & in;
+    const __m128i lo = _mm_shuffle_epi8(
+        val, _mm_loadl_epi64(reinterpret_cast<const __m128i *>(Gather8[keep & 0xFF].data())));
+    const __m128i hi = _mm_shuffle_epi8(
+        _mm_srli_si128(val, 8),
+        _mm_loadl_epi64(reinterpret_cast<const __m128i *>(Gather8[keep >> 8].data())));
+    const int n_lo = std::popcount(keep & 0xFF);
+    _mm_storel_epi64(reinterpret_cast<__m128i *>(out), lo);
+    _mm_storel_epi64(reinterpret_cast<__m128i *>(out + n_lo), hi);
+    i += static_cast<int32_t>(width);
+    o += std::popcount(keep);
+    return true;
+}
+
+// iso_1 to utf8 over the 16 bytes at p. Stores up to 32 bytes at out.
+[[gnu::target("ssse3,popcnt"), gnu::always_inline]] inline bool
+iso1_to_utf8_block(const uint8_t *p, uint8_t *out, int32_t &i, int32_t &o) {
+    const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p));
+    const auto high = static_cast<uint32_t>(_mm_movemask_epi8(v));
+    if (high == 0) {
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(out), v);
+    } else {
+        // Each byte's first byte (ASCII, or C2/C3) in one half, its second in the other.
+        const __m128i is_high = _mm_cmplt_epi8(v, _mm_setzero_si128());
+        const __m128i lead =
+            _mm_or_si128(_mm_and_si128(_mm_srli_epi16(v, 6), bytes(0x03)), bytes(0xC0));
+        const __m128i first =
+            _mm_or_si128(_mm_and_si128(is_high, lead), _mm_andnot_si128(is_high, v));
+        const __m128i second = _mm_and_si128(v, bytes(0xBF));
+        const __m128i lo = _mm_shuffle_epi8(
+            _mm_unpacklo_epi64(first, second),
+            _mm_loadu_si128(reinterpret_cast<const __m128i *>(Spread8[high & 0xFF].data())));
+        const __m128i hi = _mm_shuffle_epi8(
+            _mm_unpackhi_epi64(first, second),
+            _mm_loadu_si128(reinterpret_cast<const __m128i *>(Spread8[high >> 8].data())));
+        const int n_lo = 8 + std::popcount(high & 0xFF);
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(out), lo);
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(out + n_lo), hi);
+    }
+    i += k_block;
+    o += k_block + std::popcount(high);
+    return true;
+}
+
+// The blocks above while whole blocks remain before stop and o < o_lim, up to the first
+// block they do not take.
+template <auto Block>
+[[gnu::target("ssse3,popcnt")]] void iso1_blocks(const uint8_t *src, int32_t stop, uint8_t *dst,
+                                                 int32_t o_lim, int32_t &at, int32_t &to) {
+    int32_t i = at, o = to; // locals: stores to dst could otherwise alias them
+    while (i + k_block <= stop && o < o_lim)
+        if (!Block(src + i, dst + o, i, o)) break;
+    at = i;
+    to = o;
+}
+
+#endif
+
+// From set From to utf8.
+template <class From>
+struct ToUtf8 {
+    static constexpr int growth_x2 = From::to_utf8_x2;
+#ifdef COMN_XLT_SHUFFLE
+    static constexpr auto iso1_block =
+        std::is_same_v<From, Sb<Iso1>> ? iso1_to_utf8_block : nullptr;
+#endif
+
+    // Blocks over src[0..n), characters starting before stop; each character through its
+    // packed translation, a careful reading for the others.
+    static void fast(const uint8_t *src, int32_t n, int32_t stop, uint8_t *dst, int32_t o_lim,
+                     At &a) {
+        blocks(
+            src, stop, dst, o_lim, a.i,
+            a.o, [&](int32_t at, int32_t & to) __attribute__((always_inline))->int32_t {
+                if (const uint32_t v = From::packed(src + at); v != 0) {
+                    std::memcpy(dst + to, &v, sizeof v); // its fourth byte is overwritten later
+                    to += static_cast<int32_t>(v >> 24 & 3);
+                    return From::pair_len;
+                }
+                const Ucs c = From::read(src + at, n - at);
+                if (c.kind == Ucs::Cut) return 0;
+                if (c.kind == Ucs::Ok) {
+                    to += utf8_put(c.cp, dst + to);
+                } else { // one "?" per byte
+                    std::memset(dst + to, '?', c.len);
+                    to += c.len;
+                    a.bad = true;
+                }
+                return c.len;
+            });
+    }
+
+    static void careful(const uint8_t *src, int32_t n, uint8_t *dst, int32_t m, At &a) {
+        int32_t &i = a.i, &o = a.o;
+        while (i < n) {
+            if (copy_ascii(src, n, dst, m, i, o)) continue;
+            if (src[i] < 0x80) {
+                if (o == m) {
+                    a.full = true;
+                    break;
+                }
+                dst[o++] = src[i++];
+                continue;
+            }
+            // The usual character through its packed translation, written byte by byte.
+            if (const uint32_t v = k_packed && n - i >= From::pair_len ? From::packed(src + i) : 0;
+                v != 0) {
+                const int32_t len = static_cast<int32_t>(v >> 24 & 3);
+                if (len > m - o) {
+                    a.full = true;
+                    break;
+                }
+                dst[o] = static_cast<uint8_t>(v);
+                if (len > 1) dst[o + 1] = static_cast<uint8_t>(v >> 8);
+                if (len > 2) dst[o + 2] = static_cast<uint8_t>(v >> 16);
+                o += len;
+                i += From::pair_len;
+                continue;
+            }
+            const Ucs c = From::read(src + i, n - i);
+            if (c.kind == Ucs::Cut) break; // left for the next call
+            uint8_t out[4];
+            int len = c.len; // a character without a counterpart: one "?" per byte
+            if (c.kind == Ucs::Ok)
+                len = utf8_put(c.cp, out);
+            else
+                std::memset(out, '?', sizeof out);
+            if (len > m - o) {
+                a.full = true;
+                break;
+            }
+            std::memcpy(dst + o, out, static_cast<size_t>(len));
+            a.bad |= c.kind == Ucs::Bad;
+            i += c.len;
+            o += len;
+        }
+    }
+};
 
 // From utf8 to set To.
 template <class To>
-int32_t from_utf8(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstlen,
-                  int32_t *consumed, int32_t *produced) {
-    const int32_t n = std::max(srclen, 0), m = std::max(dstlen, 0);
-    int32_t i = 0, o = 0;
-    bool bad = false, full = false;
-    fast_loop(src, n, dst, m, i, o, [&](int32_t &at, int32_t &to) {
-        const Ucs c = utf8_read(src + at, n - at);
-        int len = c.kind == Ucs::Ok ? To::put(c.cp, dst + to) : 0;
-        if (len == 0) { // one "?" per character or ill-formed subpart
-            dst[to] = '?';
-            len = 1;
-            bad = true;
-        }
-        at += c.len;
-        to += len;
-    });
-    while (i < n) {
-        if (copy_ascii(src, n, dst, m, i, o)) continue;
-        if (src[i] < 0x80) {
-            if (o == m) {
-                full = true;
+struct FromUtf8 {
+    static constexpr int growth_x2 = To::from_utf8_x2;
+#ifdef COMN_XLT_SHUFFLE
+    static constexpr auto iso1_block =
+        std::is_same_v<To, Sb<Iso1>> ? iso1_from_utf8_block : nullptr;
+#endif
+
+    static void fast(const uint8_t *src, int32_t n, int32_t stop, uint8_t *dst, int32_t o_lim,
+                     At &a) {
+        blocks(
+            src, stop, dst, o_lim, a.i,
+            a.o, [&](int32_t at, int32_t & to) __attribute__((always_inline))->int32_t {
+                const Ucs c = utf8_read(src + at, n - at);
+                int len = c.kind == Ucs::Ok ? To::put(c.cp, dst + to) : 0;
+                if (len == 0) { // one "?" per character or ill-formed subpart
+                    dst[to] = '?';
+                    len = 1;
+                    a.bad = true;
+                }
+                to += len;
+                return c.len;
+            });
+    }
+
+    static void careful(const uint8_t *src, int32_t n, uint8_t *dst, int32_t m, At &a) {
+        int32_t &i = a.i, &o = a.o;
+        while (i < n) {
+            if (copy_ascii(src, n, dst, m, i, o)) continue;
+            if (src[i] < 0x80) {
+                if (o == m) {
+                    a.full = true;
+                    break;
+                }
+                dst[o++] = src[i++];
+                continue;
+            }
+            const Ucs c = utf8_read(src + i, n - i);
+            // Writers write exactly the bytes they count, so with room for the longest the
+            // character goes straight to the destination.
+            uint8_t spare[4];
+            uint8_t *out = m - o >= 4 ? dst + o : spare;
+            int len = c.kind == Ucs::Ok ? To::put(c.cp, out) : 0;
+            const bool none = len == 0;
+            if (none) {
+                out[0] = '?';
+                len = 1;
+            }
+            if (len > m - o) {
+                a.full = true;
                 break;
             }
-            dst[o++] = src[i++];
-            continue;
+            if (out == spare)
+                for (int k = 0; k < len; ++k)
+                    dst[o + k] = spare[k];
+            a.bad |= none;
+            i += c.len;
+            o += len;
         }
-        const Ucs c = utf8_read(src + i, n - i);
-        // Writers write exactly the bytes they count, so with room for the longest the
-        // character goes straight to the destination.
-        uint8_t spare[4];
-        uint8_t *out = m - o >= 4 ? dst + o : spare;
-        int len = c.kind == Ucs::Ok ? To::put(c.cp, out) : 0;
-        const bool none = len == 0;
-        if (none) {
-            out[0] = '?';
-            len = 1;
-        }
-        if (len > m - o) {
-            full = true;
-            break;
-        }
-        if (out == spare)
-            for (int k = 0; k < len; ++k)
-                dst[o + k] = spare[k];
-        bad |= none;
-        i += c.len;
-        o += len;
     }
-    *consumed = i;
-    *produced = o;
-    return (full ? COM_XLT_TRUNCATED : 0) | (bad ? COM_XLT_BADCHAR : 0);
+};
+
+// The fast part of a converter: the iso_1 blocks above while they apply, then the blocks of
+// the set.
+template <class Dir>
+void run_fast(const uint8_t *src, int32_t n, int32_t stop, uint8_t *dst, int32_t o_lim, At &a) {
+#ifdef COMN_XLT_SHUFFLE
+    if constexpr (Dir::iso1_block != nullptr) {
+        if (has_shuffle())
+            for (;;) {
+                iso1_blocks<Dir::iso1_block>(src, stop, dst, o_lim, a.i, a.o);
+                if (a.i + k_block > stop || a.o >= o_lim) break;
+                Dir::fast(src, n, a.i + k_block, dst, o_lim, a); // the block they left
+            }
+    }
+#endif
+    Dir::fast(src, n, stop, dst, o_lim, a);
+}
+
+// A converter: a short value through local buffers when the room takes its longest
+// translation, else blocks while far from both ends, then the careful loop.
+template <class Dir>
+int32_t translate(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstlen,
+                  int32_t *consumed, int32_t *produced) {
+    const int32_t n = std::max(srclen, 0), m = std::max(dstlen, 0);
+    At a;
+    if (k_packed && n > 0 && n <= k_short && int64_t{m} * 2 >= int64_t{n} * Dir::growth_x2) {
+        uint8_t in[k_short + k_pad], out[k_short * 3 + k_pad];
+        std::memcpy(in, src, static_cast<size_t>(n));
+        std::memset(in + n, 0xFF, k_pad);
+        run_fast<Dir>(in, n, n, out, INT32_MAX, a);
+        if (a.o > 0) std::memcpy(dst, out, static_cast<size_t>(a.o));
+    } else {
+        if (k_packed && n > k_src_margin && m > k_dst_margin)
+            run_fast<Dir>(src, n, n - k_src_margin, dst, m - k_dst_margin, a);
+        Dir::careful(src, n, dst, m, a);
+    }
+    *consumed = a.i;
+    *produced = a.o;
+    return (a.full ? COM_XLT_TRUNCATED : 0) | (a.bad ? COM_XLT_BADCHAR : 0);
 }
 
 // The reader and writer of each set, by the name its converters carry.
@@ -588,7 +831,8 @@ extern "C" {
     COMN_API int32_t com__fou_utf8_to_##set(const uint8_t *src, int32_t srclen, uint8_t *dst,      \
                                             int32_t dstlen, int32_t *consumed,                     \
                                             int32_t *produced) {                                   \
-        return comn::from_utf8<comn::set_##set>(src, srclen, dst, dstlen, consumed, produced);     \
+        return comn::translate<comn::FromUtf8<comn::set_##set>>(src, srclen, dst, dstlen,          \
+                                                                consumed, produced);               \
     }
 COMN_XLT_FROM_UTF8(COMN_FROM_UTF8_ENTRY)
 #undef COMN_FROM_UTF8_ENTRY
@@ -597,7 +841,8 @@ COMN_XLT_FROM_UTF8(COMN_FROM_UTF8_ENTRY)
     COMN_API int32_t com__fou_##set##_to_utf8(const uint8_t *src, int32_t srclen, uint8_t *dst,    \
                                               int32_t dstlen, int32_t *consumed,                   \
                                               int32_t *produced) {                                 \
-        return comn::to_utf8<comn::set_##set>(src, srclen, dst, dstlen, consumed, produced);       \
+        return comn::translate<comn::ToUtf8<comn::set_##set>>(src, srclen, dst, dstlen, consumed,  \
+                                                              produced);                           \
     }
 COMN_XLT_TO_UTF8(COMN_TO_UTF8_ENTRY)
 #undef COMN_TO_UTF8_ENTRY

@@ -260,6 +260,17 @@ def check_translation(lib, rng):
             units = to_set(utf8_units(rng, chars, 200), codec, deck)
             total = sum(len(u[1]) for u in units)
             check_units(lib, "utf8", name, units, "long text", range(total - 30, total + 9))
+        # long runs of the set's own characters with now and then another character or an
+        # ill-formed piece: 16-byte blocks of ASCII and two-byte characters, a character
+        # across two blocks, and the blocks beside the odd ones
+        for _ in range(4):
+            units = []
+            for _ in range(400):
+                units += (utf8_units(rng, chars, 1) if rng.random() < 0.02
+                          else [rng.choice(chars)[1].encode("utf-8")])
+            units = to_set(units, codec, deck)
+            total = sum(len(u[1]) for u in units)
+            check_units(lib, "utf8", name, units, "long run", range(total - 20, total + 2))
         # a Japanese character cut by the end of the source is left for the next call
         if name in JAPANESE:
             for raw, _ in chars[-3:]:
