@@ -11,3 +11,8 @@ if(Python3_Interpreter_FOUND)
             $<TARGET_FILE:comn_convert_oracle_driver>)
   set_tests_properties(convert_cross_decimal_oracle PROPERTIES LABELS convert)
 endif()
+
+# The table test opens the shared library to find each routine the default table names.
+target_compile_definitions(comn_convert_tests PRIVATE COMN_SHARED_LIB="$<TARGET_FILE:comn>")
+target_link_libraries(comn_convert_tests PRIVATE ${CMAKE_DL_LIBS})
+add_dependencies(comn_convert_tests comn)

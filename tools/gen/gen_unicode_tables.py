@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Generates src/intl/unicode_tables.h: the Unicode code points of the characters of the
+"""Generates src/intl/xlate/unicode_tables.h: the Unicode code points of the characters of the
 shipped sets, from which translation to and from utf8 derives its tables at compile time.
 
   Sb_ucs[set][b - 0x80]   the code point of byte b (80-FF) of iso_1, cp850, cp437, roman8 and
@@ -20,7 +20,7 @@ import os
 import sys
 
 ROOT = os.path.normpath(os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", ".."))
-OUT = os.path.join(ROOT, "src", "intl", "unicode_tables.h")
+OUT = os.path.join(ROOT, "src", "intl", "xlate", "unicode_tables.h")
 
 SINGLE_BYTE = [("iso_1", "latin-1"), ("cp850", "cp850"), ("cp437", "cp437"),
                ("roman8", "hp-roman8"), ("mac", "mac-roman")]

@@ -171,7 +171,7 @@ extern "C" {
 
 const ComConvFunc Com__cnvrt_array[COMN_CONV_DIM * COMN_CONV_DIM] = {
 #define COMN_CELL_(i) kDefaultTable[i]
-#include "core/conv_table_cells.inc"
+#include "convert/conv_table_cells.inc"
 #undef COMN_CELL_
 };
 

@@ -10,7 +10,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "intl/reader_internal.h"
+#include "intl/reader/reader_internal.h"
 
 struct IntlFile {
     char *buf; // size + 1 bytes, so a terminator always fits
