@@ -5,8 +5,7 @@
 // The division and the store of its result are forced inline (schoolbook_div in wide.h as
 // well): across a call the four-limb words pass through memory, which cost about a
 // nanosecond per call boundary on a 30 ns division.
-#ifndef COMN_NUMERIC_FIXED_WIDTH_H
-#define COMN_NUMERIC_FIXED_WIDTH_H
+#pragma once
 
 #include <cstring>
 #if defined(__x86_64__)
@@ -350,5 +349,3 @@ inline U256 half_of(const U256 &v) {
 }
 
 } // namespace comn::fixed
-
-#endif

@@ -84,8 +84,7 @@ def main():
         "// Unicode code points of the characters of the shipped sets (0: no character):",
         "// bytes 80-FF of the single-byte sets, and the JIS X 0208 and JIS X 0212 grids of 94",
         "// rows by 94 cells. Translation to and from utf8 derives its tables from these.",
-        "#ifndef COMN_INTL_UNICODE_TABLES_H",
-        "#define COMN_INTL_UNICODE_TABLES_H",
+        "#pragma once",
         "",
         "#include <array>",
         "#include <cstdint>",
@@ -103,7 +102,7 @@ def main():
         lines += ["inline constexpr std::array<uint16_t, 94 * 94> %s = {{" % name]
         lines += rows(plane, 4, 94 // 2)
         lines += ["}};", ""]
-    lines += ["} // namespace comn", "", "#endif", ""]
+    lines += ["} // namespace comn", ""]
     with open(OUT, "w") as f:
         f.write("\n".join(lines))
     return 0
