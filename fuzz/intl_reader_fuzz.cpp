@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "intl/reader_internal.h"
+#include "intl/reader/reader_internal.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     IntlFile *f = nullptr;

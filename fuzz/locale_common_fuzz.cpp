@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "intl/reader_internal.h"
+#include "intl/reader/reader_internal.h"
 
 namespace {
 

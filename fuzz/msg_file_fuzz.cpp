@@ -6,7 +6,7 @@
 #include <cstdlib>
 
 #include "comnlib.h"
-#include "intl/reader_internal.h"
+#include "intl/reader/reader_internal.h"
 #include "msg/msg_internal.h"
 
 namespace {

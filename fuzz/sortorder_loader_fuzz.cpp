@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "intl/charset_internal.h"
-#include "intl/reader_internal.h"
+#include "intl/ctype/charset_internal.h"
+#include "intl/reader/reader_internal.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     IntlFile *f = nullptr;

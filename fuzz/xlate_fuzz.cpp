@@ -6,7 +6,7 @@
 // lengths. Translation to utf8 must write well-formed UTF-8, and from utf8, when nothing was
 // replaced, must give back the text it took when translated back.
 #include <comnlib.h>
-#include "intl/xlate_dispatch.h"
+#include "intl/xlate/xlate_dispatch.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -6,6 +6,7 @@
 #define COMNLIB_H
 
 #include "comnlib/types.h"
+#include "comnlib/context.h"
 #include "comnlib/convert.h"
 #include "comnlib/money.h"
 #include "comnlib/numeric.h"

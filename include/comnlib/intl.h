@@ -4,6 +4,7 @@
 #define COMNLIB_INTL_H
 
 #include "types.h"
+#include "context.h" /* comn_ctx_setup and comn_ctx_teardown, for callers of this header alone */
 
 COMN_BEGIN_DECLS
 
@@ -177,17 +178,6 @@ COMN_API int32_t comn_loc_drop(ComContext *ctx, LocaleHandle *locale);
 COMN_API int32_t comn_loc_drop_all(ComContext *ctx);
 COMN_API int32_t comn_loc_validate(ComContext *ctx, const LocaleHandle *locale);
 COMN_API int32_t comn_loc_copy(LocaleHandle *dest, const LocaleHandle *src);
-
-/* Context start-up and tear-down. comn_ctx_setup fills a zero-filled context: conversion
-   table, null values, then the default locale named by the environment (LC_ALL, else LANG,
-   else "default"), which becomes ctx->conv.default_locale, a handle owned by the context and
-   kept out of its handle list; last this library's message file "cslib.loc" of that locale
-   when the locale has one. Returns 1, or the first failing step's status after undoing the
-   steps before it. comn_ctx_teardown releases, in reverse order, the handles, the default
-   handle, the locale cache with its message caches, the character set descriptions, the null
-   values and the conversion table, leaving the context zero-filled in those parts. */
-COMN_API int32_t comn_ctx_setup(ComContext *ctx);
-COMN_API void comn_ctx_teardown(ComContext *ctx);
 
 /* ---- Platform reader: installation home, environment, sectioned text files ----
    The file syntax is described in docs/intl_files.md. Strings handed out by the reader stay

@@ -11,8 +11,7 @@
  * manager's access lock, the manager list by the global mutex, the carried status by the
  * handle's mutex whenever a chain is suspended.
  */
-#ifndef COMN_ASYNC_INTERNAL_H
-#define COMN_ASYNC_INTERNAL_H
+#pragma once
 
 #include <comnlib/async.h>
 
@@ -175,5 +174,3 @@ void free_handle(ComAsyncHandle *h);
 int32_t run_stack(ComAsyncHandle *h);
 
 } // namespace comn::async
-
-#endif

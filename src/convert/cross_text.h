@@ -2,8 +2,7 @@
 // destination. The text has been formatted into a small area of the caller's; these routines
 // only copy it and apply the destination's flags, and never write past the destination's
 // maxlength or the varchar frame.
-#ifndef COMN_CONVERT_CROSS_TEXT_H
-#define COMN_CONVERT_CROSS_TEXT_H
+#pragma once
 
 #include <algorithm>
 #include <cstring>
@@ -47,5 +46,3 @@ inline int32_t put_vartext_error(int32_t code, void *dest, int32_t *destlen) {
 }
 
 } // namespace comn::cross
-
-#endif

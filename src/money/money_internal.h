@@ -1,8 +1,7 @@
 // Private helpers shared by the money sources: moving between the two-word MoneyValue and a
 // native 64-bit integer, the client and old entry points generated from the internal ones,
 // and the built-in character rules the text parser falls back on.
-#ifndef COMN_SRC_MONEY_INTERNAL_H
-#define COMN_SRC_MONEY_INTERNAL_H
+#pragma once
 
 #include <bit>
 #include <cstddef>
@@ -71,5 +70,3 @@ constexpr bool mny_fits4(int64_t v) {
     extern "C" COMN_API void old params {                                                          \
         internal args;                                                                             \
     }
-
-#endif

@@ -1,8 +1,7 @@
 // Helpers shared by the exact-numeric files: reading and writing the magnitude behind an
 // ExactNumericRef as a wide natural number, and the one place that decides how a result is
 // rounded and fitted into its destination.
-#ifndef COMN_NUMERIC_DESCRIPTOR_H
-#define COMN_NUMERIC_DESCRIPTOR_H
+#pragma once
 
 #include <array>
 
@@ -75,5 +74,3 @@ int32_t div(const ExactNumericRef *a, const ExactNumericRef *b, ExactNumericRef 
 int32_t rescale(const NumericValue &src, int32_t precision, int32_t scale, NumericValue *dst);
 
 } // namespace comn::nume
-
-#endif

@@ -4,8 +4,7 @@
 // general loops of wide.h. Shared by the signed operations and the client operations.
 // The division and the store of its result are forced inline (schoolbook_div in wide.h as
 // well): across a call the four-limb words would pass through memory.
-#ifndef COMN_NUMERIC_FIXED_WIDTH_H
-#define COMN_NUMERIC_FIXED_WIDTH_H
+#pragma once
 
 #include <cstring>
 #if defined(__x86_64__)
@@ -349,5 +348,3 @@ inline U256 half_of(const U256 &v) {
 }
 
 } // namespace comn::fixed
-
-#endif

@@ -4,8 +4,7 @@
 // 64-bit limbs, least significant first, with 128-bit intermediate products. Intermediates
 // stay below 10^232 (a 77-digit value shifted by up to 154 digits for division), so a fixed
 // capacity of 16 limbs (1024 bits) always suffices and nothing allocates.
-#ifndef COMN_NUMERIC_WIDE_H
-#define COMN_NUMERIC_WIDE_H
+#pragma once
 
 #include <bit>
 #include <cstdint>
@@ -678,5 +677,3 @@ inline int bit_length(const Nat &x) {
 }
 
 } // namespace comn::wide
-
-#endif

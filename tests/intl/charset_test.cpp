@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "comnlib.h"
-#include "intl/charset_internal.h"
+#include "intl/ctype/charset_internal.h"
 #include "intl_test_util.h"
 
 namespace {

@@ -7,7 +7,7 @@
 #include <cstring>
 
 #include "comnlib.h"
-#include "intl/locale_internal.h"
+#include "intl/locale/locale_internal.h"
 #include "locale_test_util.h"
 
 namespace {

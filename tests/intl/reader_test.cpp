@@ -6,7 +6,7 @@
 #include <string>
 
 #include "comnlib.h"
-#include "intl/reader_internal.h"
+#include "intl/reader/reader_internal.h"
 #include "intl_test_util.h"
 
 namespace {

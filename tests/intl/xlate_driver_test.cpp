@@ -1,7 +1,7 @@
 // The translation driver once a pair is decided: framing of CS_VARCHAR values, the plain copy
 // (including its copy from the caller's source address), state words and result mapping.
 #include <comnlib.h>
-#include "intl/xlate_dispatch.h"
+#include "intl/xlate/xlate_dispatch.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,7 @@
 // The inline forms of money addition and subtraction that the including file's settings
 // select, checked against the routines they stand in for over the extremes, the word
 // boundaries and random values. Internal linkage: each including file checks its own forms.
-#ifndef COMN_TESTS_INLINE_ADDSUB_CHECK_H
-#define COMN_TESTS_INLINE_ADDSUB_CHECK_H
+#pragma once
 
 #include <gtest/gtest.h>
 
@@ -53,5 +52,3 @@ static void check_inline_addsub() {
 #undef COMN_CHECK4_
         }
 }
-
-#endif

@@ -1,6 +1,5 @@
 // Test helpers: exact numerics built from and read back into 128-bit integers.
-#ifndef COMN_TESTS_NUM_HELPERS_H
-#define COMN_TESTS_NUM_HELPERS_H
+#pragma once
 
 #include <cstdint>
 #include <cstring>
@@ -76,5 +75,3 @@ inline std::string text_of(const NumericValue &v) {
 }
 
 } // namespace numtest
-
-#endif

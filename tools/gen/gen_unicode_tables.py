@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Generates src/intl/unicode_tables.h: the Unicode code points of the characters of the
+"""Generates src/intl/xlate/unicode_tables.h: the Unicode code points of the characters of the
 shipped sets, from which translation to and from utf8 derives its tables at compile time.
 
   Sb_ucs[set][b - 0x80]   the code point of byte b (80-FF) of iso_1, cp850, cp437, roman8 and
@@ -20,7 +20,7 @@ import sys
 
 from gen_output import emit, parse_args
 
-OUT = "src/intl/unicode_tables.h"
+OUT = "src/intl/xlate/unicode_tables.h"
 
 SINGLE_BYTE = [("iso_1", "latin-1"), ("cp850", "cp850"), ("cp437", "cp437"),
                ("roman8", "hp-roman8"), ("mac", "mac-roman")]
@@ -85,8 +85,7 @@ def main(argv):
         "// Unicode code points of the characters of the shipped sets (0: no character):",
         "// bytes 80-FF of the single-byte sets, and the JIS X 0208 and JIS X 0212 grids of 94",
         "// rows by 94 cells. Translation to and from utf8 derives its tables from these.",
-        "#ifndef COMN_INTL_UNICODE_TABLES_H",
-        "#define COMN_INTL_UNICODE_TABLES_H",
+        "#pragma once",
         "",
         "#include <array>",
         "#include <cstdint>",
@@ -104,7 +103,7 @@ def main(argv):
         lines += ["inline constexpr std::array<uint16_t, 94 * 94> %s = {{" % name]
         lines += rows(plane, 4, 94 // 2)
         lines += ["}};", ""]
-    lines += ["} // namespace comn", "", "#endif", ""]
+    lines += ["} // namespace comn", ""]
     return emit({OUT: "\n".join(lines).encode("ascii")}, check_only, root)
 
 

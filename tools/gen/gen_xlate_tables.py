@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Generates src/intl/xlate_single_tables.h: the byte-to-byte tables of the twenty
+"""Generates src/intl/xlate/xlate_single_tables.h: the byte-to-byte tables of the twenty
 translations between the single-byte sets iso_1, cp850, cp437, roman8 and mac.
 
 Byte b (80-FF) of a set translates to the byte of the other set that Python's codecs give for
@@ -14,7 +14,7 @@ import sys
 
 from gen_output import emit, parse_args
 
-OUT = "src/intl/xlate_single_tables.h"
+OUT = "src/intl/xlate/xlate_single_tables.h"
 
 SETS = {"iso1": "latin-1", "cp850": "cp850", "cp437": "cp437", "roman8": "hp-roman8",
         "mac": "mac-roman"}
@@ -96,8 +96,7 @@ def render(tabs):
         "// Byte-to-byte tables of the single-byte translations: Xlt_<from>_to_<to>[b - 0x80] is",
         "// the byte that byte b (80-FF) of the set <from> becomes in <to>, 0 when it has no",
         "// counterpart. Bytes below 80 are ASCII in every set and pass unchanged.",
-        "#ifndef COMN_INTL_XLATE_SINGLE_TABLES_H",
-        "#define COMN_INTL_XLATE_SINGLE_TABLES_H",
+        "#pragma once",
         "",
         "#include <cstdint>",
         "",
@@ -109,7 +108,7 @@ def render(tabs):
         for at in range(0, 128, 16):
             lines.append("    " + " ".join("0x%02X," % v for v in table[at:at + 16]))
         lines += ["};", ""]
-    lines += ["} // namespace comn", "", "#endif", ""]
+    lines += ["} // namespace comn", ""]
     return "\n".join(lines).encode("ascii")
 
 

@@ -10,7 +10,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "intl/reader_internal.h"
+#include "intl/reader/reader_internal.h"
 #include "core/alloc.h"
 
 struct IntlFile {

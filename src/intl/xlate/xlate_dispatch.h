@@ -4,8 +4,7 @@
 //
 // The lookup and the resolution are inline: the public driver runs them once per value, and
 // for a value of a few bytes their cost is of the order of the translation itself.
-#ifndef COMN_INTL_XLATE_DISPATCH_H
-#define COMN_INTL_XLATE_DISPATCH_H
+#pragma once
 
 #include <comnlib/intl.h>
 
@@ -69,5 +68,3 @@ int32_t xlate_run(int32_t mode, ComXlateFunc func, const DataFormat *srcfmt, con
                   const DataFormat *destfmt, void *dest, int32_t *outlen, int32_t *state);
 
 } // namespace comn
-
-#endif

@@ -1,8 +1,7 @@
 // The byte arithmetic of the Japanese sets over JIS X 0208's grid of 94 rows by 94 cells
 // (see xlate_japanese.cpp for the three encodings), shared by the converters between the
 // Japanese sets and those between them and utf8.
-#ifndef COMN_INTL_JIS_CODES_H
-#define COMN_INTL_JIS_CODES_H
+#pragma once
 
 #include <array>
 #include <cstdint>
@@ -79,5 +78,3 @@ constexpr void jis_to_sjis(unsigned &c1, unsigned &c2) {
 }
 
 } // namespace comn::jis
-
-#endif

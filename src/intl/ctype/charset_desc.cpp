@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "intl/charset_internal.h"
+#include "intl/ctype/charset_internal.h"
 #include "intl/intl_internal.h"
 #include "core/alloc.h"
 

@@ -2,8 +2,7 @@
 // Unicode code points of the characters of the shipped sets (0: no character):
 // bytes 80-FF of the single-byte sets, and the JIS X 0208 and JIS X 0212 grids of 94
 // rows by 94 cells. Translation to and from utf8 derives its tables from these.
-#ifndef COMN_INTL_UNICODE_TABLES_H
-#define COMN_INTL_UNICODE_TABLES_H
+#pragma once
 
 #include <array>
 #include <cstdint>
@@ -448,5 +447,3 @@ inline constexpr std::array<uint16_t, 94 * 94> Jis0212_ucs = {{
 }};
 
 } // namespace comn
-
-#endif

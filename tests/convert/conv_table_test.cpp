@@ -10,7 +10,7 @@
 namespace {
 
 const char *const kExpected[24][24] = {
-#include "core/expected_conv_table.inc"
+#include "convert/expected_conv_table.inc"
 };
 
 class ConvTable : public testing::Test {

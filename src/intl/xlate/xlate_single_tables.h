@@ -2,8 +2,7 @@
 // Byte-to-byte tables of the single-byte translations: Xlt_<from>_to_<to>[b - 0x80] is
 // the byte that byte b (80-FF) of the set <from> becomes in <to>, 0 when it has no
 // counterpart. Bytes below 80 are ASCII in every set and pass unchanged.
-#ifndef COMN_INTL_XLATE_SINGLE_TABLES_H
-#define COMN_INTL_XLATE_SINGLE_TABLES_H
+#pragma once
 
 #include <cstdint>
 
@@ -230,5 +229,3 @@ inline constexpr uint8_t Xlt_mac_to_roman8[128] = {
 };
 
 } // namespace comn
-
-#endif

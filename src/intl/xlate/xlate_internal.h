@@ -1,8 +1,7 @@
 // Shared frame of the translation converters: every converter works over the shorter of the
 // source length and the destination size (negative lengths count as 0) and reports a short
 // destination with COM_XLT_TRUNCATED.
-#ifndef COMN_INTL_XLATE_INTERNAL_H
-#define COMN_INTL_XLATE_INTERNAL_H
+#pragma once
 
 #include <comnlib/intl.h>
 
@@ -23,5 +22,3 @@ constexpr XlateSpan xlate_span(int32_t srclen, int32_t dstlen) {
 }
 
 } // namespace comn
-
-#endif

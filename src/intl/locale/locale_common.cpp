@@ -10,7 +10,7 @@
 
 #include "comnlib/datetime.h"
 #include "intl/intl_internal.h"
-#include "intl/locale_internal.h"
+#include "intl/locale/locale_internal.h"
 
 namespace comn {
 namespace {

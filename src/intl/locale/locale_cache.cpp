@@ -7,7 +7,7 @@
 #include <cstring>
 
 #include "comnlib/msg.h"
-#include "intl/locale_internal.h"
+#include "intl/locale/locale_internal.h"
 
 namespace comn {
 

@@ -6,10 +6,11 @@
 // message cache goes with the locale record that holds it.
 #include <cstdlib>
 
+#include "comnlib/context.h"
 #include "comnlib/convert.h"
 #include "comnlib/intl.h"
 #include "comnlib/msg.h"
-#include "intl/locale_internal.h"
+#include "intl/locale/locale_internal.h"
 
 namespace comn {
 namespace {

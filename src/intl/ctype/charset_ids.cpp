@@ -2,7 +2,7 @@
 // library's own set beside the traditional ones.
 #include <cstring>
 
-#include "intl/charset_internal.h"
+#include "intl/ctype/charset_internal.h"
 
 namespace comn {
 namespace {

@@ -9,8 +9,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "intl/charset_internal.h"
-#include "intl/table_rows.h"
+#include "intl/ctype/charset_internal.h"
+#include "intl/ctype/table_rows.h"
 #include "core/alloc.h"
 
 namespace comn {

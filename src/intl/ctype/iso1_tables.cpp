@@ -9,7 +9,7 @@
 #include <array>
 #include <cstdint>
 
-#include "intl/charattr_internal.h"
+#include "intl/ctype/charattr_internal.h"
 
 namespace comn {
 namespace {

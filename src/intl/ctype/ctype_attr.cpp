@@ -3,7 +3,7 @@
 // are reached through the width map (byte length) and the two-level type map.
 #include <cstring>
 
-#include "intl/charattr_internal.h"
+#include "intl/ctype/charattr_internal.h"
 
 namespace comn {
 namespace {

@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "intl/locale_internal.h"
+#include "intl/locale/locale_internal.h"
 
 namespace comn {
 namespace {
