@@ -157,9 +157,9 @@ COMN_API int32_t com__err_load_sections(ComContext *ctx, struct IntlFile *handle
                                         ComMsgCache *cache, ComErrFile *file,
                                         const ComErrSection *sections, int32_t section_count,
                                         const ComErrKey *preloads, int32_t preload_count);
-COMN_API int32_t com__err_load_errors(ComContext *ctx, struct IntlFile *handle,
-                                      ComMsgCache *cache, ComErrSect *section,
-                                      const ComErrKey *preloads, int32_t preload_count);
+COMN_API int32_t com__err_load_errors(ComContext *ctx, struct IntlFile *handle, ComMsgCache *cache,
+                                      ComErrSect *section, const ComErrKey *preloads,
+                                      int32_t preload_count);
 /* Adds an entry (evicting the oldest loaded one when the cache is full). */
 COMN_API int32_t com__update_cache(ComMsgCache *cache, ComErrSect *section, int32_t number,
                                    const char *sqlstate, const char *text);
@@ -175,13 +175,13 @@ COMN_API void com__msgcache_drop(ComMsgCache *cache);
    A message number: bits 31..24 the layer, 23..16 the origin (COM_ORIGIN_INTL: an error of
    the internationalisation library, whose status is the negated low byte), 15..8 the section
    of this library's message files, 7..0 the number within the section. */
-#define COM_ERRNUM(layer, origin, section, number)                                                \
-    ((uint32_t)(layer) << 24 | (uint32_t)(origin) << 16 | (uint32_t)(section) << 8 |             \
+#define COM_ERRNUM(layer, origin, section, number)                                                 \
+    ((uint32_t)(layer) << 24 | (uint32_t)(origin) << 16 | (uint32_t)(section) << 8 |               \
      (uint32_t)(number))
 #define COM_ERR_LAYER(n) ((int32_t)(((uint32_t)(n) >> 24) & 0xff))
 #define COM_ERR_ORIGIN(n) ((int32_t)(((uint32_t)(n) >> 16) & 0xff))
 #define COM_ERR_SECTION(n) ((int32_t)(((uint32_t)(n) >> 8) & 0xff))
-#define COM_ERR_NUMBER(n) ((int32_t)((uint32_t)(n) & 0xff))
+#define COM_ERR_NUMBER(n) ((int32_t)((uint32_t)(n)&0xff))
 #define COM_ORIGIN_INTL 5
 
 /* Sections of this library's message files: id and name in the file. Sections 1 to 3 hold
@@ -302,16 +302,15 @@ COMN_API extern const ComMsgFailure Msgfailures[5];
    notrunc set, a short buf gives CS_FAIL, nothing written and the needed length in *outlen;
    otherwise the text is cut to buflen. */
 COMN_API int32_t com_notrunc_errmsg(ComContext *ctx, ComErrCtx *errctx, uint32_t msgnum,
-                                    const ComErrParams *params, const char *msgtext,
-                                    int32_t msglen, int32_t section, int32_t notrunc, char *buf,
-                                    int32_t buflen, int32_t *outlen);
+                                    const ComErrParams *params, const char *msgtext, int32_t msglen,
+                                    int32_t section, int32_t notrunc, char *buf, int32_t buflen,
+                                    int32_t *outlen);
 COMN_API int32_t com_build_errmsg(ComContext *ctx, ComErrCtx *errctx, uint32_t msgnum,
                                   const ComErrParams *params, const char *msgtext, int32_t msglen,
                                   int32_t section, char *buf, int32_t buflen, int32_t *outlen);
 /* One entry's text, or the fallback text for fallback number (never fails). */
 COMN_API int32_t com__get_errstr(ComContext *ctx, ComErrCtx *errctx, int32_t section,
-                                 int32_t number, int32_t fallback, const char **text,
-                                 int32_t *len);
+                                 int32_t number, int32_t fallback, const char **text, int32_t *len);
 /* The localized fallback text (section 1), else the Msgfailures text. */
 COMN_API int32_t com__get_failerr(ComContext *ctx, ComErrCtx *errctx, int32_t fallback,
                                   const char **text);
@@ -329,7 +328,6 @@ COMN_API void com__copy_bytes(char **dest, int32_t *room, const char *src, int32
    bytes written. */
 COMN_API int32_t com__fill_climsg(char *buf, int32_t buflen, const char *const pieces[4],
                                   const int32_t lens[4]);
-
 
 /* ---- Version ---- */
 

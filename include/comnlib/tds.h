@@ -68,6 +68,7 @@ COMN_API int32_t com_tds_version_map(uint8_t *bytes, void *unused, int32_t *vers
 #define COM_TDS_VALUE_END (-1)
 #define COM_TDS_BIT_END 0x70000000
 
+/* clang-format off */
 /* 0: aggregate operators of compute rows. */
 #define COM_TDS_ALTOP_PAIRS(X)                                                                     \
     X(COM_OP_COUNT, 1, 0x4B)                                                                       \
@@ -198,6 +199,7 @@ COMN_API int32_t com_tds_version_map(uint8_t *bytes, void *unused, int32_t *vers
             X(COM_ROW_IDENTITY, 0x40, 0x40) X(COM_ROW_PADCHAR, 0x80, 0x80)
 
 /* The maps by index: X(index, table name, pairs list, kind: 1 value map, 0 bit map). */
+/* clang-format on */
 #define COM_TDS_MAPS(X)                                                                            \
     X(0, Com__tds_altop_map, COM_TDS_ALTOP_PAIRS, 1)                                               \
     X(1, Com__tds_captype_map, COM_TDS_CAPTYPE_PAIRS, 1)                                           \

@@ -90,8 +90,8 @@ COMN_BEGIN_DECLS
    expressions (a routine may return a status or a conversion code). */
 #define COMN_ENUM_ROW_(name, value) name = (value),
 enum {
-    COMN_DATATYPES(COMN_ENUM_ROW_) COMN_STATUS_CODES(COMN_ENUM_ROW_)
-        COMN_CONV_CODES(COMN_ENUM_ROW_) COMN_DATATYPE_COUNT = 0 COMN_DATATYPES(COMN_COUNT_ROW_)
+    COMN_DATATYPES(COMN_ENUM_ROW_) COMN_STATUS_CODES(COMN_ENUM_ROW_) COMN_CONV_CODES(COMN_ENUM_ROW_)
+        COMN_DATATYPE_COUNT = 0 COMN_DATATYPES(COMN_COUNT_ROW_)
 };
 
 /* Localisation routines report a failure of the platform reader with this status, after
@@ -155,10 +155,10 @@ typedef struct DataFormat {
     char name[CS_MAX_NAME];
     int32_t namelen;
     int32_t datatype;
-    uint32_t format;      /* CS_FMT_ flags */
-    int32_t maxlength;    /* source: bytes in the value; destination: buffer size */
-    int32_t scale;        /* exact numerics: 0..77 or CS_SRC_VALUE */
-    int32_t precision;    /* exact numerics: 1..77 or CS_SRC_VALUE */
+    uint32_t format;   /* CS_FMT_ flags */
+    int32_t maxlength; /* source: bytes in the value; destination: buffer size */
+    int32_t scale;     /* exact numerics: 0..77 or CS_SRC_VALUE */
+    int32_t precision; /* exact numerics: 1..77 or CS_SRC_VALUE */
     uint32_t status;
     int32_t count;
     int32_t usertype;
@@ -226,8 +226,8 @@ typedef struct ConvContext {
     struct LocaleHandle *default_locale; /* used when a format carries no locale */
     ComConvFunc *conv_table;             /* conv_dim x conv_dim routines, owned */
     uint32_t conv_dim;
-    struct UserConvEntry *user_convs;    /* user conversions for ids >= 24, owned */
-    struct NullEntry *null_values;       /* null substitution values per datatype id, owned */
+    struct UserConvEntry *user_convs; /* user conversions for ids >= 24, owned */
+    struct NullEntry *null_values;    /* null substitution values per datatype id, owned */
 } ConvContext;
 
 /* Context flag bits. */
@@ -239,23 +239,23 @@ typedef struct ConvContext {
  */
 struct ComContext {
     ConvContext conv;
-    int32_t null_count;                  /* 24 once null values are initialised, else 0 */
-    struct UserNullEntry *user_nulls;    /* null values of user types, owned */
+    int32_t null_count;               /* 24 once null values are initialised, else 0 */
+    struct UserNullEntry *user_nulls; /* null values of user types, owned */
 
     /* Localisation area. */
-    struct LocaleRecord *loc_cache;      /* cached locale records, newest first */
-    struct ComCharsetDesc *charset_descs;/* character set and sort order descriptions */
-    struct LocaleHandle *loc_handles;    /* handles handed out, newest first */
+    struct LocaleRecord *loc_cache;       /* cached locale records, newest first */
+    struct ComCharsetDesc *charset_descs; /* character set and sort order descriptions */
+    struct LocaleHandle *loc_handles;     /* handles handed out, newest first */
     struct LocaleHandle *current_locale;
-    void *loc_buffer;                    /* scratch owned for locale use, freed by comn_loc_drop_all */
+    void *loc_buffer; /* scratch owned for locale use, freed by comn_loc_drop_all */
 
-    struct ComErrFile *err_files;        /* message files loaded for this context */
-    int32_t intl_status;                 /* last failure status of the platform reader */
+    struct ComErrFile *err_files; /* message files loaded for this context */
+    int32_t intl_status;          /* last failure status of the platform reader */
 
-    ComCtxLockFunc lock;                 /* optional: guard the locale-handle list */
+    ComCtxLockFunc lock; /* optional: guard the locale-handle list */
     ComCtxLockFunc unlock;
-    uint32_t flags;                      /* COM_CTX_ bits */
-    void *user_data;                     /* the calling layer's own */
+    uint32_t flags;  /* COM_CTX_ bits */
+    void *user_data; /* the calling layer's own */
 };
 
 /* Natural storage length of a datatype: fixed types give their size, others len. */

@@ -3,8 +3,8 @@
 // Calendar: proleptic Gregorian, 1 January 1753 (days -53690) to 31 December 9999 (days
 // 2958463), day 0 = Monday 1 January 1900. Cracking estimates the year from the mean year
 // length and corrects it by at most one year against the leap days before it; the month is
-// found from the day of the year with one table probe. The ISO week-numbering parts take Monday as the first day and the
-// week holding the first Thursday as week 1.
+// found from the day of the year with one table probe. The ISO week-numbering parts take Monday as
+// the first day and the week holding the first Thursday as week 1.
 #include "calendar.h"
 
 namespace comn {

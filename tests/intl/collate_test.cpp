@@ -167,7 +167,8 @@ TEST(Collate, CommonPrefixIsNeutral) {
     const uint8_t *t = o.table("iso_1", "dict");
     ASSERT_NE(t, nullptr);
     std::mt19937 rng(11);
-    const std::string alphabet = "cChHa \xe6\xdf\xe9" "e";
+    const std::string alphabet = "cChHa \xe6\xdf\xe9"
+                                 "e";
     auto word = [&](int max) {
         std::string s;
         for (int n = rng() % max; n > 0; --n)

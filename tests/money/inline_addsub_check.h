@@ -32,13 +32,14 @@ static void check_inline_addsub() {
         const int32_t ci = name(&a, &b, &di), cr = (name)(&a, &b, &dr);                            \
         ASSERT_TRUE(same(ci, di, cr, dr)) << #name << " " << x << " " << y;                        \
     }
-            COMN_CHECK_(com__mnyadd)
-            COMN_CHECK_(comn_mnyadd)
-            COMN_CHECK_(com_mnyadd)
-            COMN_CHECK_(com__mnysub) COMN_CHECK_(comn_mnysub) COMN_CHECK_(com_mnysub)
+            COMN_CHECK_(com__mnyadd);
+            COMN_CHECK_(comn_mnyadd);
+            COMN_CHECK_(com_mnyadd);
+            COMN_CHECK_(com__mnysub);
+            COMN_CHECK_(comn_mnysub);
+            COMN_CHECK_(com_mnysub);
 #undef COMN_CHECK_
-                const Money4Value a4{static_cast<int32_t>(x >> 32)},
-                b4{static_cast<int32_t>(y >> 32)};
+            const Money4Value a4{static_cast<int32_t>(x >> 32)}, b4{static_cast<int32_t>(y >> 32)};
             Money4Value ei, er;
 #define COMN_CHECK4_(name)                                                                         \
     {                                                                                              \
