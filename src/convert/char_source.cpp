@@ -70,24 +70,19 @@ struct D_i4 {
     }
 };
 using D_i8 = D_i4; // the platform long is 32 bits
-struct D_i2 {
-    static constexpr int32_t size = 2;
+// Tinyint and smallint keep the wrapped low bits of an out-of-range value (see int_scan.h).
+template <typename T, int32_t (*Narrow)(int32_t, int32_t, T *)>
+struct D_narrow {
+    static constexpr int32_t size = sizeof(T);
     static int32_t finish(int32_t rc, int32_t v, void *dest) {
-        int16_t n;
-        rc = intscan::narrow_i2(rc, v, &n);
+        T n;
+        rc = Narrow(rc, v, &n);
         store(dest, n);
         return rc;
     }
 };
-struct D_i1 {
-    static constexpr int32_t size = 1;
-    static int32_t finish(int32_t rc, int32_t v, void *dest) {
-        uint8_t n;
-        rc = intscan::narrow_i1(rc, v, &n);
-        store(dest, n);
-        return rc;
-    }
-};
+using D_i2 = D_narrow<int16_t, intscan::narrow_i2>;
+using D_i1 = D_narrow<uint8_t, intscan::narrow_i1>;
 struct D_bit {
     static constexpr int32_t size = 1;
     static int32_t finish(int32_t rc, int32_t v, void *dest) {

@@ -67,6 +67,16 @@ void store(T *out, T v) {
 
 } // namespace
 
+// A 32-bit scan narrowed to a tinyint or smallint; the narrowed value is always stored.
+template <auto Narrow, typename T>
+int32_t scan_narrow(const char *text, int32_t len, T *out, const CharAttrib *attr) {
+    int32_t v = 0;
+    T n;
+    const int32_t rc = Narrow(com__chtoi4_mb(text, len, &v, attr), v, &n);
+    store(out, n);
+    return rc;
+}
+
 extern "C" {
 
 COMN_API int32_t com__chtoi4_mb(const char *text, int32_t len, int32_t *out,
@@ -87,19 +97,11 @@ COMN_API int32_t com__chtoi8_mb(const char *text, int32_t len, int32_t *out,
 
 COMN_API int32_t com__chtoi2_mb(const char *text, int32_t len, int16_t *out,
                                 const CharAttrib *attr) {
-    int32_t v = 0;
-    int16_t n;
-    const int32_t rc = narrow_i2(com__chtoi4_mb(text, len, &v, attr), v, &n);
-    store(out, n);
-    return rc;
+    return scan_narrow<narrow_i2>(text, len, out, attr);
 }
 
 COMN_API int32_t com__chtoi1_mb(const char *text, int32_t len, uint8_t *out,
                                 const CharAttrib *attr) {
-    int32_t v = 0;
-    uint8_t n;
-    const int32_t rc = narrow_i1(com__chtoi4_mb(text, len, &v, attr), v, &n);
-    store(out, n);
-    return rc;
+    return scan_narrow<narrow_i1>(text, len, out, attr);
 }
 }
