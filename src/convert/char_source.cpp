@@ -99,7 +99,8 @@ struct D_bit {
 }
 
 template <typename S, typename D>
-int32_t to_integer(ComContext *ctx, DataFormat *srcfmt, void *src, void *dest, int32_t *destlen) {
+int32_t to_integer(ComContext *ctx, DataFormat *srcfmt, void *src, DataFormat *, void *dest,
+                   int32_t *destlen) {
     const Text t = S::text(srcfmt, src);
     *destlen = D::size;
     const auto *p = reinterpret_cast<const uint8_t *>(t.p);
@@ -168,8 +169,10 @@ int32_t store_float(double v, void *dest) {
     return CS_SUCCEED;
 }
 
-template <typename F>
-int32_t to_float(ComContext *ctx, DataFormat *srcfmt, const Text &t, void *dest, int32_t *destlen) {
+template <typename S, typename F>
+int32_t to_float(ComContext *ctx, DataFormat *srcfmt, void *src, DataFormat *, void *dest,
+                 int32_t *destlen) {
+    const Text t = S::text(srcfmt, src);
     constexpr double kFltMax = std::numeric_limits<float>::max();
     if (t.n > kBuf - 1) {
         *destlen = 0;
@@ -292,7 +295,8 @@ struct P_date4 {
 // Money parsers answer arithmetic codes; date parsers a negative code for text they cannot
 // read and a positive one for a value out of range.
 template <typename S, typename P>
-int32_t to_parsed(ComContext *ctx, DataFormat *srcfmt, void *src, void *dest, int32_t *destlen) {
+int32_t to_parsed(ComContext *ctx, DataFormat *srcfmt, void *src, DataFormat *, void *dest,
+                  int32_t *destlen) {
     constexpr bool money = std::is_same_v<P, P_money> || std::is_same_v<P, P_mny4>;
     const Text t = S::text(srcfmt, src);
     *destlen = sizeof(typename P::V);
@@ -310,7 +314,8 @@ int32_t to_parsed(ComContext *ctx, DataFormat *srcfmt, void *src, void *dest, in
 // ---- Binary ----
 
 template <typename S>
-int32_t to_bin(DataFormat *srcfmt, void *src, DataFormat *destfmt, void *dest, int32_t *destlen) {
+int32_t to_bin(ComContext *, DataFormat *srcfmt, void *src, DataFormat *destfmt, void *dest,
+               int32_t *destlen) {
     const Text t = S::text(srcfmt, src);
     int32_t n = 0;
     const int32_t rc =
@@ -321,7 +326,8 @@ int32_t to_bin(DataFormat *srcfmt, void *src, DataFormat *destfmt, void *dest, i
 }
 
 template <typename S>
-int32_t to_varbin(DataFormat *srcfmt, void *src, void *dest, int32_t *destlen) {
+int32_t to_varbin(ComContext *, DataFormat *srcfmt, void *src, DataFormat *, void *dest,
+                  int32_t *destlen) {
     constexpr int32_t kVarMax = 256;
     const Text t = S::text(srcfmt, src);
     auto *out = static_cast<uint8_t *>(dest);
@@ -339,49 +345,25 @@ int32_t to_varbin(DataFormat *srcfmt, void *src, void *dest, int32_t *destlen) {
 // ---- One entry per destination short name ----
 
 #define COMN_TEXT_ARGS_                                                                            \
-    [[maybe_unused]] ComContext *ctx, DataFormat *srcfmt, void *src,                               \
-        [[maybe_unused]] DataFormat *destfmt, void *dest, int32_t *destlen
+    ComContext *ctx, DataFormat *srcfmt, void *src, DataFormat *destfmt, void *dest,               \
+        int32_t *destlen
 
 template <typename S>
 struct From {
-    static int32_t bit(COMN_TEXT_ARGS_) {
-        return to_integer<S, D_bit>(ctx, srcfmt, src, dest, destlen);
-    }
-    static int32_t i1(COMN_TEXT_ARGS_) {
-        return to_integer<S, D_i1>(ctx, srcfmt, src, dest, destlen);
-    }
-    static int32_t i2(COMN_TEXT_ARGS_) {
-        return to_integer<S, D_i2>(ctx, srcfmt, src, dest, destlen);
-    }
-    static int32_t i4(COMN_TEXT_ARGS_) {
-        return to_integer<S, D_i4>(ctx, srcfmt, src, dest, destlen);
-    }
-    static int32_t i8(COMN_TEXT_ARGS_) {
-        return to_integer<S, D_i8>(ctx, srcfmt, src, dest, destlen);
-    }
-    static int32_t flt4(COMN_TEXT_ARGS_) {
-        return to_float<float>(ctx, srcfmt, S::text(srcfmt, src), dest, destlen);
-    }
-    static int32_t flt8(COMN_TEXT_ARGS_) {
-        return to_float<double>(ctx, srcfmt, S::text(srcfmt, src), dest, destlen);
-    }
-    static int32_t num(COMN_TEXT_ARGS_) {
-        return to_num<S>(ctx, srcfmt, src, destfmt, dest, destlen);
-    }
-    static int32_t money(COMN_TEXT_ARGS_) {
-        return to_parsed<S, P_money>(ctx, srcfmt, src, dest, destlen);
-    }
-    static int32_t mny4(COMN_TEXT_ARGS_) {
-        return to_parsed<S, P_mny4>(ctx, srcfmt, src, dest, destlen);
-    }
-    static int32_t datetime(COMN_TEXT_ARGS_) {
-        return to_parsed<S, P_datetime>(ctx, srcfmt, src, dest, destlen);
-    }
-    static int32_t date4(COMN_TEXT_ARGS_) {
-        return to_parsed<S, P_date4>(ctx, srcfmt, src, dest, destlen);
-    }
-    static int32_t bin(COMN_TEXT_ARGS_) { return to_bin<S>(srcfmt, src, destfmt, dest, destlen); }
-    static int32_t varbin(COMN_TEXT_ARGS_) { return to_varbin<S>(srcfmt, src, dest, destlen); }
+    static constexpr ComConvFunc bit = to_integer<S, D_bit>;
+    static constexpr ComConvFunc i1 = to_integer<S, D_i1>;
+    static constexpr ComConvFunc i2 = to_integer<S, D_i2>;
+    static constexpr ComConvFunc i4 = to_integer<S, D_i4>;
+    static constexpr ComConvFunc i8 = to_integer<S, D_i8>;
+    static constexpr ComConvFunc flt4 = to_float<S, float>;
+    static constexpr ComConvFunc flt8 = to_float<S, double>;
+    static constexpr ComConvFunc num = to_num<S>;
+    static constexpr ComConvFunc money = to_parsed<S, P_money>;
+    static constexpr ComConvFunc mny4 = to_parsed<S, P_mny4>;
+    static constexpr ComConvFunc datetime = to_parsed<S, P_datetime>;
+    static constexpr ComConvFunc date4 = to_parsed<S, P_date4>;
+    static constexpr ComConvFunc bin = to_bin<S>;
+    static constexpr ComConvFunc varbin = to_varbin<S>;
 };
 
 } // namespace

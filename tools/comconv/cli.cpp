@@ -25,7 +25,7 @@ const std::string *Args::value(std::string_view name) const {
     return v;
 }
 
-bool parse_args(const std::vector<std::string> &argv, const std::vector<OptionSpec> &specs,
+bool parse_args(const std::vector<std::string> &argv, const std::vector<OptionDef> &options_known,
                 Args &out) {
     bool options_done = false;
     for (size_t i = 0; i < argv.size(); ++i) {
@@ -41,39 +41,39 @@ bool parse_args(const std::vector<std::string> &argv, const std::vector<OptionSp
             options_done = true;
             continue;
         }
-        const OptionSpec *spec = nullptr;
+        const OptionDef *opt = nullptr;
         std::string inline_value;
         bool has_inline = false;
         if (a[1] == '-') {
             const size_t eq = a.find('=');
             const std::string name = a.substr(2, eq == std::string::npos ? eq : eq - 2);
             if (eq != std::string::npos) inline_value = a.substr(eq + 1), has_inline = true;
-            for (const OptionSpec &s : specs)
-                if (name == s.name) spec = &s;
+            for (const OptionDef &s : options_known)
+                if (name == s.name) opt = &s;
         } else if (a.size() == 2) {
-            for (const OptionSpec &s : specs)
-                if (s.short_name == a[1]) spec = &s;
+            for (const OptionDef &s : options_known)
+                if (s.short_name == a[1]) opt = &s;
         }
-        if (!spec) {
+        if (!opt) {
             complain("unknown option '%s' (see --help)", a.c_str());
             return false;
         }
-        if (!spec->takes_value) {
+        if (!opt->takes_value) {
             if (has_inline) {
-                complain("option --%s takes no value", spec->name);
+                complain("option --%s takes no value", opt->name);
                 return false;
             }
-            out.options.emplace_back(spec->name, "");
+            out.options.emplace_back(opt->name, "");
             continue;
         }
         if (!has_inline) {
             if (i + 1 == argv.size()) {
-                complain("option --%s needs a value", spec->name);
+                complain("option --%s needs a value", opt->name);
                 return false;
             }
             inline_value = argv[++i];
         }
-        out.options.emplace_back(spec->name, inline_value);
+        out.options.emplace_back(opt->name, inline_value);
     }
     return true;
 }

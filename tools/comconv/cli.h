@@ -21,7 +21,7 @@ enum Exit : int {
 };
 
 // One option a command accepts: "--name" (or "-c" when short is set), with a value or not.
-struct OptionSpec {
+struct OptionDef {
     const char *name;
     char short_name;
     bool takes_value;
@@ -35,9 +35,9 @@ struct Args {
     const std::string *value(std::string_view name) const; // the last one given, or null
 };
 
-// Parses argv against specs. "--name=value", "--name value", "-c" and "--" are understood; a
-// lone "-" is a word. On an unknown option or a missing value prints why and returns false.
-bool parse_args(const std::vector<std::string> &argv, const std::vector<OptionSpec> &specs,
+// Parses argv against options_known. "--name=value", "--name value", "-c" and "--" are understood;
+// a lone "-" is a word. On an unknown option or a missing value prints why and returns false.
+bool parse_args(const std::vector<std::string> &argv, const std::vector<OptionDef> &options_known,
                 Args &out);
 
 // A whole number in [lo, hi] from an option's text; prints why and returns false otherwise.
