@@ -21,37 +21,16 @@ constexpr uint8_t NONE = COM_XLT_MODE_NONE, COPY = COM_XLT_MODE_COPY, ASC = COM_
 constexpr ComXlateFunc ascii = com__fou_ascii8_tofrom_1byte;
 constexpr ComXlateFunc swap = com__fou_caseswap;
 
-// Cell constructors, one per destination column.
-constexpr ComXltCell a8(uint8_t m, ComXlateFunc f = nullptr) {
-    return {COM_XLT_ASCII8, m, f};
-}
-constexpr ComXltCell i1(uint8_t m, ComXlateFunc f = nullptr) {
-    return {COM_XLT_ISO1, m, f};
-}
-constexpr ComXltCell c850(uint8_t m, ComXlateFunc f = nullptr) {
-    return {COM_XLT_CP850, m, f};
-}
-constexpr ComXltCell c437(uint8_t m, ComXlateFunc f = nullptr) {
-    return {COM_XLT_CP437, m, f};
-}
-constexpr ComXltCell r8(uint8_t m, ComXlateFunc f = nullptr) {
-    return {COM_XLT_ROMAN8, m, f};
-}
-constexpr ComXltCell mac(uint8_t m, ComXlateFunc f = nullptr) {
-    return {COM_XLT_MAC, m, f};
-}
-constexpr ComXltCell euc(uint8_t m, ComXlateFunc f = nullptr) {
-    return {COM_XLT_EUCJIS, m, f};
-}
-constexpr ComXltCell sjis(uint8_t m, ComXlateFunc f = nullptr) {
-    return {COM_XLT_SJIS, m, f};
-}
-constexpr ComXltCell dec(uint8_t m, ComXlateFunc f = nullptr) {
-    return {COM_XLT_DECKANJI, m, f};
-}
-constexpr ComXltCell cs(uint8_t m, ComXlateFunc f = nullptr) {
-    return {COM_XLT_CASESWAP, m, f};
-}
+// Cell constructors, one per destination column: a8(COPY), i1(CONV, func), ...
+struct Column {
+    uint8_t set;
+    constexpr ComXltCell operator()(uint8_t m, ComXlateFunc f = nullptr) const {
+        return {set, m, f};
+    }
+};
+constexpr Column a8{COM_XLT_ASCII8}, i1{COM_XLT_ISO1}, c850{COM_XLT_CP850}, c437{COM_XLT_CP437},
+    r8{COM_XLT_ROMAN8}, mac{COM_XLT_MAC}, euc{COM_XLT_EUCJIS}, sjis{COM_XLT_SJIS},
+    dec{COM_XLT_DECKANJI}, cs{COM_XLT_CASESWAP};
 
 } // namespace
 
