@@ -3,9 +3,10 @@
 
 Feeds fixed-seed random cases to the oracle driver (one operation per line) and compares
 every answer with the result computed here from integers, fractions and decimal with
-ROUND_HALF_UP (half away from zero): add, subtract, multiply, divide, printing with 1 to 4
-places with and without separators, parsing of generated texts, money to double and double
-to money, money to integer.
+ROUND_HALF_UP (half away from zero): add, subtract, multiply, divide, negate, increment,
+decrement and compare on 8-byte and 4-byte money (every layer of each, which must agree),
+printing with 1 to 4 places with and without separators, parsing of generated texts, money
+to double and double to money, money to integer.
 
 usage: money_oracle.py DRIVER
 """
@@ -20,15 +21,21 @@ MAX = 2**63 - 1
 MIN = -(2**63)
 FLOAT_LIMIT = 922337203685477.6
 rng = random.Random(20261122)
+# Values where a rule changes: word carries, the 4-byte range, the 32-bit integer bounds
+# after rounding to whole units.
+EDGES = [2**32 - 1, 2**32, 2**31 - 1, 2**31, (2**31 - 1) * 10000 + 4999, (2**31 - 1) * 10000 + 5000,
+         -(2**31) * 10000 - 4999, -(2**31) * 10000 - 5000, 5000, 4999]
 
 
-def rand_money():
+def rand_money(bits=64):
     k = rng.randrange(16)
     if k == 0:
-        return MAX - rng.randrange(3)
+        return 2**(bits - 1) - 1 - rng.randrange(3)
     if k == 1:
-        return MIN + rng.randrange(3)
-    v = rng.getrandbits(63) >> rng.randrange(63)
+        return -2**(bits - 1) + rng.randrange(3)
+    if k == 2 and bits == 64:
+        return rng.choice(EDGES) * rng.choice([1, -1])
+    v = rng.getrandbits(bits - 1) >> rng.randrange(bits - 1)
     return v if rng.randrange(2) else -v
 
 
@@ -40,11 +47,19 @@ def half_away(num, den):
     return q if num >= 0 else -q
 
 
-def fits(v):
-    return MIN <= v <= MAX
+def fits(v, bits=64):
+    return -2**(bits - 1) <= v < 2**(bits - 1)
 
 
-def expect_arith(op, a, b):
+def expect_arith(op, a, b, bits):
+    """Code and result of op on a and b; the destination starts as 77."""
+    if op == "cmp":
+        return str((a > b) - (a < b))
+    if op in ("inc", "dec"):  # wraps in place
+        r = a + (1 if op == "inc" else -1)
+        return f"0 {r}" if fits(r) else f"1 {(r + 2**63) % 2**64 - 2**63}"
+    if op == "neg":  # 8-byte keeps the smallest value, 4-byte leaves the destination alone
+        return f"0 {-a}" if fits(-a, bits) else f"1 {a if bits == 64 else 77}"
     if op == "add":
         r = a + b
     elif op == "sub":
@@ -56,7 +71,7 @@ def expect_arith(op, a, b):
             return "3 0"
         sign = -1 if b < 0 else 1
         r = half_away(a * 10000 * sign, abs(b))
-    return f"0 {r}" if fits(r) else "1 0"
+    return f"0 {r}" if fits(r, bits) else "1 0"
 
 
 def expect_print(v, flags):
@@ -126,12 +141,14 @@ def main():
     lines, checks = [], []
 
     for _ in range(20000):
-        a, b = rand_money(), rand_money()
-        if rng.randrange(50) == 0:
-            b = 0
-        for op in ("add", "sub", "mul", "div"):
-            lines.append(f"{op} {a} {b}")
-            checks.append(("exact", expect_arith(op, a, b)))
+        for bits, suffix, ops in ((64, "", ("add", "sub", "mul", "div", "neg", "inc", "dec", "cmp")),
+                                  (32, "4", ("add", "sub", "mul", "div", "neg", "cmp"))):
+            a, b = rand_money(bits), rand_money(bits)
+            if rng.randrange(50) == 0:
+                b = 0
+            for op in ops:
+                lines.append(f"{op}{suffix} {a} {b}")
+                checks.append(("exact", expect_arith(op, a, b, bits)))
 
     for _ in range(20000):
         v = rand_money()
@@ -168,7 +185,7 @@ def main():
         checks.append(("exact", expect_fromdbl(d)))
 
     for _ in range(5000):
-        v = rand_money() >> rng.randrange(25)
+        v = rand_money() >> (rng.randrange(25) if rng.randrange(2) else 0)
         r = half_away(v, 10000) if v >= 0 else -half_away(-v, 10000)
         lines.append(f"toint {v}")
         checks.append(("exact", f"0 {r}" if -2**31 <= r < 2**31 else "1 0"))

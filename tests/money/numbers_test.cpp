@@ -1,13 +1,18 @@
-// Money to and from integers and floating point, and the client conversions built on them.
+// Money to and from integers, floating point and exact numerics, and the client conversions
+// built on them. Rounding to integers and to and from doubles is compared with Python by
+// money_oracle.py; the exact numerics are compared here with 128-bit arithmetic.
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <random>
 
 #include <gtest/gtest.h>
 
 #include "comnlib/convert.h"
 #include "comnlib/money.h"
 #include "money/money_internal.h"
+#include "numeric/num_helpers.h"
 
 namespace {
 
@@ -15,28 +20,11 @@ using comn::kMoneyMax;
 using comn::kMoneyMin;
 using comn::mny_get;
 using comn::mny_make;
+using numtest::div_round;
+using numtest::i128;
+using numtest::pow10;
 
-TEST(MoneyNumbers, IntegersRoundHalfAwayAndNarrowToZero) {
-    struct {
-        int64_t money;
-        int32_t code, value;
-    } const cases[] = {
-        {25000, 0, 3}, // random values are compared with Python by money_oracle.py
-        {-25000, 0, -3},
-        {21474836474999, 0, INT32_MAX},
-        {21474836475000, 1, 0},
-        {-21474836484999, 0, INT32_MIN},
-        {-21474836485000, 1, 0},
-        {2147483648000, 0, 214748365}, // 214748364.8 rounds to a 32-bit value: no overflow
-        {kMoneyMin, 1, 0},
-        {kMoneyMax, 1, 0},
-    };
-    for (const auto &c : cases) {
-        const MoneyValue m = mny_make(c.money);
-        int32_t out = 77;
-        EXPECT_EQ(com__mnytoint(&m, &out), c.code) << c.money;
-        EXPECT_EQ(out, c.value) << c.money;
-    }
+TEST(MoneyNumbers, FourByteIntegersAndWidths) {
     MoneyValue m;
     EXPECT_EQ(com__inttomny(&m, INT32_MIN), 0);
     EXPECT_EQ(mny_get(m), int64_t{INT32_MIN} * 10000);
@@ -48,28 +36,22 @@ TEST(MoneyNumbers, IntegersRoundHalfAwayAndNarrowToZero) {
     int32_t i = 0;
     s.mny4 = -15000;
     EXPECT_EQ(com__mny4toint(&s, &i), 0);
-    EXPECT_EQ(i, -2);
-}
+    EXPECT_EQ(i, -2); // -1.5 rounds away from zero
 
-TEST(MoneyNumbers, WideningAndNarrowing) {
-    const Money4Value n{-1};
-    MoneyValue w;
-    com__mny4tomny(&n, &w);
-    EXPECT_EQ(w.high, -1);
-    EXPECT_EQ(w.low, 0xFFFFFFFFu);
-    Money4Value out{5};
-    for (int64_t v : {int64_t{INT32_MAX} + 1, int64_t{INT32_MIN} - 1, int64_t{0x80000000}}) {
-        w = mny_make(v);
-        EXPECT_EQ(com__mnytomny4(&w, &out), -1) << v;
-        EXPECT_EQ(out.mny4, 5) << v; // not written
+    com__mny4tomny(&s, &m);
+    EXPECT_EQ(mny_get(m), -15000);
+    for (int64_t v : {int64_t{INT32_MAX} + 1, int64_t{INT32_MIN} - 1}) {
+        m = mny_make(v);
+        EXPECT_EQ(com__mnytomny4(&m, &s), -1) << v;
+        EXPECT_EQ(s.mny4, -15000) << v; // not written
     }
-    w = mny_make(INT32_MIN);
-    EXPECT_EQ(com__mnytomny4(&w, &out), 4);
-    EXPECT_EQ(out.mny4, INT32_MIN);
+    m = mny_make(INT32_MIN);
+    EXPECT_EQ(com__mnytomny4(&m, &s), 4);
+    EXPECT_EQ(s.mny4, INT32_MIN);
 }
 
-// Rounding and the limit are compared with Python by money_oracle.py; these are the cases
-// it does not generate.
+// The floating-point paths the oracle does not take: no value, a zero length, NaN, the
+// single-precision and 4-byte forms.
 TEST(MoneyNumbers, FloatingPointEdges) {
     MoneyValue m = mny_make(99);
     const double nan = std::numeric_limits<double>::quiet_NaN();
@@ -107,114 +89,160 @@ TEST(MoneyNumbers, FloatingPointEdges) {
 
 // ---- Client conversions ----
 
-template <typename T>
-T load(const void *p) {
-    T v;
-    std::memcpy(&v, p, sizeof v);
-    return v;
+// A source value of up to 8 bytes, copied from its own type.
+struct Src {
+    uint8_t bytes[8]{};
+    template <typename T>
+    Src(T v) {
+        static_assert(sizeof v <= sizeof bytes);
+        std::memcpy(bytes, &v, sizeof v);
+    }
+};
+
+// The destination as a number, read by its length: 1 byte unsigned, 2 and 4 signed (or a
+// float), 8 money (or a double).
+double read_dst(const uint8_t *p, int32_t len, bool floating) {
+    auto load = [p](auto v) {
+        std::memcpy(&v, p, sizeof v);
+        return static_cast<double>(v);
+    };
+    if (len == 1) return load(uint8_t{});
+    if (len == 2) return load(int16_t{});
+    if (len == 4) return floating ? load(float{}) : load(int32_t{});
+    if (floating) return load(double{});
+    MoneyValue m;
+    std::memcpy(&m, p, sizeof m);
+    return static_cast<double>(mny_get(m));
 }
 
-template <typename S, typename D>
-int32_t convert(ComConvFunc fn, S src, D *dst, int32_t *len) {
-    DataFormat sf{}, df{};
-    return fn(nullptr, &sf, &src, &df, dst, len);
-}
-
-TEST(MoneyClientConversions, MoneyToIntegersClampWithTheLength) {
+TEST(MoneyClientConversions, ClampRoundAndLength) {
+    const bool F = true, I = false;
     struct {
         ComConvFunc fn;
-        int64_t money;
-        int32_t rc;
-        int64_t out;
-        int32_t len;
+        Src src;
+        int32_t rc, len;
+        bool floating;
+        double out;
     } const cases[] = {
-        {comn_moneytoi1, 2554999, CS_SUCCEED, 255, 1},
-        {comn_moneytoi1, 2555000, CS_CONV_OVERFLOW, 255, 1}, // 255.5 rounds to 256
-        {comn_moneytoi1, -5000, CS_CONV_OVERFLOW, 0, 1},     // -0.5 rounds to -1
-        {comn_moneytoi1, -4999, CS_SUCCEED, 0, 1},
-        {comn_moneytoi2, -327685000, CS_CONV_OVERFLOW, -32768, 2},
-        {comn_moneytoi2, 327674999, CS_SUCCEED, 32767, 2},
-        {comn_moneytoi4, kMoneyMax, CS_CONV_OVERFLOW, INT32_MAX, 4},
-        {comn_moneytoi4, kMoneyMin, CS_CONV_OVERFLOW, INT32_MIN, 4},
-        {comn_moneytoi8, -21474836480000, CS_SUCCEED, INT32_MIN, 4},
+        {comn_moneytoi1, mny_make(2554999), CS_SUCCEED, 1, I, 255},
+        {comn_moneytoi1, mny_make(2555000), CS_CONV_OVERFLOW, 1, I, 255}, // 255.5 rounds to 256
+        {comn_moneytoi1, mny_make(-5000), CS_CONV_OVERFLOW, 1, I, 0},     // -0.5 rounds to -1
+        {comn_moneytoi2, mny_make(-327685000), CS_CONV_OVERFLOW, 2, I, -32768},
+        {comn_moneytoi2, mny_make(327674999), CS_SUCCEED, 2, I, 32767},
+        {comn_mny4toi2, Money4Value{-327675000}, CS_SUCCEED, 2, I, -32768}, // rounds to the bound
+        {comn_moneytoi4, mny_make(kMoneyMax), CS_CONV_OVERFLOW, 4, I, INT32_MAX},
+        {comn_moneytoi4, mny_make(kMoneyMin), CS_CONV_OVERFLOW, 4, I, INT32_MIN},
+        {comn_moneytoi8, mny_make(-21474836480000), CS_SUCCEED, 4, I, INT32_MIN},
+        {comn_moneytobit, mny_make(int64_t{1} << 32), CS_SUCCEED, 1, I, 1},
+        {comn_mny4tobit, Money4Value{0}, CS_SUCCEED, 1, I, 0},
+        {comn_moneytoflt8, mny_make(1), CS_SUCCEED, 8, F, 0.0001},
+        {comn_mny4toflt4, Money4Value{25000}, CS_SUCCEED, 4, F, 2.5},
+        {comn_moneytomny4, mny_make(int64_t{INT32_MAX} + 1), CS_CONV_OVERFLOW, 4, I, 0},
+        {comn_moneytomny4, mny_make(-5), CS_SUCCEED, 4, I, -5},
+        {comn_mny4tomoney, Money4Value{-5}, CS_SUCCEED, 8, I, -5},
+        {comn_moneytomoney, mny_make(-1), CS_SUCCEED, 8, I, -1},
+        {comn_mny4tomny4, Money4Value{INT32_MIN}, CS_SUCCEED, 4, I, INT32_MIN},
+        {comn_i1tomoney, uint8_t{255}, CS_SUCCEED, 8, I, 2550000},
+        {comn_i4tomoney, INT32_MIN, CS_SUCCEED, 8, I, INT32_MIN * 10000.0},
+        {comn_i2tomny4, int16_t{-32768}, CS_SUCCEED, 4, I, -327680000},
+        {comn_i4tomny4, int32_t{214749}, CS_CONV_OVERFLOW, 4, I, 0},
+        {comn_flt8tomoney, 1e300, CS_CONV_OVERFLOW, 8, I, 0},
+        {comn_flt8tomoney, -0.12345, CS_SUCCEED, 8, I, -1234}, // x + 0.00005 is below 0.1235
+        {comn_flt4tomny4, 0.5f, CS_SUCCEED, 4, I, 5000},
+        {comn_flt8tomny4, 214748.3647, CS_SUCCEED, 4, I, INT32_MAX},
+        {comn_flt4tomoney, std::numeric_limits<float>::infinity(), CS_CONV_OVERFLOW, 8, I, 0},
     };
     for (const auto &c : cases) {
+        SCOPED_TRACE(&c - cases);
+        DataFormat sf{}, df{};
+        uint8_t out[8];
+        std::memset(out, 0x5A, sizeof out);
         int32_t len = 0;
-        int64_t out = 0; // wide enough for any destination; compared by its size
-        const int32_t rc = convert(c.fn, mny_make(c.money), &out, &len);
-        EXPECT_EQ(rc, c.rc) << c.money;
-        EXPECT_EQ(len, c.len) << c.money;
-        int64_t got = 0;
-        if (len == 1) got = load<uint8_t>(&out);
-        if (len == 2) got = load<int16_t>(&out);
-        if (len == 4) got = load<int32_t>(&out);
-        EXPECT_EQ(got, c.out) << c.money;
+        Src src = c.src;
+        EXPECT_EQ(c.fn(nullptr, &sf, src.bytes, &df, out, &len), c.rc);
+        EXPECT_EQ(len, c.len);
+        EXPECT_EQ(read_dst(out, len, c.floating), c.out);
     }
-    int32_t len = 0;
-    int16_t i2 = 0;
-    EXPECT_EQ(convert(comn_mny4toi2, Money4Value{-327675000}, &i2, &len), CS_SUCCEED);
-    EXPECT_EQ(i2, -32768); // -32767.5 rounds away from zero to the bound itself
 }
 
-TEST(MoneyClientConversions, BitFloatAndMoneyDestinations) {
-    int32_t len = 0;
-    uint8_t bit = 9;
-    EXPECT_EQ(convert(comn_moneytobit, mny_make(int64_t{1} << 32), &bit, &len), CS_SUCCEED);
-    EXPECT_EQ(bit, 1);
-    EXPECT_EQ(convert(comn_mny4tobit, Money4Value{0}, &bit, &len), CS_SUCCEED);
-    EXPECT_EQ(bit, 0);
-    EXPECT_EQ(len, 1);
-
-    double d = 0;
-    EXPECT_EQ(convert(comn_moneytoflt8, mny_make(1), &d, &len), CS_SUCCEED);
-    EXPECT_EQ(d, 0.0001);
-    EXPECT_EQ(len, 8);
-    float f = 0;
-    EXPECT_EQ(convert(comn_mny4toflt4, Money4Value{25000}, &f, &len), CS_SUCCEED);
-    EXPECT_EQ(f, 2.5f);
-    EXPECT_EQ(len, 4);
-
-    Money4Value s{7};
-    EXPECT_EQ(convert(comn_moneytomny4, mny_make(int64_t{INT32_MAX} + 1), &s, &len),
-              CS_CONV_OVERFLOW);
-    EXPECT_EQ(s.mny4, 0);
-    EXPECT_EQ(len, 4);
-    EXPECT_EQ(convert(comn_moneytomny4, mny_make(-5), &s, &len), CS_SUCCEED);
-    EXPECT_EQ(s.mny4, -5);
-    MoneyValue m{};
-    EXPECT_EQ(convert(comn_mny4tomoney, Money4Value{-5}, &m, &len), CS_SUCCEED);
-    EXPECT_EQ(mny_get(m), -5);
-    EXPECT_EQ(len, 8);
-    EXPECT_EQ(convert(comn_moneytomoney, mny_make(kMoneyMin), &m, &len), CS_SUCCEED);
-    EXPECT_EQ(mny_get(m), kMoneyMin);
-    EXPECT_EQ(convert(comn_mny4tomny4, Money4Value{INT32_MIN}, &s, &len), CS_SUCCEED);
-    EXPECT_EQ(s.mny4, INT32_MIN);
+// Money and exact numerics against 128-bit arithmetic: money is exact at four places, the
+// numeric side is brought to its scale half away from zero and must fit its precision.
+TEST(MoneyNumeric, ConversionsMatchWideIntegers) {
+    std::mt19937_64 rng(31);
+    auto random_money = [&rng](int bits) -> int64_t {
+        const int64_t max = bits == 64 ? INT64_MAX : INT32_MAX;
+        if (rng() % 8 == 0) return rng() & 1 ? max : -max - 1;
+        const auto v = static_cast<int64_t>(rng() >> (65 - bits + rng() % (bits - 1)));
+        return rng() & 1 ? -v : v;
+    };
+    for (int i = 0; i < 20000; ++i) {
+        const bool four = i % 2;
+        const int p = 1 + static_cast<int>(rng() % 38);
+        const int s = static_cast<int>(rng() % static_cast<uint64_t>(std::min(p, 23) + 1));
+        DataFormat sf{}, df{};
+        df.precision = p;
+        df.scale = s;
+        int32_t len = 0;
+        // Money into the numeric.
+        const int64_t v = random_money(four ? 32 : 64);
+        const MoneyValue m = mny_make(v);
+        const Money4Value m4{static_cast<int32_t>(v)};
+        NumericValue n{};
+        const int32_t rc =
+            four ? comn_mny4tonum(nullptr, &sf, const_cast<Money4Value *>(&m4), &df, &n, &len)
+                 : comn_moneytonum(nullptr, &sf, const_cast<MoneyValue *>(&m), &df, &n, &len);
+        const i128 want = s >= 4 ? i128{v} * pow10(s - 4) : div_round(v, pow10(4 - s));
+        EXPECT_EQ(len, 35);
+        if (want >= pow10(p) || -want >= pow10(p)) {
+            EXPECT_EQ(rc, CS_CONV_OVERFLOW) << v << " at " << p << "," << s;
+        } else {
+            ASSERT_EQ(rc, CS_SUCCEED) << v << " at " << p << "," << s;
+            EXPECT_TRUE(numtest::units_of(n) == want) << v << " at " << p << "," << s;
+            EXPECT_EQ(n.array[0], want < 0 ? 1 : 0) << "zero carries no sign";
+        }
+        // A numeric of up to p digits into money.
+        const i128 u = numtest::random_units(rng, p);
+        NumericValue src = numtest::numeric_of(u, p, s);
+        MoneyValue out = mny_make(99);
+        Money4Value out4{99};
+        const int32_t back = four ? comn_numtomny4(nullptr, &sf, &src, &df, &out4, &len)
+                                  : comn_numtomoney(nullptr, &sf, &src, &df, &out, &len);
+        const i128 units = s <= 4 ? u * pow10(4 - s) : div_round(u, pow10(s - 4));
+        const i128 lo = four ? INT32_MIN : INT64_MIN, hi = four ? INT32_MAX : INT64_MAX;
+        const bool fits = units >= lo && units <= hi;
+        EXPECT_EQ(back, fits ? CS_SUCCEED : CS_CONV_OVERFLOW);
+        EXPECT_EQ(len, four ? 4 : 8);
+        EXPECT_TRUE((four ? out4.mny4 : mny_get(out)) == (fits ? units : 0));
+    }
 }
 
-TEST(MoneyClientConversions, IntoMoney) {
-    int32_t len = 0;
-    MoneyValue m{};
-    Money4Value s{};
-    EXPECT_EQ(convert(comn_i1tomoney, uint8_t{255}, &m, &len), CS_SUCCEED);
-    EXPECT_EQ(mny_get(m), 2550000);
-    EXPECT_EQ(len, 8);
-    EXPECT_EQ(convert(comn_i4tomoney, INT32_MIN, &m, &len), CS_SUCCEED);
-    EXPECT_EQ(mny_get(m), int64_t{INT32_MIN} * 10000);
-    EXPECT_EQ(convert(comn_i2tomny4, int16_t{-32768}, &s, &len), CS_SUCCEED);
-    EXPECT_EQ(s.mny4, -327680000);
-    EXPECT_EQ(len, 4);
-    EXPECT_EQ(convert(comn_i4tomny4, int32_t{214749}, &s, &len), CS_CONV_OVERFLOW);
-    EXPECT_EQ(s.mny4, 0);
-    EXPECT_EQ(convert(comn_flt8tomoney, 1e300, &m, &len), CS_CONV_OVERFLOW);
-    EXPECT_EQ(mny_get(m), 0);
-    EXPECT_EQ(convert(comn_flt8tomoney, -0.12345, &m, &len), CS_SUCCEED);
-    EXPECT_EQ(mny_get(m), -1234); // x + 0.00005 rounds to just below 0.1235
-    EXPECT_EQ(convert(comn_flt4tomny4, 0.5f, &s, &len), CS_SUCCEED);
-    EXPECT_EQ(s.mny4, 5000);
-    EXPECT_EQ(convert(comn_flt8tomny4, 214748.3647, &s, &len), CS_SUCCEED);
-    EXPECT_EQ(s.mny4, INT32_MAX);
-    EXPECT_EQ(convert(comn_flt4tomoney, std::numeric_limits<float>::infinity(), &m, &len),
-              CS_CONV_OVERFLOW);
+TEST(MoneyNumeric, FormatsAndSourcesOutsideTheDomain) {
+    struct {
+        int precision, scale;
+        int32_t rc;
+    } const formats[] = {{0, 0, CS_CONV_PRECISION},
+                         {78, 0, CS_CONV_PRECISION},
+                         {10, 78, CS_CONV_SCALE},
+                         {10, -1, CS_CONV_SCALE}};
+    for (const auto &f : formats) {
+        DataFormat sf{}, df{};
+        df.precision = f.precision;
+        df.scale = f.scale;
+        MoneyValue m = mny_make(10000);
+        NumericValue out{};
+        int32_t len = 0;
+        EXPECT_EQ(comn_moneytonum(nullptr, &sf, &m, &df, &out, &len), f.rc);
+        EXPECT_EQ(len, 35);
+        // The same precision and scale bytes on a numeric source are outside its domain
+        // (a scale byte of 255 included).
+        NumericValue n = numtest::numeric_of(1, 5, 0);
+        n.precision = static_cast<uint8_t>(f.precision);
+        n.scale = static_cast<uint8_t>(f.scale);
+        len = 0;
+        EXPECT_EQ(comn_numtomoney(nullptr, &sf, &n, &df, &m, &len), CS_CONV_DOMAIN);
+        EXPECT_EQ(mny_get(m), 10000);
+        EXPECT_EQ(len, 0);
+    }
 }
 
 } // namespace

@@ -1,15 +1,21 @@
 // Line-oriented front end to the money routines for the differential test in
 // money_oracle.py: reads one operation per line from stdin and prints its outcome.
-//   add|sub|mul|div A B   -> "code result"   (A, B, result: 1/10000 units)
-//   print V FLAGS         -> the text, or <null>
-//   parse HEX             -> "code result"   (HEX: the text's bytes in hexadecimal)
-//   todbl V               -> the double in %a form
-//   fromdbl HEXFLOAT      -> "rc result"
-//   toint V               -> "code result"
+//   OP A B       -> "code result"  OP: add sub mul div neg inc dec on 8-byte money, or
+//                   add4 sub4 mul4 div4 neg4 on 4-byte money (A, B, result: 1/10000 units).
+//                   Every layer is called; "layers disagree" when the client form's code is
+//                   not the mapped internal code, the old form's not the internal one, or
+//                   their results differ. The destination starts as 77.
+//   cmp|cmp4 A B  -> the comparison (-1, 0, 1) of both forms, or "layers disagree"
+//   print V FLAGS -> the text, or <null>
+//   parse HEX     -> "code result"   (HEX: the text's bytes in hexadecimal)
+//   todbl V       -> the double in %a form
+//   fromdbl HEXFLOAT -> "rc result"
+//   toint V       -> "code result"
 #include <cinttypes>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <map>
 #include <string>
 
 #include "comnlib/money.h"
@@ -21,23 +27,110 @@ int64_t arg(const char *s) {
     return std::strtoll(s, nullptr, 10);
 }
 
+int64_t get(const MoneyValue &m) {
+    return comn::mny_get(m);
+}
+int64_t get(const Money4Value &m) {
+    return m.mny4;
+}
+template <typename V>
+V make(int64_t v) {
+    if constexpr (sizeof(V) == 8)
+        return comn::mny_make(v);
+    else
+        return V{static_cast<int32_t>(v)};
+}
+
+// The three layers of one operation, each as a binary routine; unary operations ignore b.
+template <typename V>
+struct Layers {
+    using Fn = int32_t (*)(const V *, const V *, V *);
+    Fn internal, client, old;
+};
+#define COMN_BINARY_(i, c, o)                                                                      \
+    Layers<V> {                                                                                    \
+        i, c, o                                                                                    \
+    }
+#define COMN_UNARY_(i, c, o)                                                                       \
+    Layers<V> {                                                                                    \
+        [](const V *a, const V *, V *r) { return i(a, r); },                                       \
+            [](const V *a, const V *, V *r) { return c(a, r); },                                   \
+            [](const V *a, const V *, V *r) { return o(a, r); }                                    \
+    }
+#define COMN_INPLACE_(i, c, o)                                                                     \
+    Layers<V> {                                                                                    \
+        [](const V *a, const V *, V *r) { return *r = *a, i(r); },                                 \
+            [](const V *a, const V *, V *r) { return *r = *a, c(r); },                             \
+            [](const V *a, const V *, V *r) { return *r = *a, o(r); }                              \
+    }
+
+template <typename V>
+std::map<std::string, Layers<V>> operations();
+template <>
+std::map<std::string, Layers<MoneyValue>> operations() {
+    using V = MoneyValue;
+    return {{"add", COMN_BINARY_(com__mnyadd, comn_mnyadd, com_mnyadd)},
+            {"sub", COMN_BINARY_(com__mnysub, comn_mnysub, com_mnysub)},
+            {"mul", COMN_BINARY_(com__mnymul, comn_mnymul, com_mnymul)},
+            {"div", COMN_BINARY_(com__mnydiv, comn_mnydivide, com_mnydivide)},
+            {"neg", COMN_UNARY_(com__mnyminus, comn_mnyminus, com_mnyminus)},
+            {"inc", COMN_INPLACE_(com__mnyinc, comn_mnyinc, com_mnyinc)},
+            {"dec", COMN_INPLACE_(com__mnydec, comn_mnydec, com_mnydec)}};
+}
+template <>
+std::map<std::string, Layers<Money4Value>> operations() {
+    using V = Money4Value;
+    return {{"add4", COMN_BINARY_(com__mnyadd4, comn_mny4add, com_mny4add)},
+            {"sub4", COMN_BINARY_(com__mnysub4, comn_mny4sub, com_mny4sub)},
+            {"mul4", COMN_BINARY_(com__mnymul4, comn_mny4mul, com_mny4mul)},
+            {"div4", COMN_BINARY_(com__mnydiv4, comn_mny4divide, com_mny4divide)},
+            {"neg4", COMN_UNARY_(com__mnyminus4, comn_mny4minus, com_mny4minus)}};
+}
+
+template <typename V>
+bool run(const std::map<std::string, Layers<V>> &ops, const std::string &op, int64_t a, int64_t b) {
+    const auto it = ops.find(op);
+    if (it == ops.end()) return false;
+    const V x = make<V>(a), y = make<V>(b);
+    V r[3] = {make<V>(77), make<V>(77), make<V>(77)};
+    const Layers<V> &l = it->second;
+    const int32_t code = l.internal(&x, &y, &r[0]);
+    if (l.client(&x, &y, &r[1]) != comn__arith_to_conv(code) || l.old(&x, &y, &r[2]) != code ||
+        get(r[1]) != get(r[0]) || get(r[2]) != get(r[0]))
+        std::printf("layers disagree\n");
+    else
+        std::printf("%d %" PRId64 "\n", code, get(r[0]));
+    return true;
+}
+
+// Comparison has no internal form and no code to map: both forms must give the same answer.
+template <typename V>
+void compare(int32_t (*client)(const V *, const V *), int32_t (*old)(const V *, const V *),
+             int64_t a, int64_t b) {
+    const V x = make<V>(a), y = make<V>(b);
+    const int32_t c = client(&x, &y);
+    if (old(&x, &y) != c)
+        std::printf("layers disagree\n");
+    else
+        std::printf("%d\n", c);
+}
+
 } // namespace
 
 int main() {
+    const auto ops8 = operations<MoneyValue>();
+    const auto ops4 = operations<Money4Value>();
     char line[8192];
     char op[16], a[4096], b[64];
     while (std::fgets(line, sizeof line, stdin)) {
         a[0] = b[0] = 0;
         if (std::sscanf(line, "%15s %4095s %63s", op, a, b) < 1) continue;
         const std::string o = op;
-        if (o == "add" || o == "sub" || o == "mul" || o == "div") {
-            const MoneyValue x = comn::mny_make(arg(a)), y = comn::mny_make(arg(b));
-            MoneyValue r;
-            const int32_t code = o == "add"   ? com__mnyadd(&x, &y, &r)
-                                 : o == "sub" ? com__mnysub(&x, &y, &r)
-                                 : o == "mul" ? com__mnymul(&x, &y, &r)
-                                              : com__mnydiv(&x, &y, &r);
-            std::printf("%d %" PRId64 "\n", code, comn::mny_get(r));
+        if (run(ops8, o, arg(a), arg(b)) || run(ops4, o, arg(a), arg(b))) {
+        } else if (o == "cmp") {
+            compare<MoneyValue>(comn_mnycmp, com_mnycmp, arg(a), arg(b));
+        } else if (o == "cmp4") {
+            compare<Money4Value>(comn_mny4cmp, com_mny4cmp, arg(a), arg(b));
         } else if (o == "print") {
             const MoneyValue x = comn::mny_make(arg(a));
             char buf[40];

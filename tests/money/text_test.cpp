@@ -1,6 +1,6 @@
-// Money text: the printer's layout and failure on short buffers, the parser's state machine
-// (signs, currency, grouping, rounding at the fifth decimal, the smallest value), reading
-// through a multibyte attribute record, and bounded reads.
+// Money text beyond the well-formed values money_oracle.py prints and parses: the printer's
+// refusal on short buffers and its wrappers, the parser's grammar errors and corners, reading
+// through a multibyte attribute record, and bounded reads of long or stray input.
 #include <cstring>
 #include <memory>
 #include <string>
@@ -13,73 +13,43 @@
 
 namespace {
 
-using comn::kMoneyMax;
 using comn::kMoneyMin;
 using comn::mny_get;
 using comn::mny_make;
 
-// Prints into a buffer of len bytes; "<null>" when the printer refuses.
-std::string print(int64_t v, int32_t flags, int32_t len = 40) {
-    std::vector<char> buf(static_cast<size_t>(len));
-    const MoneyValue m = mny_make(v);
-    const char *p = com__mnytochar(&m, buf.data(), len, flags);
-    if (p == nullptr) return "<null>";
-    return std::string(p, static_cast<size_t>(buf.data() + len - p));
+std::string text(const char *p, const char *end) {
+    return p ? std::string(p, static_cast<size_t>(end - p)) : "<null>";
 }
 
-TEST(MoneyPrint, LayoutRoundingAndSeparators) {
+TEST(MoneyPrint, ShortBuffersNegativeFlagsAndWrappers) {
     struct {
         int64_t v;
-        int32_t flags;
+        int32_t flags, len;
         const char *text;
     } const cases[] = {
-        {12345678912, 0, "1234567.89"},
-        {-50, 0, "-0.01"},
-        {-49, 0, "-0.00"}, // the sign is taken before rounding
-        {12345678912, 0x0401, "1,234,567.8912"},
-        {1230000, 0x0400, "123.0000"},
-        {0, 0, "0.00"},
-        {1234560, 0x0001, "123.46"}, // the comma before a full leading group is dropped
-        {12355, 0x0300, "1.236"},
-        {12355, 0x0900, "1.2355"}, // more than 4 places prints 4
-        {12355, -1, "1.24"},       // a negative word asks for no places: 2
-        {12355, 0x0002, "1.24"},   // a low byte other than 1 asks for no separators
-        {kMoneyMax, 0x0401, "922,337,203,685,477.5807"},
-        {kMoneyMin, 0x0400, "-922337203685477.5808"},
-        {99999500, 0x0101, "10,000.0"}, // rounding carries into the integer part
+        {120000, 0, 3, "<null>"},
+        {120000, 0, 5, "12.00"},
+        {-120000, 0, 5, "<null>"},
+        {0, 0, 0, "<null>"},
+        {1234560, 0x0001, 6, "123.46"},  // exactly filled by a full group: no comma needed
+        {12345600, 0x0001, 7, "<null>"}, // digits remain after a comma with no room
+        {12345600, 0x0001, 8, "1,234.56"},
+        {12355, -1, 40, "1.24"}, // a negative word asks for no places: 2
     };
-    for (const auto &c : cases)
-        EXPECT_EQ(print(c.v, c.flags), c.text) << c.v;
-}
-
-TEST(MoneyPrint, ShortBuffersGiveNull) {
-    EXPECT_EQ(print(120000, 0, 3), "<null>");
-    EXPECT_EQ(print(120000, 0, 5), "12.00");
-    EXPECT_EQ(print(-120000, 0, 5), "<null>");
-    EXPECT_EQ(print(0, 0, 0), "<null>");
-    // Exactly filled by a full group: printing stops, no comma, no room needed for it.
-    EXPECT_EQ(print(1234560, 0x0001, 6), "123.46");
-    EXPECT_EQ(print(12345600, 0x0001, 7), "<null>"); // digits remain after a comma with no room
-    EXPECT_EQ(print(12345600, 0x0001, 8), "1,234.56");
-}
-
-TEST(MoneyPrint, Wrappers) {
+    for (const auto &c : cases) {
+        std::vector<char> buf(static_cast<size_t>(c.len));
+        const MoneyValue m = mny_make(c.v);
+        const char *end = buf.data() + c.len;
+        EXPECT_EQ(text(com__mnytochar(&m, buf.data(), c.len, c.flags), end), c.text) << c.v;
+    }
     const MoneyValue m = mny_make(12345678912);
     char buf[32];
-    const char *p = com_cvtmnytochar(&m, buf, sizeof buf, 1);
-    EXPECT_EQ(std::string(p, static_cast<size_t>(buf + sizeof buf - p)), "1,234,567.89");
-    p = com_precmnytochar(&m, buf, sizeof buf, 0, 3);
-    EXPECT_EQ(std::string(p, static_cast<size_t>(buf + sizeof buf - p)), "1234567.891");
-    const Money4Value s{-2147483647 - 1};
-    p = com_cvtmny4tochar(&s, buf, sizeof buf, 0x0400);
-    EXPECT_EQ(std::string(p, static_cast<size_t>(buf + sizeof buf - p)), "-214748.3648");
+    char *const end = buf + sizeof buf;
+    EXPECT_EQ(text(com_cvtmnytochar(&m, buf, sizeof buf, 1), end), "1,234,567.89");
+    EXPECT_EQ(text(com_precmnytochar(&m, buf, sizeof buf, 0, 3), end), "1234567.891");
+    const Money4Value s{INT32_MIN};
+    EXPECT_EQ(text(com_cvtmny4tochar(&s, buf, sizeof buf, 0x0400), end), "-214748.3648");
 }
-
-struct ParseCase {
-    const char *text;
-    int32_t code;
-    int64_t value; // checked only when code is 0
-};
 
 int32_t parse(const std::string &s, MoneyValue *m, const CharAttrib *cs = nullptr) {
     // Copy into an exactly sized heap block so that an overread is caught by the sanitizer.
@@ -88,49 +58,34 @@ int32_t parse(const std::string &s, MoneyValue *m, const CharAttrib *cs = nullpt
     return com__mnyfromchar_mb(m, text.get(), static_cast<int32_t>(s.size()), 0, cs);
 }
 
-TEST(MoneyParse, StateMachine) {
-    const ParseCase cases[] = {
+TEST(MoneyParse, GrammarCorners) {
+    struct {
+        const char *text;
+        int32_t code;
+        int64_t value; // checked only when code is 0
+    } const cases[] = {
         {"", 0, 0},
-        {"   ", 0, 0},
         {" - $ ", 0, 0},
-        {"  $1,234.56  ", 0, 12345600},
         {"1234,567", 2, 0},       // the comma after four digits ends the number
         {"1,2345", 0, 123450000}, // digits after the last comma are not counted
-        {"12,345,678", 0, 123456780000},
         {",5", 0, 50000},
         {"1,234,56", 0, 1234560000},
-        {"1.00005", 0, 10001},
-        {"-1.00005", 0, -10001},
-        {"1.000049", 0, 10000},
-        {"1.000050000009", 0, 10001},
         {"+-1", 2, 0},
         {"--1", 2, 0},
         {"1-", 2, 0},
         {"$$1", 2, 0},
         {"1$", 2, 0},
-        {"$-1.5", 0, -15000},
-        {"-$1.5", 0, -15000},
         {"1.2.3", 2, 0},
-        {"1.5 \t\r\n", 0, 15000},
         {"1 2", 2, 0},
         {".", 0, 0},
-        {"12.", 0, 120000},
         {"\xA3 7", 0, 70000}, // pound sign is a currency symbol
         {"7\xA0", 0, 70000},  // no-break space is white space
         {"7\xAD", 0, 70000},  // and so, in this set, is the soft hyphen
         {"7\xE9", 2, 0},
         {"\t7", 2, 0}, // only the blank is skipped before the number
-        {"-922337203685477.5808", 0, kMoneyMin},
-        {"922337203685477.5808", 1, 0},
-        {"-922337203685477.58081", 1, 0},
         {"-922337203685477.58080", 0, kMoneyMin},
-        {"922337203685477.5807", 0, kMoneyMax},
-        {"922337203685477.58074", 0, kMoneyMax},
-        {"922337203685477.58075", 1, 0}, // rounds past the largest value
-        {"-922337203685477.58075", 0, kMoneyMin},
+        {"-922337203685477.58081", 1, 0},     // any further digit past the smallest value
         {"-9,223,372,036,854,775,808", 1, 0}, // the smallest value's digits, then scaled
-        {"9223372036854775807", 1, 0},
-        {"922337203685477", 0, 9223372036854770000},
         {"922337203685478", 1, 0},
     };
     for (const auto &c : cases) {
@@ -141,14 +96,11 @@ TEST(MoneyParse, StateMachine) {
             EXPECT_EQ(mny_get(m), c.value) << '"' << c.text << '"';
         }
     }
-}
-
-TEST(MoneyParse, FourByteForm) {
-    Money4Value m{5};
-    EXPECT_EQ(com__mny4fromchar_mb(&m, "-214748.3648", 12, 0, nullptr), 0);
-    EXPECT_EQ(m.mny4, INT32_MIN);
-    EXPECT_EQ(com__mny4fromchar_mb(&m, "214748.3648", 11, 0, nullptr), 1);
-    EXPECT_EQ(com__mny4fromchar_mb(&m, "1x", 2, 0, nullptr), 2);
+    Money4Value m4{5};
+    EXPECT_EQ(com__mny4fromchar_mb(&m4, "-214748.3648", 12, 0, nullptr), 0);
+    EXPECT_EQ(m4.mny4, INT32_MIN);
+    EXPECT_EQ(com__mny4fromchar_mb(&m4, "214748.3648", 11, 0, nullptr), 1);
+    EXPECT_EQ(com__mny4fromchar_mb(&m4, "1x", 2, 0, nullptr), 2);
 }
 
 TEST(MoneyParse, LongInputsAndStrayBytesStayBounded) {

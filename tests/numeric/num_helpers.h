@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <random>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -48,6 +49,37 @@ inline i128 pow10(int k) {
     while (k-- > 0)
         v *= 10;
     return v;
+}
+
+// A client value holding units at (precision, scale), and the units a client value holds.
+inline NumericValue numeric_of(i128 units, int precision, int scale) {
+    Num n(units, precision, scale);
+    NumericValue v{};
+    v.precision = static_cast<uint8_t>(precision);
+    v.scale = static_cast<uint8_t>(scale);
+    std::memcpy(v.array, n.buf, static_cast<size_t>(n->length));
+    return v;
+}
+inline i128 units_of(const NumericValue &v) {
+    Num n(0, v.precision, v.scale);
+    std::memcpy(n.buf, v.array, static_cast<size_t>(n->length));
+    return n.units();
+}
+
+// num / den rounded half away from zero.
+inline i128 div_round(i128 num, i128 den) {
+    const bool neg = (num < 0) != (den < 0);
+    const u128 n = num < 0 ? -static_cast<u128>(num) : num,
+               d = den < 0 ? -static_cast<u128>(den) : den;
+    const u128 q = n / d + (2 * (n % d) >= d ? 1 : 0);
+    return neg ? -static_cast<i128>(q) : static_cast<i128>(q);
+}
+
+// Random units of 1 to p digits (the count uniform, so small and large values are both common).
+inline i128 random_units(std::mt19937_64 &rng, int p) {
+    const int k = 1 + static_cast<int>(rng() % static_cast<uint64_t>(p));
+    const u128 m = ((static_cast<u128>(rng()) << 64) | rng()) % static_cast<u128>(pow10(k));
+    return rng() & 1 ? -static_cast<i128>(m) : static_cast<i128>(m);
 }
 
 // A client value read from text at (precision, scale); mode 1 rounds digits beyond the scale,

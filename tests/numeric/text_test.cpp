@@ -41,6 +41,13 @@ Parsed parse(const std::string &text, int precision, int scale, int mode, int ar
 
 } // namespace
 
+TEST(NumericParse, SyntaxErrors) {
+    for (const char *text : {"", "  - ", ".", "+-1", "1-", "1.2.3", "1.2 x", "1e", "1e-", "1ex"})
+        EXPECT_EQ(parse(text, 255, 255, 1).rc, 2) << '"' << text << '"';
+}
+
+// Precision and scale taken from the text (255, 255), and the rounding corners that
+// decimal_oracle.py does not generate (two or more digits past the scale).
 TEST(NumericParse, TextFormsAndTheirResults) {
     struct Case {
         const char *text;
@@ -50,47 +57,18 @@ TEST(NumericParse, TextFormsAndTheirResults) {
         int want_p, want_s;
     } cases[] = {
         {"  -  12.5", 255, 255, 1, 0, "-12.5", 3, 1},
-        {"+-1", 255, 255, 1, 2, nullptr, 0, 0},
-        {"1.2.3", 255, 255, 1, 2, nullptr, 0, 0},
-        {"1.2 ", 255, 255, 1, 0, "1.2", 2, 1},
         {"1.2\t\n", 255, 255, 1, 0, "1.2", 2, 1},
-        {"1.2 x", 255, 255, 1, 2, nullptr, 0, 0},
-        {"1e5", 9, 0, 1, 0, "100000", 9, 0},
-        {"1e5 ", 9, 0, 1, 2, nullptr, 0, 0}, // one exponent digit takes no blank
-        {"1e05 ", 9, 0, 1, 0, "100000", 9, 0},
-        {"1e+05", 9, 0, 1, 0, "100000", 9, 0},
         {"1e5", 255, 255, 1, 1, nullptr, 0, 0},    // precision 1 from the one mantissa digit
         {"12.5e2", 255, 255, 1, 1, nullptr, 0, 0}, // 1250 needs more than the 3 digits read
         {"0012.5e2", 255, 255, 1, 0, "1250", 5, 0},
-        {"1e", 255, 255, 1, 2, nullptr, 0, 0},
-        {"1e-", 255, 255, 1, 2, nullptr, 0, 0},
-        {"1ex", 255, 255, 1, 2, nullptr, 0, 0},
         {"1.5e-3", 255, 255, 1, 0, "1.5", 2, 1},    // the exponent is not applied
         {"15e-3", 255, 255, 1, 0, nullptr, 2, 253}, // whole mantissa: the low byte of -3
-        {"", 255, 255, 1, 2, nullptr, 0, 0},
-        {"  - ", 255, 255, 1, 2, nullptr, 0, 0},
-        {".", 255, 255, 1, 2, nullptr, 0, 0},
-        {"1-", 255, 255, 1, 2, nullptr, 0, 0},
-        {"0", 255, 255, 1, 0, "0", 1, 0},
         {"-0.0", 255, 255, 1, 0, "0.0", 2, 1},
         {"007", 255, 255, 1, 0, "7", 3, 0},
-        {"1.005", 9, 2, 0, 6, nullptr, 0, 0}, // read whole, then rescaling drops a 5
-        {"1.000", 9, 2, 0, 0, "1.00", 9, 2},
         {"1.0051", 9, 2, 0, 6, nullptr, 0, 0}, // refused at its fourth fraction digit
-        {"1.005", 9, 2, 1, 0, "1.01", 9, 2},
-        {"-1.005", 9, 2, 1, 0, "-1.01", 9, 2},
-        {"1.0049", 9, 2, 1, 0, "1.01", 9, 2}, // the later 9 rounds the read 1.004 up first
+        {"1.0049", 9, 2, 1, 0, "1.01", 9, 2},  // the later 9 rounds the read 1.004 up first
         {"1.0044", 9, 2, 1, 0, "1.00", 9, 2},
-        {"123.45", 4, 2, 1, 1, nullptr, 0, 0}, // five digits for precision 4
         {"99.995", 4, 2, 1, 1, nullptr, 0, 0}, // rounds up to 100.00
-        {"99.994", 4, 2, 1, 0, "99.99", 4, 2},
-        {"1e-10", 9, 2, 1, 0, "0.00", 9, 2}, // wholly below the last kept digit
-        {"1e-10", 9, 2, 0, 6, nullptr, 0, 0},
-        {"-0.001", 9, 2, 1, 0, "0.00", 9, 2},
-        {"12e3", 9, 0, 1, 0, "12000", 9, 0},
-        {"1e9", 9, 0, 1, 1, nullptr, 0, 0},
-        {"5e-1", 9, 0, 1, 0, "1", 9, 0},
-        {"4e-1", 9, 0, 1, 0, "0", 9, 0},
     };
     for (const auto &c : cases) {
         const Parsed r = parse(c.text, c.precision, c.scale, c.mode);
@@ -110,10 +88,6 @@ TEST(NumericParse, PrecisionFromTheTextShrinksTheArea) {
     ASSERT_EQ(r.rc, 0);
     EXPECT_EQ(r.length, 3);      // sign and two magnitude bytes for precision 3
     EXPECT_EQ(r.offset, 33 - 3); // right-aligned in the area
-    // A negative exponent on a whole mantissa leaves its low byte as the scale.
-    const Parsed e = parse("1e-5", 255, 255, 1);
-    ASSERT_EQ(e.rc, 0);
-    EXPECT_EQ(e.scale, 251);
     // 78 digits cannot be a precision, whether read or rounded into the area.
     EXPECT_EQ(parse(std::string(78, '1'), 255, 255, 1).rc, 1);
     // Wide values keep a leading zero sign byte and a precision that holds their digits.
@@ -158,14 +132,10 @@ TEST(NumericPrint, ZerosSignsAndShortBuffers) {
     } cases[] = {
         {0, 5, 3, "0.000"},
         {0, 5, 0, "0"},
-        {-5, 2, 1, "-0.5"},
         {-5, 5, 3, "-0.005"},
-        {12345, 5, 2, "123.45"},
         {-1, 1, 0, "-1"},
-        {static_cast<i128>(-170141183460469231731687303715884105727.0L), 39, 0, nullptr},
     };
     for (const auto &c : cases) {
-        if (!c.text) continue;
         Num n(c.units, c.precision, c.scale);
         char buf[16];
         const int start = com__subexctnumetochar(n.get(), buf, sizeof buf);
