@@ -207,9 +207,11 @@ TEST(MoneyNumeric, ConversionsMatchWideIntegers) {
         Money4Value out4{99};
         const int32_t back = four ? comn_numtomny4(nullptr, &sf, &src, &df, &out4, &len)
                                   : comn_numtomoney(nullptr, &sf, &src, &df, &out, &len);
-        const i128 units = s <= 4 ? u * pow10(4 - s) : div_round(u, pow10(s - 4));
         const i128 lo = four ? INT32_MIN : INT64_MIN, hi = four ? INT32_MAX : INT64_MAX;
-        const bool fits = units >= lo && units <= hi;
+        // Scaling up cannot bring a value already outside the range back (nor fit 128 bits).
+        const bool outside = s <= 4 && (u < lo || u > hi);
+        const i128 units = outside ? 0 : s <= 4 ? u * pow10(4 - s) : div_round(u, pow10(s - 4));
+        const bool fits = !outside && units >= lo && units <= hi;
         EXPECT_EQ(back, fits ? CS_SUCCEED : CS_CONV_OVERFLOW);
         EXPECT_EQ(len, four ? 4 : 8);
         EXPECT_TRUE((four ? out4.mny4 : mny_get(out)) == (fits ? units : 0));

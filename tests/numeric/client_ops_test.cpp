@@ -1,5 +1,5 @@
 // Client operations on NumericValue and the numeric-to-numeric conversion where
-// decimal_oracle.py does not reach: capped scales, operands and formats outside the domain,
+// decimal_oracle.py does not reach: operands and formats outside the domain,
 // raw magnitudes beyond their precision, and the source-value marker.
 #include <gtest/gtest.h>
 
@@ -14,17 +14,6 @@ namespace {
 using Op = int32_t (*)(NumericValue *, NumericValue *, NumericValue *);
 
 } // namespace
-
-// Scales beyond 77 are capped and the integer digits keep their room.
-TEST(NumericClient, ScalesAreCappedAtTheLargestPrecision) {
-    NumericValue a = value_of("1.5", 77, 70), b = value_of("2.5", 77, 70), r{};
-    ASSERT_EQ(comn_nummul(&a, &b, &r), CS_SUCCEED);
-    EXPECT_EQ(r.precision, 77);
-    EXPECT_EQ(r.scale, 62);
-    EXPECT_EQ(text_of(r), "3.75" + std::string(60, '0'));
-    NumericValue one = value_of("1", 77, 0), half = value_of("0.5", 77, 77);
-    EXPECT_EQ(comn_numadd(&one, &half, &r), CS_CONV_OVERFLOW);
-}
 
 TEST(NumericClient, OperandsOutsideTheDomain) {
     NumericValue good = value_of("1", 5, 0), bad = good, r{};
