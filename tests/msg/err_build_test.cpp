@@ -103,26 +103,21 @@ TEST_F(BuildTest, TemplatesWithTwoAndThreeValuesInBothOrders) {
     com_ep_sdd(&sdd, "f", &a, &b);
     com_ep_ssd(&ssd, "f", "x", &b);
     const Case cases[] = {
-        // A record of the prefix alone leaves the template as it is, conversions and all.
-        {1, s, "Plain text with 100%% and %s and %1!."},
-        {2, sd, "Value 7 refused."},
-        {2, ss, "Value x refused."},
-        {3, sss, "First x, then y."},
-        {4, sss, "Then y, first x."},
-        {3, sds, "First 7, then y."},
-        {4, sds, "Then y, first 7."},
-        {3, sdd, "First 7, then 9."},
-        {4, sdd, "Then 9, first 7."},
-        {3, ssd, "First x, then 9."},
-        {4, ssd, "Then 9, first x."},
+        {2, sd, "Value 7 refused."},       {2, ss, "Value x refused."},
+        {3, sss, "First x, then y."},      {4, sss, "Then y, first x."},
+        {3, sds, "First 7, then y."},      {4, sds, "Then y, first 7."},
+        {3, sdd, "First 7, then 9."},      {4, sdd, "Then 9, first 7."},
+        {3, ssd, "First x, then 9."},      {4, ssd, "Then 9, first x."},
         {3, sd, "First %1!, then %2!."}, // names a value that was not given
-        {5, sss, "Too many: %1! %2! %3!"},
-        {6, sss, "Broken %1 marker"},
+        {5, sss, "Too many: %1! %2! %3!"}, {6, sss, "Broken %1 marker"},
     };
     for (const Case &c : cases)
         EXPECT_EQ(build(h, kNum(2, c.number), c.rec).text,
                   std::string("f: common library: usage error: ") + c.message)
             << c.number;
+    // A record of the prefix alone leaves the template as it is, conversions and all.
+    EXPECT_EQ(build(h, kNum(2, 1), s).text,
+              "f: common library: usage error: Plain text with 100%% and %s and %1!.");
     // A record whose format does not match its value types is not handed to the filler.
     ComErrParams bad = sd;
     bad.format = "%s";
