@@ -4,7 +4,10 @@ over libcomn.so: every byte through each of the twenty converters between iso_1,
 cp437, roman8 and mac must give what the codecs give with the generator's listed departures
 applied (tools/gen/gen_xlate_tables.py, rebuilt here in memory, not read from the committed
 header), with the substitution bit set exactly for the bytes written as "?"; and the ASCII
-converter must pass the bytes Python's ascii codec decodes and substitute the rest.
+converter must pass the bytes Python's ascii codec decodes and substitute the rest. The
+dispatch table Com_fou_xlt_map is walked as well: every cell's mode, and every converter it
+names translating as the pair of sets it stands for (the Japanese pairs over JIS X 0208 text
+encoded by Python's codecs).
 
 usage: check_xlate_single.py <path to libcomn.so> <tools/gen directory>
 """
@@ -12,6 +15,35 @@ import ctypes
 import sys
 
 BADCHAR = 1
+# Rows and cells of the dispatch table, and the mode of each cell (0 none, 1 copy, 2 through
+# the ASCII converter, 3 through a dedicated one).
+IDS = [(0, "ascii8"), (1, "iso1"), (2, "cp850"), (3, "cp437"), (4, "roman8"), (5, "mac"),
+       (140, "eucjis"), (141, "sjis"), (142, "deckanji"), (255, "caseswap")]
+MODES = ["1222222223", "2133332223", "2313332220", "2331332220", "2333132220",
+         "2333312220", "2222221330", "2222223130", "2222223310", "2200000001"]
+JAPANESE = {"eucjis": "euc_jp", "sjis": "shift_jis", "deckanji": "euc_jp"}
+
+
+class Cell(ctypes.Structure):
+    _fields_ = [("dest_id", ctypes.c_uint8), ("mode", ctypes.c_uint8), ("func", ctypes.c_void_p)]
+
+
+class Row(ctypes.Structure):
+    _fields_ = [("src_id", ctypes.c_uint8), ("cells", Cell * len(IDS))]
+
+
+def jis_x0208_text():
+    """Every JIS X 0208 character, as Python's EUC-JP codec decodes the two-byte cells."""
+    out = []
+    for r in range(0xA1, 0xFF):
+        for c in range(0xA1, 0xFF):
+            try:
+                ch = bytes([r, c]).decode("euc_jp")
+                ch.encode("shift_jis")
+                out.append(ch)
+            except UnicodeError:
+                pass
+    return "".join(out)
 
 
 def main():
@@ -48,7 +80,36 @@ def main():
         if list(out) != want or (consumed, produced) != (256, 256):
             failures += 1
             print("%s: whole buffer differs from byte by byte" % name)
-    print("checked %d converters, %d mismatches" % (len(expected), failures))
+    # The dispatch table: ids, modes, and what each converter it names does.
+    sig_t = ctypes.CFUNCTYPE(ctypes.c_int32, *sig)
+    kanji = jis_x0208_text()
+    for r, row in enumerate((Row * len(IDS)).in_dll(lib, "Com_fou_xlt_map")):
+        src = IDS[r][1]
+        for c, cell in enumerate(row.cells):
+            dst = IDS[c][1]
+            where = "map %s -> %s" % (src, dst)
+            if (row.src_id, cell.dest_id, cell.mode) != (IDS[r][0], IDS[c][0], int(MODES[r][c])):
+                failures += 1
+                print("%s: ids %d/%d mode %d" % (where, row.src_id, cell.dest_id, cell.mode))
+            if (cell.func is not None) != (cell.mode >= 2):
+                failures += 1
+                print("%s: converter present does not match the mode" % where)
+            if cell.mode < 2 or cell.func is None:
+                continue
+            f = sig_t(cell.func)
+            if cell.mode == 2 or "%s_to_%s" % (src, dst) in expected:
+                name = "ascii8_tofrom_1byte" if cell.mode == 2 else "%s_to_%s" % (src, dst)
+                got, want = run(f, bytes(range(256)))[3], bytes(expected[name])
+            elif dst == "caseswap":  # the test set's converter counts and writes nothing
+                got, want = run(f, b"abc")[1:3], (3, 3)
+            else:
+                bits, _, _, out = run(f, kanji.encode(JAPANESE[src]))
+                got, want = (bits, out), (0, kanji.encode(JAPANESE[dst]))
+            if got != want:
+                failures += 1
+                print("%s: the converter does not translate as that pair" % where)
+    print("checked %d converters and the dispatch table, %d mismatches" % (len(expected),
+                                                                           failures))
     return 1 if failures else 0
 
 

@@ -1,5 +1,6 @@
 // Translation through locales: character sets loaded from the bundled home, hung on locale
-// handles as the locale cache does, and the context's default handle for formats without one.
+// handles as the locale cache does, and the context's default handle for formats without one;
+// the driver's statuses, state words and CS_VARCHAR framing, where lengths change with utf8.
 #include <comnlib.h>
 
 #include <gtest/gtest.h>
@@ -8,7 +9,7 @@
 #include <map>
 #include <string>
 
-#include "intl_test_util.h"
+#include "locale_test_util.h"
 
 namespace {
 
@@ -16,7 +17,8 @@ class XlateLocales : public testing::Test {
   protected:
     void SetUp() override {
         veldar.set(COMN_TEST_HOME);
-        for (const char *set : {"iso_1", "cp850", "cp437", "eucjis", "sjis", "deckanji"}) {
+        for (const char *set : {"ascii8", "iso_1", "cp850", "cp437", "roman8", "mac", "eucjis",
+                                "sjis", "deckanji", "utf8"}) {
             ComCharsetDesc *d = nullptr;
             ASSERT_EQ(com__charset_desc_get(&ctx, set, "binary", &d), 1) << set;
             add(set, d);
@@ -124,34 +126,81 @@ TEST_F(XlateLocales, FormatsWithoutLocaleTakeTheContextDefault) {
 
 TEST_F(XlateLocales, DriverTranslatesThroughTheLocales) {
     struct {
-        const char *from, *to, *in;
-        int32_t room, status;
+        const char *from, *to;
+        std::string in;
+        int32_t room, status, taken;
         std::string out;
     } cases[] = {
-        {"iso_1", "cp437", "caf\xE9", 8, CS_SUCCEED, "caf\x82"},
-        {"iso_1", "cp437", "\xA4", 8, CS_CONV_BADXLT, "?"},
-        {"iso_1", "cp850", "na\xEFve", 3, CS_CONV_OVERFLOW, "na\x8B"},
-        {"eucjis", "sjis", "\xB0\xA1", 8, CS_SUCCEED, "\x88\x9F"},
-        {"eucjis", "sjis", "a\xB0", 8, CS_SUCCEED, "a"}, // the cut lead byte waits
-        {"sjis", "iso_1", "\x88\x9Fz", 8, CS_CONV_BADXLT, "??z"},
-        {"cp850", "caseswap", "abc", 8, CS_CONV_NOXLT, ""},
-        {"cp850", "cp850", "abc", 2, CS_CONV_OVERFLOW, "ab"},
+        {"iso_1", "cp437", "caf\xE9", 8, CS_SUCCEED, 4, "caf\x82"},
+        {"iso_1", "cp437", "\xA4", 8, CS_CONV_BADXLT, 1, "?"},
+        {"iso_1", "cp850", "na\xEFve", 3, CS_CONV_OVERFLOW, 3, "na\x8B"},
+        {"eucjis", "sjis", "\xB0\xA1", 8, CS_SUCCEED, 2, "\x88\x9F"},
+        {"eucjis", "sjis", "a\xB0", 8, CS_SUCCEED, 1, "a"}, // the cut lead byte waits
+        {"sjis", "iso_1", "\x88\x9Fz", 8, CS_CONV_BADXLT, 3, "??z"},
+        {"cp850", "caseswap", "abc", 8, CS_CONV_NOXLT, 0, ""},
+        {"cp850", "cp850", "abc", 2, CS_CONV_OVERFLOW, 2, "ab"},
+        {"utf8", "iso_1", "d\xc3\xa9j\xc3\xa0", 16, CS_SUCCEED, 6, "d\xe9j\xe0"},
+        {"iso_1", "utf8", "d\xe9j\xe0", 4, CS_CONV_OVERFLOW, 3, "d\xc3\xa9j"}, // à does not fit
+        {"utf8", "iso_1", "\xe2\x82\xac!", 16, CS_CONV_BADXLT, 4, "?!"},       // no euro in iso_1
+        {"utf8", "iso_1", "a\xe3\x81", 16, CS_CONV_BADXLT, 3, "a?"},           // cut at the end
+        {"utf8", "sjis", "\xe6\x97\xa5\xef\xbd\xb6", 16, CS_SUCCEED, 6, "\x93\xfa\xb6"},
+        {"sjis", "utf8", "\x93\xfa\xb6", 5, CS_CONV_OVERFLOW, 2, "\xe6\x97\xa5"},
+        {"utf8", "utf8", "\xc3\xa9", 16, CS_SUCCEED, 2, "\xc3\xa9"},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(std::string(c.from) + " -> " + c.to + ": " + c.in);
-        DataFormat s = fmt(c.from, CS_CHAR, static_cast<int32_t>(std::strlen(c.in)));
-        DataFormat d = fmt(c.to, CS_CHAR, c.room);
-        char out[16] = {};
-        int32_t len = -1, state[2] = {-1, -1};
-        EXPECT_EQ(com_intl_xlate(&ctx, &s, const_cast<char *>(c.in), &d, out, &len, state),
-                  c.status);
-        EXPECT_EQ(std::string(out, static_cast<size_t>(len)), c.out);
-        EXPECT_EQ(state[0], static_cast<int32_t>(c.out.size()));
-        char again[16] = {};
-        int32_t len2 = -1, state2[2] = {};
-        EXPECT_EQ(comb__intl_xlate(&ctx, &s, const_cast<char *>(c.in), &d, again, &len2, state2),
-                  c.status);
-        EXPECT_EQ(std::string(again, static_cast<size_t>(len2)), c.out);
+        const bool copy = std::string(c.from) == c.to;
+        // A CS_VARCHAR destination has 256 bytes of room: only CS_CHAR tests a short one.
+        for (const int32_t type : {CS_CHAR, CS_VARCHAR}) {
+            if (type == CS_VARCHAR && c.status == CS_CONV_OVERFLOW) continue;
+            DataFormat s = fmt(c.from, CS_CHAR, static_cast<int32_t>(c.in.size()));
+            DataFormat d = fmt(c.to, type, c.room);
+            for (auto xlate : {com_intl_xlate, comb__intl_xlate}) {
+                char out[2 + 256] = {};
+                int32_t len = -1, state[2] = {-1, -1};
+                EXPECT_EQ(xlate(&ctx, &s, const_cast<char *>(c.in.data()), &d, out, &len, state),
+                          c.status);
+                const char *text = type == CS_VARCHAR ? out + 2 : out;
+                EXPECT_EQ(std::string(text, static_cast<size_t>(len)), c.out);
+                EXPECT_EQ(state[0], c.taken);
+                EXPECT_EQ(state[1], copy ? -1 : static_cast<int32_t>(c.out.size()));
+                int16_t word = -1;
+                std::memcpy(&word, out, sizeof word);
+                if (type == CS_VARCHAR) {
+                    EXPECT_EQ(word, static_cast<int16_t>(c.out.size()));
+                }
+            }
+        }
+    }
+}
+
+// utf8's row and column of the dispatch, and the converter each cell names: "é" goes out to
+// every set as iconv encodes it and comes back, or becomes "?" where the set has no é.
+TEST_F(XlateLocales, Utf8ReachesEverySet) {
+    struct Cell {
+        const char *set, *iconv; // null: the set has no é
+        int32_t to_mode, from_mode;
+    } cells[] = {
+        {"ascii8", nullptr, 3, 2},   {"iso_1", "ISO-8859-1", 3, 3}, {"cp850", "CP850", 3, 3},
+        {"cp437", "CP437", 3, 3},    {"roman8", "HP-ROMAN8", 3, 3}, {"mac", "MACINTOSH", 3, 3},
+        {"eucjis", "EUC-JP", 3, 3},  {"sjis", nullptr, 3, 3},       {"deckanji", nullptr, 3, 3},
+        {"caseswap", nullptr, 0, 0},
+    };
+    for (const Cell &c : cells) {
+        SCOPED_TRACE(c.set);
+        EXPECT_EQ(mode("utf8", c.set), c.to_mode);
+        EXPECT_EQ(mode(c.set, "utf8"), c.from_mode);
+        if (c.to_mode == 0) continue;
+        const std::string e = "\xc3\xa9", want = c.iconv ? encode(e, c.iconv) : "?";
+        DataFormat u = fmt("utf8", CS_CHAR, 2), o = fmt(c.set, CS_CHAR, 8);
+        char out[8], back[8];
+        int32_t len = -1, back_len = -1, state[2];
+        com_intl_xlate(&ctx, &u, const_cast<char *>(e.data()), &o, out, &len, state);
+        EXPECT_EQ(std::string(out, static_cast<size_t>(len)), want);
+        o.maxlength = len;
+        u.maxlength = sizeof back;
+        com_intl_xlate(&ctx, &o, out, &u, back, &back_len, state);
+        EXPECT_EQ(std::string(back, static_cast<size_t>(back_len)), c.iconv ? e : "?");
     }
 }
 

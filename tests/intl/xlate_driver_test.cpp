@@ -1,5 +1,7 @@
-// The translation driver once a pair is decided: framing of CS_VARCHAR values, the plain copy
-// (including its copy from the caller's source address), state words and result mapping.
+// The translation driver's framing of CS_VARCHAR values: the plain copy starts at the record's
+// length word (and leaves a record copied onto itself alone), and a damaged length word is kept
+// within the record. Statuses and state words are checked through the locales in
+// xlate_dispatch_test.cpp.
 #include <comnlib.h>
 #include "intl/xlate/xlate_dispatch.h"
 
@@ -7,15 +9,9 @@
 
 #include <cstring>
 #include <string>
+#include <utility>
 
 namespace {
-
-DataFormat fmt(int32_t type, int32_t maxlength) {
-    DataFormat f{};
-    f.datatype = type;
-    f.maxlength = maxlength;
-    return f;
-}
 
 struct VarChar {
     int16_t len;
@@ -23,113 +19,34 @@ struct VarChar {
 };
 static_assert(sizeof(VarChar) == 258);
 
-VarChar varchar(const char *s) {
-    VarChar v{};
-    v.len = static_cast<int16_t>(std::strlen(s));
-    std::memcpy(v.text, s, static_cast<size_t>(v.len));
-    return v;
-}
-
-TEST(XlateDriver, ImpossiblePairClearsStateAndWritesNothing) {
-    DataFormat s = fmt(CS_CHAR, 3), d = fmt(CS_CHAR, 3);
-    char in[] = "abc", out[] = "xyz";
-    int32_t len = 99, state[2] = {5, 6};
-    EXPECT_EQ(comn::xlate_run(COM_XLT_MODE_NONE, nullptr, &s, in, &d, out, &len, state),
-              CS_CONV_NOXLT);
-    EXPECT_EQ(len, 0);
-    EXPECT_EQ(state[0], 0);
-    EXPECT_EQ(state[1], 0);
-    EXPECT_STREQ(out, "xyz");
-    // A converting mode without a converter is just as impossible.
-    EXPECT_EQ(comn::xlate_run(COM_XLT_MODE_CONVERT, nullptr, &s, in, &d, out, &len, state),
-              CS_CONV_NOXLT);
-}
-
-TEST(XlateDriver, CopyTakesTheShorterLength) {
-    char in[] = "abcdef", out[8] = {};
+TEST(XlateDriver, VarCharCopyAndDamagedLengths) {
+    VarChar in{5, "hello"}, out{};
     int32_t len = 0, state[2] = {};
-    DataFormat s = fmt(CS_CHAR, 6), d = fmt(CS_CHAR, 4);
-    EXPECT_EQ(comn::xlate_run(COM_XLT_MODE_COPY, nullptr, &s, in, &d, out, &len, state),
-              CS_CONV_OVERFLOW);
-    EXPECT_EQ(len, 4);
-    EXPECT_EQ(state[0], 4);
-    EXPECT_EQ(std::string(out), "abcd");
-    d.maxlength = 8;
-    EXPECT_EQ(comn::xlate_run(COM_XLT_MODE_COPY, nullptr, &s, in, &d, out, &len, state),
-              CS_SUCCEED);
-    EXPECT_EQ(len, 6);
-}
-
-TEST(XlateDriver, CopyOfAVarCharStartsAtItsLengthWord) {
-    VarChar in = varchar("hello");
-    VarChar out{};
-    int32_t len = 0, state[2] = {};
-    DataFormat s = fmt(CS_VARCHAR, 258), d = fmt(CS_VARCHAR, 258);
+    DataFormat s{}, d{};
+    s.datatype = d.datatype = CS_VARCHAR;
+    s.maxlength = d.maxlength = 258;
     EXPECT_EQ(comn::xlate_run(COM_XLT_MODE_COPY, nullptr, &s, &in, &d, &out, &len, state),
               CS_SUCCEED);
     EXPECT_EQ(len, 5);
     EXPECT_EQ(out.len, 5);
     // The five bytes copied are the source's length word and its first three characters.
     EXPECT_EQ(std::memcmp(out.text, &in, 5), 0);
-
-    // The same record on both sides is left alone.
-    len = 0;
     EXPECT_EQ(comn::xlate_run(COM_XLT_MODE_COPY, nullptr, &s, &in, &d, &in, &len, state),
               CS_SUCCEED);
     EXPECT_EQ(std::string(in.text, 5), "hello");
     EXPECT_EQ(in.len, 5);
-}
 
-TEST(XlateDriver, DamagedVarCharLengthIsKeptWithinTheRecord) {
-    VarChar in = varchar("abc");
-    char out[300] = {};
-    int32_t len = 0, state[2] = {};
-    DataFormat s = fmt(CS_VARCHAR, 258), d = fmt(CS_CHAR, 300);
-    in.len = 3000;
-    EXPECT_EQ(comn::xlate_run(COM_XLT_MODE_CONVERT, com__fou_iso1_to_cp850, &s, &in, &d, out, &len,
-                              state),
-              CS_SUCCEED);
-    EXPECT_EQ(len, 256);
-    in.len = -5;
-    EXPECT_EQ(comn::xlate_run(COM_XLT_MODE_CONVERT, com__fou_iso1_to_cp850, &s, &in, &d, out, &len,
-                              state),
-              CS_SUCCEED);
-    EXPECT_EQ(len, 0);
-}
-
-TEST(XlateDriver, ConverterResultsMapToStatuses) {
-    struct {
-        const char *in;
-        int32_t room;
-        int32_t status, len;
-    } cases[] = {
-        {"caf\xE9", 4, CS_SUCCEED, 4},
-        {"caf\xE9", 3, CS_CONV_OVERFLOW, 3},
-        {"\xA4", 1, CS_CONV_BADXLT, 1},    // iso_1 currency sign has no cp437 byte
-        {"\xA4xyz", 2, CS_CONV_BADXLT, 2}, // bad character and short destination
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.in);
-        VarChar out{};
-        int32_t len = 0, state[2] = {};
-        DataFormat s = fmt(CS_CHAR, static_cast<int32_t>(std::strlen(c.in)));
-        DataFormat d = fmt(CS_CHAR, c.room);
-        EXPECT_EQ(comn::xlate_run(COM_XLT_MODE_CONVERT, com__fou_iso1_to_cp437, &s, c.in, &d,
-                                  out.text, &len, state),
-                  c.status);
-        EXPECT_EQ(len, c.len);
-        EXPECT_EQ(state[0], c.len);
-        EXPECT_EQ(state[1], c.len);
+    // A length word beyond the record reads 256 bytes; a negative one reads none.
+    char text[300] = {};
+    d.datatype = CS_CHAR;
+    d.maxlength = sizeof text;
+    for (const auto &[word, want] : {std::pair<int16_t, int32_t>{3000, 256}, {-5, 0}}) {
+        in.len = word;
+        EXPECT_EQ(comn::xlate_run(COM_XLT_MODE_CONVERT, com__fou_iso1_to_cp850, &s, &in, &d, text,
+                                  &len, state),
+                  CS_SUCCEED);
+        EXPECT_EQ(len, want);
     }
-    // iso_1 e-acute is 82 in cp437; a CS_VARCHAR destination gets its length word.
-    VarChar out{};
-    int32_t len = 0, state[2] = {};
-    DataFormat s = fmt(CS_CHAR, 4), d = fmt(CS_VARCHAR, 258);
-    EXPECT_EQ(comn::xlate_run(COM_XLT_MODE_CONVERT, com__fou_iso1_to_cp437, &s, "caf\xE9", &d, &out,
-                              &len, state),
-              CS_SUCCEED);
-    EXPECT_EQ(out.len, 4);
-    EXPECT_EQ(std::string(out.text, 4), "caf\x82");
 }
 
 } // namespace

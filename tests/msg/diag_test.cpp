@@ -57,11 +57,8 @@ TEST(Trace, LevelsFilterNormalFlow) {
         EXPECT_EQ(back, c.status);
         EXPECT_EQ(out, c.want) << c.level << " " << c.status;
     }
-}
-
-TEST(Trace, ErrsetReturnsLevelMinusOne) {
     TraceLevel level(COM_TRACE_OFF);
-    EXPECT_EQ(com_errset(3), 2);
+    EXPECT_EQ(com_errset(3), 2); // the level before, less one
     EXPECT_EQ(Com_trace_enable, 3);
     EXPECT_DEATH(com_errset(4), "assertion failed");
 }

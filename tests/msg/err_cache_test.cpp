@@ -36,8 +36,26 @@ void expect_consistent(const MsgHome &h) {
     EXPECT_LE(n, COM_ERR_CACHE_MAX);
 }
 
-TEST(ErrCache, LoadsAFileOncePerName) {
+TEST(ErrCache, FileLoadsOnceOrFailsLeavingNothing) {
     MsgHome h;
+    EXPECT_EQ(com_err_init(&h.ctx, &h.ec, kSections, 2, nullptr, 0), COM_INTL_ERROR); // no file
+    EXPECT_EQ(h.ctx.intl_status, INTL_E_OPEN);
+    struct Case {
+        const char *file;
+        int32_t rc, status;
+    } refused[] = {
+        {"[fallback]\n1 = X, \"one\"\n[other]\n5 = X, \"five\"\n", CS_FAIL, 0}, // no msgs
+        {"[fallback]\nno equals sign here\n[msgs]\n1 = X, \"one\"\n", COM_INTL_ERROR,
+         INTL_E_SYNTAX},
+    };
+    for (const Case &c : refused) {
+        h.write(c.file);
+        h.ctx.intl_status = 0;
+        EXPECT_EQ(com_err_init(&h.ctx, &h.ec, kSections, 2, nullptr, 0), c.rc) << c.file;
+        EXPECT_EQ(h.ctx.intl_status, c.status);
+        EXPECT_EQ(h.loc.msgcache->files, nullptr);
+        EXPECT_EQ(msg(h, 1, 1), "<none>");
+    }
     h.write("[fallback]\n1 = X, \"one\"\n[msgs]\n5 = 42000, \"five\"\n");
     const ComErrKey pre[] = {{7, 5}};
     ASSERT_EQ(com_err_init(&h.ctx, &h.ec, kSections, 2, pre, 1), CS_SUCCEED);
@@ -50,29 +68,12 @@ TEST(ErrCache, LoadsAFileOncePerName) {
     EXPECT_EQ(h.loc.msgcache->files->next, nullptr);
 }
 
-TEST(ErrCache, SectionMissingFromFileFailsAndLeavesNothing) {
-    MsgHome h;
-    h.write("[fallback]\n1 = X, \"one\"\n[other]\n5 = X, \"five\"\n");
-    EXPECT_EQ(com_err_init(&h.ctx, &h.ec, kSections, 2, nullptr, 0), CS_FAIL);
-    EXPECT_EQ(h.loc.msgcache->files, nullptr);
-    EXPECT_EQ(msg(h, 1, 1), "<none>");
-}
-
-TEST(ErrCache, MissingFileAndReaderErrors) {
-    MsgHome h;
-    EXPECT_EQ(com_err_init(&h.ctx, &h.ec, kSections, 2, nullptr, 0), COM_INTL_ERROR);
-    EXPECT_EQ(h.ctx.intl_status, INTL_E_OPEN);
-    h.write("[fallback]\nno equals sign here\n[msgs]\n1 = X, \"one\"\n");
-    EXPECT_EQ(com_err_init(&h.ctx, &h.ec, kSections, 2, nullptr, 0), COM_INTL_ERROR);
-    EXPECT_EQ(h.ctx.intl_status, INTL_E_SYNTAX);
-    EXPECT_EQ(h.loc.msgcache->files, nullptr);
-}
-
 TEST(ErrCache, PreloadsAndOnDemandLoads) {
     MsgHome h;
     h.write("; unknown sections and odd keys are skipped\n[junk]\n1 = X, \"junk\"\n" +
             numbered_section("fallback", 1, 4) + "[msgs]\nabc = X, \"not a number\"\n" +
-            "12x = X, \"not a number\"\n3 = 22003, \"three\"\n 9 = S9, \"nine\"\n");
+            "12x = X, \"not a number\"\n3 = 22003, \"three\"\n 9 = S9, \"nine\"\n" +
+            "10 = ABCDEFGHIJ, \"ten\"\n");
     const ComErrKey pre[] = {{1, 2}, {7, 3}};
     ASSERT_EQ(com_err_init(&h.ctx, &h.ec, kSections, 2, pre, 2), CS_SUCCEED);
     EXPECT_EQ(h.count(), 2);
@@ -88,17 +89,9 @@ TEST(ErrCache, PreloadsAndOnDemandLoads) {
     EXPECT_EQ(std::string(state, len), "22003");
     EXPECT_EQ(com_err_sqlstate(&h.ctx, &h.ec, 3, 7, state, 4, &len), CS_FAIL);
     EXPECT_EQ(len, 5);
+    EXPECT_EQ(com_err_sqlstate(&h.ctx, &h.ec, 10, 7, state, 8, &len), CS_SUCCEED);
+    EXPECT_EQ(std::string(state, len), "ABCDEFG"); // cut to seven characters
     expect_consistent(h);
-}
-
-TEST(ErrCache, SqlStateIsCutToSevenCharacters) {
-    MsgHome h;
-    h.write("[fallback]\n1 = ABCDEFGHIJ, \"x\"\n[msgs]\n");
-    ASSERT_EQ(com_err_init(&h.ctx, &h.ec, kSections, 2, nullptr, 0), CS_SUCCEED);
-    char state[8];
-    int32_t len;
-    ASSERT_EQ(com_err_sqlstate(&h.ctx, &h.ec, 1, 1, state, 8, &len), CS_SUCCEED);
-    EXPECT_EQ(std::string(state, len), "ABCDEFG");
 }
 
 TEST(ErrCache, HundredEntriesThenTheFirstLoadedIsEvictedAndReloaded) {
