@@ -24,6 +24,7 @@
 #include "comnlib/convert.h"
 #include "comnlib/numeric.h"
 #include "convert/buffers.h"
+#include "convert/entry.h"
 
 namespace comn {
 namespace {
@@ -201,28 +202,21 @@ using Fixed_bit = Fixed<uint8_t, true>;
 } // namespace comn
 
 #define COMN_DEFINE_BIN_(d)                                                                        \
-    extern "C" COMN_API int32_t comn_binto##d(ComContext *, DataFormat *srcfmt, void *src,         \
-                                              DataFormat *destfmt, void *dest, int32_t *destlen) { \
+    COMN_CONV_ROUTINE(comn_binto##d) {                                                             \
         return comn::From_bin::d_##d(srcfmt, src, destfmt, dest, destlen);                         \
     }
 #define COMN_DEFINE_VARBIN_(d)                                                                     \
-    extern "C" COMN_API int32_t comn_varbinto##d(ComContext *, DataFormat *srcfmt, void *src,      \
-                                                 DataFormat *destfmt, void *dest,                  \
-                                                 int32_t *destlen) {                               \
+    COMN_CONV_ROUTINE(comn_varbinto##d) {                                                          \
         return comn::From_varbin::d_##d(srcfmt, src, destfmt, dest, destlen);                      \
     }
 COMN_BINARY_DESTS(COMN_DEFINE_BIN_)
 COMN_BINARY_DESTS(COMN_DEFINE_VARBIN_)
 
 #define COMN_DEFINE_FIXED_TOBIN_(s)                                                                \
-    extern "C" COMN_API int32_t comn_##s##tobin(ComContext *, DataFormat *, void *src,             \
-                                                DataFormat *destfmt, void *dest,                   \
-                                                int32_t *destlen) {                                \
+    COMN_CONV_ROUTINE(comn_##s##tobin) {                                                           \
         return comn::Fixed_##s::tobin(src, destfmt, dest, destlen);                                \
     }                                                                                              \
-    extern "C" COMN_API int32_t comn_##s##tovarbin(ComContext *, DataFormat *, void *src,          \
-                                                   DataFormat *destfmt, void *dest,                \
-                                                   int32_t *destlen) {                             \
+    COMN_CONV_ROUTINE(comn_##s##tovarbin) {                                                        \
         return comn::Fixed_##s::tovarbin(src, destfmt, dest, destlen);                             \
     }
 COMN_NUMBER_OUTPUT_SOURCES(COMN_DEFINE_FIXED_TOBIN_)

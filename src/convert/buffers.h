@@ -25,6 +25,23 @@ inline void store(void *p, const T &v) {
     std::memcpy(p, &v, sizeof v);
 }
 
+// Stores the integer v into a destination of type R::type when it lies in [R::lo, R::hi];
+// otherwise stores the nearer end of that range and answers CS_CONV_OVERFLOW.
+template <typename R>
+inline int32_t store_clamped(void *dest, int64_t v) {
+    using T = typename R::type;
+    if (v < R::lo) {
+        store<T>(dest, static_cast<T>(R::lo));
+        return CS_CONV_OVERFLOW;
+    }
+    if (v > R::hi) {
+        store<T>(dest, static_cast<T>(R::hi));
+        return CS_CONV_OVERFLOW;
+    }
+    store<T>(dest, static_cast<T>(v));
+    return CS_SUCCEED;
+}
+
 constexpr int32_t kVarRoom = 256;  // bytes a CS_VARCHAR or CS_VARBINARY holds
 constexpr int32_t kVarFrame = 258; // its length word and bytes
 

@@ -20,7 +20,6 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
-#include <type_traits>
 
 #include "comnlib/convert.h"
 #include "comnlib/money.h"
@@ -29,6 +28,7 @@
 #include "convert/int_scan.h"
 #include "datetime/dtlocale.h"
 #include "convert/buffers.h"
+#include "convert/entry.h"
 
 namespace comn {
 namespace {
@@ -262,52 +262,45 @@ int32_t to_num(ComContext *ctx, DataFormat *srcfmt, void *src, DataFormat *destf
 
 // ---- Money and dates: each parser has a wide and a narrow form ----
 
-struct P_money {
-    using V = MoneyValue;
+template <typename Value, auto Parse>
+struct P_money_of {
+    using V = Value;
+    static constexpr bool money = true;
     static int32_t parse(V *v, const Text &t, ComContext *, DataFormat *, const CharAttrib *a) {
-        return com__mnyfromchar_mb(v, t.p, t.n, 0, a);
-    }
-};
-struct P_mny4 {
-    using V = Money4Value;
-    static int32_t parse(V *v, const Text &t, ComContext *, DataFormat *, const CharAttrib *a) {
-        return com__mny4fromchar_mb(v, t.p, t.n, 0, a);
+        return Parse(v, t.p, t.n, 0, a);
     }
 };
 // Month names and the date order come from the source's locale, else the context's.
-struct P_datetime {
-    using V = DateTimeValue;
+template <typename Value, auto Parse>
+struct P_date_of {
+    using V = Value;
+    static constexpr bool money = false;
     static int32_t parse(V *v, const Text &t, ComContext *ctx, DataFormat *fmt,
                          const CharAttrib *a) {
-        return com__datefromchar_mb(v, t.p, t.n, 0, dtloc::dateorder_id(ctx, fmt),
-                                    dtloc::months(ctx, fmt), dtloc::short_months(ctx, fmt), a);
+        return Parse(v, t.p, t.n, 0, dtloc::dateorder_id(ctx, fmt), dtloc::months(ctx, fmt),
+                     dtloc::short_months(ctx, fmt), a);
     }
 };
-struct P_date4 {
-    using V = DateTime4Value;
-    static int32_t parse(V *v, const Text &t, ComContext *ctx, DataFormat *fmt,
-                         const CharAttrib *a) {
-        return com__date4fromchar_mb(v, t.p, t.n, 0, dtloc::dateorder_id(ctx, fmt),
-                                     dtloc::months(ctx, fmt), dtloc::short_months(ctx, fmt), a);
-    }
-};
+using P_money = P_money_of<MoneyValue, com__mnyfromchar_mb>;
+using P_mny4 = P_money_of<Money4Value, com__mny4fromchar_mb>;
+using P_datetime = P_date_of<DateTimeValue, com__datefromchar_mb>;
+using P_date4 = P_date_of<DateTime4Value, com__date4fromchar_mb>;
 
 // Money parsers answer arithmetic codes; date parsers a negative code for text they cannot
 // read and a positive one for a value out of range.
 template <typename S, typename P>
 int32_t to_parsed(ComContext *ctx, DataFormat *srcfmt, void *src, DataFormat *, void *dest,
                   int32_t *destlen) {
-    constexpr bool money = std::is_same_v<P, P_money> || std::is_same_v<P, P_mny4>;
     const Text t = S::text(srcfmt, src);
     *destlen = sizeof(typename P::V);
     typename P::V v{};
     const int32_t rc = P::parse(&v, t, ctx, srcfmt, com_intl_charattr(ctx, srcfmt));
-    if (money ? rc == COMN_ARITH_SYNTAX : rc < COMN_DATE_OK) {
+    if (P::money ? rc == COMN_ARITH_SYNTAX : rc < COMN_DATE_OK) {
         *destlen = 0;
         return CS_CONV_SYNTAX;
     }
     store(dest, v);
-    if (money ? rc == COMN_ARITH_OVERFLOW : rc > COMN_DATE_OK) return CS_CONV_OVERFLOW;
+    if (P::money ? rc == COMN_ARITH_OVERFLOW : rc > COMN_DATE_OK) return CS_CONV_OVERFLOW;
     return CS_SUCCEED;
 }
 
@@ -344,10 +337,6 @@ int32_t to_varbin(ComContext *, DataFormat *srcfmt, void *src, DataFormat *, voi
 
 // ---- One entry per destination short name ----
 
-#define COMN_TEXT_ARGS_                                                                            \
-    ComContext *ctx, DataFormat *srcfmt, void *src, DataFormat *destfmt, void *dest,               \
-        int32_t *destlen
-
 template <typename S>
 struct From {
     static constexpr ComConvFunc bit = to_integer<S, D_bit>;
@@ -370,10 +359,10 @@ struct From {
 } // namespace comn
 
 #define COMN_DEFINE_TEXT_INPUT_(d)                                                                 \
-    extern "C" COMN_API int32_t comn_charto##d(COMN_TEXT_ARGS_) {                                  \
+    COMN_CONV_ROUTINE(comn_charto##d) {                                                            \
         return comn::From<comn::CharSource>::d(ctx, srcfmt, src, destfmt, dest, destlen);          \
     }                                                                                              \
-    extern "C" COMN_API int32_t comn_varcharto##d(COMN_TEXT_ARGS_) {                               \
+    COMN_CONV_ROUTINE(comn_varcharto##d) {                                                         \
         return comn::From<comn::VarcharSource>::d(ctx, srcfmt, src, destfmt, dest, destlen);       \
     }
 COMN_TEXT_INPUT_DESTS(COMN_DEFINE_TEXT_INPUT_)

@@ -21,6 +21,7 @@
 
 #include "comnlib/convert.h"
 #include "comnlib/numeric.h"
+#include "convert/entry.h"
 
 namespace comn {
 namespace {
@@ -99,9 +100,7 @@ int32_t into_numeric(DataFormat *destfmt, const void *src, void *dest, int32_t *
 } // namespace comn
 
 #define COMN_DEFINE_INTO_NUM_(a)                                                                   \
-    extern "C" COMN_API int32_t comn_##a##tonum(ComContext *, DataFormat *, void *src,             \
-                                                DataFormat *destfmt, void *dest,                   \
-                                                int32_t *destlen) {                                \
+    COMN_CONV_ROUTINE(comn_##a##tonum) {                                                           \
         return comn::into_numeric<comn::N_##a>(destfmt, src, dest, destlen);                       \
     }
 COMN_INTO_NUMERIC_SOURCES(COMN_DEFINE_INTO_NUM_)

@@ -14,39 +14,32 @@
 #include "comnlib/convert.h"
 #include "money/money_internal.h"
 #include "convert/buffers.h"
+#include "convert/entry.h"
 
 namespace comn {
 namespace {
 
 // ---- Sources ----
 
+// Each source reads its value record widened to 8-byte money, and gives it as a float or
+// double through its own width's routine.
 struct S_money {
+    using value = MoneyValue;
     static MoneyValue wide(const void *src) { return load<MoneyValue>(src); }
-    static void to_flt8(const void *src, double *d) {
-        const MoneyValue m = wide(src);
-        com__mnytoflt8(&m, 8, d);
-    }
-    static void to_flt4(const void *src, float *f) {
-        const MoneyValue m = wide(src);
-        com__mnytoflt4(&m, 8, f);
-    }
+    static void to_float(const MoneyValue &m, double *d) { com__mnytoflt8(&m, 8, d); }
+    static void to_float(const MoneyValue &m, float *f) { com__mnytoflt4(&m, 8, f); }
 };
 
 struct S_mny4 {
+    using value = Money4Value;
     static MoneyValue wide(const void *src) {
         const Money4Value m = load<Money4Value>(src);
         MoneyValue w;
         com__mny4tomny(&m, &w);
         return w;
     }
-    static void to_flt8(const void *src, double *d) {
-        const Money4Value m = load<Money4Value>(src);
-        com__mny4toflt8(&m, d);
-    }
-    static void to_flt4(const void *src, float *f) {
-        const Money4Value m = load<Money4Value>(src);
-        com__mny4toflt4(&m, f);
-    }
+    static void to_float(const Money4Value &m, double *d) { com__mny4toflt8(&m, d); }
+    static void to_float(const Money4Value &m, float *f) { com__mny4toflt4(&m, f); }
 };
 
 // ---- Integer destinations and sources ----
@@ -73,16 +66,7 @@ int32_t money_to_int(const void *src, void *dest, int32_t *destlen) {
         v = m.high < 0 ? INT64_MIN : INT64_MAX; // beyond either end of any destination
     else
         v = whole;
-    if (v < I::lo) {
-        store<T>(dest, static_cast<T>(I::lo));
-        return CS_CONV_OVERFLOW;
-    }
-    if (v > I::hi) {
-        store<T>(dest, static_cast<T>(I::hi));
-        return CS_CONV_OVERFLOW;
-    }
-    store<T>(dest, static_cast<T>(v));
-    return CS_SUCCEED;
+    return store_clamped<I>(dest, v);
 }
 
 template <typename S>
@@ -93,20 +77,12 @@ int32_t money_to_bit(const void *src, void *dest, int32_t *destlen) {
     return CS_SUCCEED;
 }
 
-template <typename S>
-int32_t money_to_flt8(const void *src, void *dest, int32_t *destlen) {
-    *destlen = 8;
-    double d;
-    S::to_flt8(src, &d);
-    store(dest, d);
-    return CS_SUCCEED;
-}
-
-template <typename S>
-int32_t money_to_flt4(const void *src, void *dest, int32_t *destlen) {
-    *destlen = 4;
-    float f;
-    S::to_flt4(src, &f);
+// F is float or double.
+template <typename S, typename F>
+int32_t money_to_float(const void *src, void *dest, int32_t *destlen) {
+    *destlen = static_cast<int32_t>(sizeof(F));
+    F f;
+    S::to_float(load<typename S::value>(src), &f);
     store(dest, f);
     return CS_SUCCEED;
 }
@@ -149,22 +125,14 @@ int32_t int_to_mny4(const void *src, void *dest, int32_t *destlen) {
 }
 
 // A float source is a value of its fixed size: its length is never the "no value" length 0.
-template <typename T>
+// Convert is the double-to-money routine of destination M, which answers M's size on success.
+template <typename T, typename M, auto Convert>
 int32_t float_to_money(const void *src, void *dest, int32_t *destlen) {
-    *destlen = 8;
+    constexpr int32_t size = sizeof(M);
+    *destlen = size;
     const double v = load<T>(src);
-    MoneyValue m;
-    const int32_t rc = com__flt8tomny(&v, 8, &m) == 8 ? CS_SUCCEED : CS_CONV_OVERFLOW;
-    store(dest, m);
-    return rc;
-}
-
-template <typename T>
-int32_t float_to_mny4(const void *src, void *dest, int32_t *destlen) {
-    *destlen = 4;
-    const double v = load<T>(src);
-    Money4Value m;
-    const int32_t rc = com__flt8tomny4(&v, 8, &m) == 4 ? CS_SUCCEED : CS_CONV_OVERFLOW;
+    M m;
+    const int32_t rc = Convert(&v, 8, &m) == size ? CS_SUCCEED : CS_CONV_OVERFLOW;
     store(dest, m);
     return rc;
 }
@@ -177,8 +145,8 @@ struct FromMoney {
     static constexpr auto i4 = money_to_int<S, I_i4>;
     static constexpr auto i8 = money_to_int<S, I_i8>;
     static constexpr auto bit = money_to_bit<S>;
-    static constexpr auto flt4 = money_to_flt4<S>;
-    static constexpr auto flt8 = money_to_flt8<S>;
+    static constexpr auto flt4 = money_to_float<S, float>;
+    static constexpr auto flt8 = money_to_float<S, double>;
     static constexpr auto money = money_to_money<S>;
     static constexpr auto mny4 = money_to_mny4<S>;
 };
@@ -190,8 +158,8 @@ struct IntoMoney {
 };
 template <typename T>
 struct IntoMoney<T, true> {
-    static constexpr auto money = float_to_money<T>;
-    static constexpr auto mny4 = float_to_mny4<T>;
+    static constexpr auto money = float_to_money<T, MoneyValue, com__flt8tomny>;
+    static constexpr auto mny4 = float_to_money<T, Money4Value, com__flt8tomny4>;
 };
 
 using Src_money = FromMoney<S_money>;
@@ -206,8 +174,7 @@ using Src_flt8 = IntoMoney<double>;
 } // namespace comn
 
 #define COMN_DEFINE_MONEY_PAIR_(a, b)                                                              \
-    extern "C" COMN_API int32_t comn_##a##to##b(ComContext *, DataFormat *, void *src,             \
-                                                DataFormat *, void *dest, int32_t *destlen) {      \
+    COMN_CONV_ROUTINE(comn_##a##to##b) {                                                           \
         return comn::Src_##a::b(src, dest, destlen);                                               \
     }
 COMN_MONEY_SOURCE_PAIRS(COMN_DEFINE_MONEY_PAIR_)

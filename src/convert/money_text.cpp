@@ -18,6 +18,7 @@
 #include "comnlib/convert.h"
 #include "comnlib/money.h"
 #include "convert/cross_text.h"
+#include "convert/entry.h"
 
 namespace comn {
 namespace {
@@ -86,9 +87,7 @@ using Src_mny4 = To<Money4>;
 } // namespace comn
 
 #define COMN_DEFINE_MONEY_TEXT_(a, b)                                                              \
-    extern "C" COMN_API int32_t comn_##a##to##b(ComContext *, DataFormat *, void *src,             \
-                                                DataFormat *destfmt, void *dest,                   \
-                                                int32_t *destlen) {                                \
+    COMN_CONV_ROUTINE(comn_##a##to##b) {                                                           \
         return comn::Src_##a::b##_(destfmt, src, dest, destlen);                                   \
     }
 #define COMN_DEFINE_MONEY_TEXT_BOTH_(b)                                                            \

@@ -24,6 +24,7 @@
 
 #include "comnlib/convert.h"
 #include "convert/buffers.h"
+#include "convert/entry.h"
 
 namespace comn {
 namespace {
@@ -187,13 +188,10 @@ int32_t to_varchar(const void *src, void *dest, int32_t *destlen) {
 } // namespace comn
 
 #define COMN_DEFINE_NUMBER_TEXT_(s)                                                                \
-    extern "C" COMN_API int32_t comn_##s##tochar(ComContext *, DataFormat *, void *src,            \
-                                                 DataFormat *destfmt, void *dest,                  \
-                                                 int32_t *destlen) {                               \
+    COMN_CONV_ROUTINE(comn_##s##tochar) {                                                          \
         return comn::to_char<comn::Src_##s>(src, destfmt, dest, destlen);                          \
     }                                                                                              \
-    extern "C" COMN_API int32_t comn_##s##tovarchar(ComContext *, DataFormat *, void *src,         \
-                                                    DataFormat *, void *dest, int32_t *destlen) {  \
+    COMN_CONV_ROUTINE(comn_##s##tovarchar) {                                                       \
         return comn::to_varchar<comn::Src_##s>(src, dest, destlen);                                \
     }
 COMN_NUMBER_OUTPUT_SOURCES(COMN_DEFINE_NUMBER_TEXT_)

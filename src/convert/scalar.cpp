@@ -20,6 +20,7 @@
 
 #include "comnlib/convert.h"
 #include "convert/buffers.h"
+#include "convert/entry.h"
 
 namespace comn {
 namespace {
@@ -100,17 +101,7 @@ int32_t scalar_convert(const void *src, void *dest, int32_t *destlen) {
     } else if constexpr (S::kind == Kind::Float) {
         return float_to_int<D>(v, dest);
     } else {
-        const long long x = v;
-        if (x < D::lo) {
-            store<DT>(dest, static_cast<DT>(D::lo));
-            return CS_CONV_OVERFLOW;
-        }
-        if (x > D::hi) {
-            store<DT>(dest, static_cast<DT>(D::hi));
-            return CS_CONV_OVERFLOW;
-        }
-        store<DT>(dest, static_cast<DT>(x));
-        return CS_SUCCEED;
+        return store_clamped<D>(dest, v);
     }
 }
 
@@ -118,8 +109,7 @@ int32_t scalar_convert(const void *src, void *dest, int32_t *destlen) {
 } // namespace comn
 
 #define COMN_DEFINE_SCALAR_(a, b)                                                                  \
-    extern "C" COMN_API int32_t comn_##a##to##b(ComContext *, DataFormat *, void *src,             \
-                                                DataFormat *, void *dest, int32_t *destlen) {      \
+    COMN_CONV_ROUTINE(comn_##a##to##b) {                                                           \
         return comn::scalar_convert<comn::T_##a, comn::T_##b>(src, dest, destlen);                 \
     }
 COMN_SCALAR_PAIRS(COMN_DEFINE_SCALAR_)

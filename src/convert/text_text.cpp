@@ -22,6 +22,7 @@
 #include "comnlib/convert.h"
 #include "comnlib/intl.h"
 #include "convert/buffers.h"
+#include "convert/entry.h"
 
 namespace comn {
 namespace {
@@ -197,14 +198,12 @@ COMN_API int32_t comnb_truncate_chars(const CharAttrib *attr, const char *text, 
     return pos;
 }
 
-#define COMN_DEFINE_TEXT_(src)                                                                     \
-    COMN_API int32_t comn_##src##tochar(ComContext *ctx, DataFormat *srcfmt, void *s,              \
-                                        DataFormat *destfmt, void *dest, int32_t *destlen) {       \
-        return comn::to_char<comn::src##_source>(ctx, srcfmt, s, destfmt, dest, destlen);          \
+#define COMN_DEFINE_TEXT_(s)                                                                       \
+    COMN_CONV_ROUTINE(comn_##s##tochar) {                                                          \
+        return comn::to_char<comn::s##_source>(ctx, srcfmt, src, destfmt, dest, destlen);          \
     }                                                                                              \
-    COMN_API int32_t comn_##src##tovarchar(ComContext *ctx, DataFormat *srcfmt, void *s,           \
-                                           DataFormat *destfmt, void *dest, int32_t *destlen) {    \
-        return comn::to_varchar<comn::src##_source>(ctx, srcfmt, s, destfmt, dest, destlen);       \
+    COMN_CONV_ROUTINE(comn_##s##tovarchar) {                                                       \
+        return comn::to_varchar<comn::s##_source>(ctx, srcfmt, src, destfmt, dest, destlen);       \
     }
 COMN_DEFINE_TEXT_(char)
 COMN_DEFINE_TEXT_(varchar)

@@ -61,6 +61,14 @@ int32_t double_to_money4(const double *value, int32_t len, Money4Value *dst) {
     return com__mnytomny4(&wide, dst) == 4 ? 4 : -1;
 }
 
+// A float source goes through the double routine To at its exact widened value.
+template <auto To, typename M>
+int32_t from_float(const float *value, int32_t len, M *dst) {
+    if (value == nullptr) return To(nullptr, len, dst);
+    const double wide = *value;
+    return To(&wide, len, dst);
+}
+
 // The money value in currency units: (high * 2^32 + low) / 10000. It is computed as one
 // division of the exact 64-bit count rather than as low / 10000 + high * 429496.7296, which
 // denotes the same number but loses up to hundreds of ulps to cancellation when a small
@@ -152,9 +160,7 @@ COMN_API int32_t com__flt8tomny(const double *value, int32_t len, MoneyValue *ds
 }
 
 COMN_API int32_t com__flt4tomny(const float *value, int32_t len, MoneyValue *dst) {
-    if (value == nullptr) return double_to_money(nullptr, len, dst);
-    const double wide = *value;
-    return double_to_money(&wide, len, dst);
+    return from_float<double_to_money>(value, len, dst);
 }
 
 COMN_API int32_t com__flt8tomny4(const double *value, int32_t len, Money4Value *dst) {
@@ -162,9 +168,7 @@ COMN_API int32_t com__flt8tomny4(const double *value, int32_t len, Money4Value *
 }
 
 COMN_API int32_t com__flt4tomny4(const float *value, int32_t len, Money4Value *dst) {
-    if (value == nullptr) return double_to_money4(nullptr, len, dst);
-    const double wide = *value;
-    return double_to_money4(&wide, len, dst);
+    return from_float<double_to_money4>(value, len, dst);
 }
 
 } // extern "C"

@@ -75,14 +75,8 @@ COMN_API int32_t com__update_cache(ComMsgCache *cache, ComErrSect *section, int3
                                    const char *sqlstate, const char *text) {
     if (!cache || !section || !sqlstate || !text) return CS_FAIL;
     // Make the new entry first: a failed allocation then leaves the cache as it was.
-    auto *e = static_cast<ComErrEntry *>(comn::mem_malloc(sizeof(ComErrEntry)));
+    ComErrEntry *e = comn::new_named_record(&ComErrEntry::text, text);
     if (!e) return CS_MEM_ERROR;
-    std::memset(e, 0, sizeof *e);
-    e->text = comn::mem_strndup(text, std::strlen(text));
-    if (!e->text) {
-        comn::mem_free(e);
-        return CS_MEM_ERROR;
-    }
     com__err_filterescape(e->text);
     std::strncpy(e->sqlstate, sqlstate, COM_ERR_SQLSTATE_SIZE - 1);
     e->number = number;

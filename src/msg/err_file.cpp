@@ -103,14 +103,8 @@ COMN_API int32_t com__err_load_sections(ComContext *ctx, IntlFile *handle, ComMs
         if (!row) continue;
         ComErrSect *sec = comn::find_section(file, row->id);
         if (!sec) {
-            sec = static_cast<ComErrSect *>(comn::mem_malloc(sizeof(ComErrSect)));
+            sec = comn::new_named_record(&ComErrSect::name, name);
             if (!sec) return CS_MEM_ERROR;
-            std::memset(sec, 0, sizeof *sec);
-            sec->name = comn::mem_strndup(name, std::strlen(name));
-            if (!sec->name) {
-                comn::mem_free(sec);
-                return CS_MEM_ERROR;
-            }
             sec->id = row->id;
             sec->next = file->sections;
             file->sections = sec;
@@ -141,14 +135,8 @@ COMN_API int32_t com_err_init(ComContext *ctx, ComErrCtx *errctx, const ComErrSe
     ComMsgCache *cache = loc->msgcache;
     if (comn::find_file(cache, errctx->file)) return CS_SUCCEED;
 
-    auto *file = static_cast<ComErrFile *>(comn::mem_malloc(sizeof(ComErrFile)));
+    ComErrFile *file = comn::new_named_record(&ComErrFile::name, errctx->file);
     if (!file) return CS_MEM_ERROR;
-    std::memset(file, 0, sizeof *file);
-    file->name = comn::mem_strndup(errctx->file, std::strlen(errctx->file));
-    if (!file->name) {
-        comn::mem_free(file);
-        return CS_MEM_ERROR;
-    }
     IntlFile *h = nullptr;
     int32_t rc = comn::open_file(ctx, errctx, &h);
     if (rc == CS_SUCCEED) {

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "comnlib/intl.h"
 #include "comnlib/msg.h"
@@ -16,6 +17,21 @@ using MsgOpenFn = int32_t (*)(ComContext *ctx, const char *language, const char 
                               const char *file, IntlFile **handle);
 
 extern MsgOpenFn msg_open;
+
+// A zeroed record of type T from the allocation seam whose owned string member `field` holds a
+// copy of text; null when either allocation fails, with nothing left allocated.
+template <typename T>
+T *new_named_record(char *T::*field, const char *text) {
+    auto *r = static_cast<T *>(mem_malloc(sizeof(T)));
+    if (!r) return nullptr;
+    std::memset(r, 0, sizeof *r);
+    r->*field = mem_strndup(text, std::strlen(text));
+    if (!(r->*field)) {
+        mem_free(r);
+        return nullptr;
+    }
+    return r;
+}
 
 // Unlinks a file record from the cache's file list and frees it, taking its entries out of
 // the load-order list first so that the cache stays consistent.

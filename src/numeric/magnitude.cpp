@@ -32,6 +32,16 @@ bool mag_is_zero(const ExactNumericRef *x) {
     return true;
 }
 
+// Loads a into x and b into y, b read at a's byte positions only (any longer high part of b
+// is ignored, as a byte walk over a's length would). Answers a's magnitude length.
+int load_aligned(const ExactNumericRef *a, const ExactNumericRef *b, Nat &x, Nat &y) {
+    const int an = mag_len(a), bn = mag_len(b);
+    const int bt = bn < an ? bn : an;
+    load(a, x);
+    wide::from_be(y, mag(b) + (bn - bt), bt);
+    return an;
+}
+
 // A descriptor over the power-of-ten table entry for 10^k (k = 0..77).
 ExactNumericRef power_ref(int k) {
     const uint8_t *e = Com__Nume_Byte_Power_Array[k];
@@ -176,23 +186,16 @@ int32_t com__exctnume_scale(ExactNumericRef *x, ExactNumericRef *dst, int32_t k)
 
 int32_t com__exctnume_intadd(const ExactNumericRef *a, const ExactNumericRef *b,
                              ExactNumericRef *r) {
-    // b is read at a's byte positions only: any longer high part of b is ignored.
-    const int an = mag_len(a), bn = mag_len(b);
-    const int bt = bn < an ? bn : an;
     Nat x, y;
-    load(a, x);
-    wide::from_be(y, mag(b) + (bn - bt), bt);
+    load_aligned(a, b, x, y);
     wide::add(x, x, y);
     return wide::to_be(x, mag(r), mag_len(r)) ? COMN_ARITH_OK : COMN_ARITH_OVERFLOW;
 }
 
 int32_t com__exctnume_intsub(const ExactNumericRef *a, const ExactNumericRef *b,
                              ExactNumericRef *r) {
-    const int an = mag_len(a), bn = mag_len(b);
-    const int bt = bn < an ? bn : an;
     Nat x, y;
-    load(a, x);
-    wide::from_be(y, mag(b) + (bn - bt), bt);
+    const int an = load_aligned(a, b, x, y);
     if (wide::cmp(x, y) >= 0) {
         wide::sub(x, x, y);
     } else {

@@ -52,6 +52,17 @@ inline void trim(Nat &x) {
         --x.n;
 }
 
+// r = the limbs w[0..n) less any leading zero limbs. False when they exceed the capacity.
+inline bool take_limbs(Nat &r, const u64 *w, int n) {
+    while (n > 0 && w[n - 1] == 0)
+        --n;
+    if (n > kCap) return false;
+    for (int i = 0; i < n; ++i)
+        r.w[i] = w[i];
+    r.n = n;
+    return true;
+}
+
 inline bool is_zero(const Nat &x) {
     return x.n == 0;
 }
@@ -211,14 +222,7 @@ inline bool mul(Nat &r, const Nat &a, const Nat &b) {
         }
         tmp[j + a.n] = c;
     }
-    int n = rn;
-    while (n > 0 && tmp[n - 1] == 0)
-        --n;
-    if (n > kCap) return false;
-    for (int i = 0; i < n; ++i)
-        r.w[i] = tmp[i];
-    r.n = n;
-    return true;
+    return take_limbs(r, tmp, rn);
 }
 
 // (hi:lo) / d for hi < d: quotient, remainder in rem.
@@ -545,14 +549,7 @@ inline bool shl(Nat &x, int k) {
         out[i + limbs] |= x.w[i] << bits;
         if (bits) out[i + limbs + 1] |= x.w[i] >> (64 - bits);
     }
-    int m = n;
-    while (m > 0 && out[m - 1] == 0)
-        --m;
-    if (m > kCap) return false;
-    for (int i = 0; i < m; ++i)
-        x.w[i] = out[i];
-    x.n = m;
-    return true;
+    return take_limbs(x, out, n);
 }
 
 // x = x >> k bits; returns whether bit k - 1 (the first bit shifted out) was set.

@@ -1,6 +1,7 @@
 // TDS datatype maps: the wire type code, fixed length, flag and length-prefix size of each
-// datatype, in both directions. Tables are laid out as the protocol tables are read:
-// (TDS code, datatype id, length, flag, prefix size).
+// datatype, in both directions. The two maps by TDS code are laid out as the protocol tables
+// are read: (TDS code, datatype id, length, flag, prefix size); the two tables by datatype id
+// are derived from them.
 #include "comnlib/tds.h"
 
 namespace {
@@ -35,7 +36,7 @@ int32_t get_tdstype(const ComTdsDatatype *table, int32_t datatype, int32_t *tdst
 extern "C" {
 
 // clang-format off
-const ComTdsDatatype Com__tds_uniq_datatype_map[COM_TDS_UNIQ_ROWS + 1] = {
+constexpr ComTdsDatatype Com__tds_uniq_datatype_map[COM_TDS_UNIQ_ROWS + 1] = {
     {0x2D, CS_BINARY,      255,   0, 1},
     {0x25, CS_BINARY,      255,   1, 1},
     {0x2F, CS_CHAR,        255,   1, 1},
@@ -63,7 +64,7 @@ const ComTdsDatatype Com__tds_uniq_datatype_map[COM_TDS_UNIQ_ROWS + 1] = {
 };
 
 // TDS codes that stand for several datatypes, told apart by length.
-const ComTdsDatatype Com__tds_dup_datatype_map[COM_TDS_DUP_ROWS + 1] = {
+constexpr ComTdsDatatype Com__tds_dup_datatype_map[COM_TDS_DUP_ROWS + 1] = {
     {0x25, CS_BINARY,    255, 1, 1},
     {0x27, CS_CHAR,      255, 1, 1},
     {0x26, CS_TINYINT,   1,   1, 1},
@@ -79,60 +80,61 @@ const ComTdsDatatype Com__tds_dup_datatype_map[COM_TDS_DUP_ROWS + 1] = {
     {0,    -1,           0,   0, 0},
 };
 
-// By datatype id: the fixed form ...
-const ComTdsDatatype Com__tds_cs_uniq[COM_TDS_CS_ROWS] = {
-    {0x2F, CS_CHAR,        255,   1, 1},
-    {0x2D, CS_BINARY,      255,   0, 1},
-    {0xAF, CS_LONGCHAR,    kLong, 0, 4},
-    {0xE1, CS_LONGBINARY,  kLong, 0, 4},
-    {0x23, CS_TEXT,        kLong, 0, 4},
-    {0x22, CS_IMAGE,       kLong, 0, 4},
-    {0x30, CS_TINYINT,     1,     0, 0},
-    {0x34, CS_SMALLINT,    2,     0, 0},
-    {0x38, CS_INT,         4,     0, 0},
-    {0x3B, CS_REAL,        4,     0, 0},
-    {0x3E, CS_FLOAT,       8,     0, 0},
-    {0x32, CS_BIT,         1,     0, 0},
-    {0x3D, CS_DATETIME,    8,     0, 0},
-    {0x3A, CS_DATETIME4,   4,     0, 0},
-    {0x3C, CS_MONEY,       8,     0, 0},
-    {0x7A, CS_MONEY4,      4,     0, 0},
-    {0x6C, CS_NUMERIC,     33,    0, 1},
-    {0x6A, CS_DECIMAL,     33,    0, 1},
-    {-1,   CS_VARCHAR,     -1,    0, -1},
-    {-1,   CS_VARBINARY,   -1,    0, -1},
-    {-1,   CS_LONG,        -1,    0, -1},
-    {0x67, CS_SENSITIVITY, 255,   1, 1},
-    {0x68, CS_BOUNDARY,    255,   1, 1},
-};
-
-// ... and the nullable form.
-const ComTdsDatatype Com__tds_cs_dup[COM_TDS_CS_ROWS] = {
-    {0x27, CS_CHAR,        255,   1, 1},
-    {0x25, CS_BINARY,      255,   0, 1},
-    {0xAF, CS_LONGCHAR,    kLong, 0, 4},
-    {0xE1, CS_LONGBINARY,  kLong, 0, 4},
-    {0x23, CS_TEXT,        kLong, 0, 4},
-    {0x22, CS_IMAGE,       kLong, 0, 4},
-    {0x26, CS_TINYINT,     1,     0, 1},
-    {0x26, CS_SMALLINT,    2,     0, 1},
-    {0x26, CS_INT,         4,     0, 1},
-    {0x6D, CS_REAL,        4,     0, 1},
-    {0x6D, CS_FLOAT,       8,     0, 1},
-    {0x32, CS_BIT,         1,     0, 0},
-    {0x6F, CS_DATETIME,    8,     0, 1},
-    {0x6F, CS_DATETIME4,   4,     0, 1},
-    {0x6E, CS_MONEY,       8,     0, 1},
-    {0x6E, CS_MONEY4,      4,     0, 1},
-    {0x6C, CS_NUMERIC,     33,    0, 1},
-    {0x6A, CS_DECIMAL,     33,    0, 1},
-    {-1,   CS_VARCHAR,     -1,    0, -1},
-    {-1,   CS_VARBINARY,   -1,    0, -1},
-    {-1,   CS_LONG,        -1,    0, -1},
-    {0x67, CS_SENSITIVITY, 255,   1, 1},
-    {0x68, CS_BOUNDARY,    255,   1, 1},
-};
 // clang-format on
+
+} // extern "C"
+
+namespace {
+
+// The by-datatype tables are derived from the two maps above, so that each row stands once.
+// A datatype's fixed form is its first row in the unique map; its nullable form takes the TDS
+// code, length and prefix of its row in the map of shared codes and keeps the fixed form's
+// flag. A datatype in neither map (CS_VARCHAR, CS_VARBINARY, CS_LONG) has no TDS form: its
+// code, length and prefix are -1.
+constexpr const ComTdsDatatype *row_of(const ComTdsDatatype *table, int32_t datatype) {
+    for (; table->datatype != -1; ++table)
+        if (table->datatype == datatype) return table;
+    return nullptr;
+}
+
+constexpr ComTdsDatatype fixed_form(int32_t datatype) {
+    const ComTdsDatatype *row = row_of(Com__tds_uniq_datatype_map, datatype);
+    return row ? *row : ComTdsDatatype{-1, datatype, -1, 0, -1};
+}
+
+constexpr ComTdsDatatype nullable_form(int32_t datatype) {
+    ComTdsDatatype form = fixed_form(datatype);
+    if (const ComTdsDatatype *row = row_of(Com__tds_dup_datatype_map, datatype)) {
+        form.tdstype = row->tdstype;
+        form.length = row->length;
+        form.prefix = row->prefix;
+    }
+    return form;
+}
+
+// Every datatype id below CS_VOID, in id order.
+// clang-format off
+#define COMN_TDS_BY_DATATYPE_(form) {                                                              \
+    form(CS_CHAR), form(CS_BINARY), form(CS_LONGCHAR), form(CS_LONGBINARY), form(CS_TEXT),         \
+    form(CS_IMAGE), form(CS_TINYINT), form(CS_SMALLINT), form(CS_INT), form(CS_REAL),              \
+    form(CS_FLOAT), form(CS_BIT), form(CS_DATETIME), form(CS_DATETIME4), form(CS_MONEY),           \
+    form(CS_MONEY4), form(CS_NUMERIC), form(CS_DECIMAL), form(CS_VARCHAR), form(CS_VARBINARY),     \
+    form(CS_LONG), form(CS_SENSITIVITY), form(CS_BOUNDARY)}
+// clang-format on
+
+constexpr bool in_datatype_order(const ComTdsDatatype *table) {
+    for (int32_t id = 0; id < COM_TDS_CS_ROWS; ++id)
+        if (table[id].datatype != id) return false;
+    return true;
+}
+
+} // namespace
+
+extern "C" {
+
+constexpr ComTdsDatatype Com__tds_cs_uniq[COM_TDS_CS_ROWS] = COMN_TDS_BY_DATATYPE_(fixed_form);
+constexpr ComTdsDatatype Com__tds_cs_dup[COM_TDS_CS_ROWS] = COMN_TDS_BY_DATATYPE_(nullable_form);
+static_assert(in_datatype_order(Com__tds_cs_uniq) && in_datatype_order(Com__tds_cs_dup));
 
 COMN_API int32_t com_tds_get_tdsdatainfo(int32_t tdstype, int32_t *prefix, int32_t *flag) {
     const ComTdsDatatype *row = find(Com__tds_uniq_datatype_map, tdstype);

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "intl/ctype/charattr_internal.h"
+#include "intl/ctype/ctype_tests.h"
 
 namespace comn {
 namespace {
@@ -48,22 +49,12 @@ int32_t map_case(const CharAttrib *a, const char *src, char *dest, int slot) {
 
 extern "C" {
 
-// The type-bit tests, one row each: name and the bits it answers.
-#define COMN_CTYPE_TESTS(X)                                                                        \
-    X(isalpha, COM_CT_UPPER | COM_CT_LOWER)                                                        \
-    X(isupper, COM_CT_UPPER)                                                                       \
-    X(islower, COM_CT_LOWER)                                                                       \
-    X(isdigit, COM_CT_DIGIT)                                                                       \
-    X(isxdigit, COM_CT_XDIGIT)                                                                     \
-    X(isspace, COM_CT_SPACE)                                                                       \
-    X(ispunct, COM_CT_PUNCT)                                                                       \
-    X(isgraph, COM_CT_GRAPH)
-
 #define COMN_DEFINE_TEST_(name, bits)                                                              \
     COMN_API int32_t comn_##name(const CharAttrib *attr, const char *c) {                          \
         return comn::type_entry(comn::attr_or_builtin(attr), c)[3] & (bits);                       \
     }
 COMN_CTYPE_TESTS(COMN_DEFINE_TEST_)
+COMN_DEFINE_TEST_(ispunct, COM_CT_PUNCT)
 #undef COMN_DEFINE_TEST_
 
 COMN_API int32_t comn_get_lex(const CharAttrib *attr, const char *c) {

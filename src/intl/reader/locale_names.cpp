@@ -6,6 +6,7 @@
 // ends the search (entries after it are never seen). Names are compared over the caller's
 // length only, so a short name matches the first entry that begins with it.
 #include <cstring>
+#include <optional>
 
 #include "intl/intl_internal.h"
 
@@ -32,6 +33,23 @@ int32_t finish(ComContext *ctx, IntlFile *f, int32_t walk_status, int32_t result
     return result;
 }
 
+// Walks the entries keyed "locale" of the locales file's section "linux". decide reads an
+// entry's values (through the reader and its walk status) and answers the result once that
+// entry settles the search, or nothing to go on; a walk that ends undecided answers 0.
+template <typename Decide>
+int32_t walk_locales(ComContext *ctx, Decide decide) {
+    IntlFile *f = nullptr;
+    const int32_t rc = open_locales_linux(ctx, &f);
+    if (rc != CS_SUCCEED) return rc;
+    int32_t st = 0;
+    while (char *key = intl_nextentry(f, &st)) {
+        if (com_unsignstrcmp(key, "locale") != 0) break;
+        if (const std::optional<int32_t> result = decide(f, &st))
+            return finish(ctx, f, st, *result);
+    }
+    return finish(ctx, f, st, 0);
+}
+
 } // namespace
 } // namespace comn
 
@@ -54,26 +72,20 @@ COMN_API int32_t com__intl_lookup(ComContext *ctx, const char *locale, int32_t l
                                   char *language_out, int32_t language_size, char *charset_out,
                                   int32_t charset_size, char *sortorder_out) {
     if (!locale || !language_out || !charset_out || !sortorder_out || locale_length < 0) return 0;
-    IntlFile *f = nullptr;
-    int32_t rc = comn::open_locales_linux(ctx, &f);
-    if (rc != CS_SUCCEED) return rc;
-    int32_t st = 0;
-    while (char *key = intl_nextentry(f, &st)) {
-        if (com_unsignstrcmp(key, "locale") != 0) break;
-        char *name = intl_nextvalue(f, &st);
-        if (!name || !comn::counted_equal(name, locale, locale_length)) continue;
+    return comn::walk_locales(ctx, [&](IntlFile *f, int32_t *st) -> std::optional<int32_t> {
+        char *name = intl_nextvalue(f, st);
+        if (!name || !comn::counted_equal(name, locale, locale_length)) return std::nullopt;
         // The first matching entry decides; the copies are bounded by the callers' sizes (the
         // sort order's by COM_INTL_NAME_SIZE), a value too long counting as not found.
-        char *language = intl_nextvalue(f, &st);
-        char *charset = language ? intl_nextvalue(f, &st) : nullptr;
-        char *sortorder = charset ? intl_nextvalue(f, &st) : nullptr;
-        int32_t found =
+        char *language = intl_nextvalue(f, st);
+        char *charset = language ? intl_nextvalue(f, st) : nullptr;
+        char *sortorder = charset ? intl_nextvalue(f, st) : nullptr;
+        const bool found =
             language && charset && comn::copy_name(language_out, language_size, language) &&
             comn::copy_name(charset_out, charset_size, charset) &&
             comn::copy_name(sortorder_out, COM_INTL_NAME_SIZE, sortorder ? sortorder : "binary");
-        return comn::finish(ctx, f, st, found);
-    }
-    return comn::finish(ctx, f, st, 0);
+        return found ? 1 : 0;
+    });
 }
 
 COMN_API int32_t com_intl_locname(ComContext *ctx, const char *language, int32_t language_length,
@@ -83,27 +95,21 @@ COMN_API int32_t com_intl_locname(ComContext *ctx, const char *language, int32_t
     if (!language || language_length <= 0) language = "us_english", language_length = 10;
     if (!charset || charset_length <= 0) charset = "iso_1", charset_length = 5;
     if (!sortorder || sortorder_length <= 0) sortorder = "binary", sortorder_length = 6;
-    IntlFile *f = nullptr;
-    int32_t rc = comn::open_locales_linux(ctx, &f);
-    if (rc != CS_SUCCEED) return rc;
-    int32_t st = 0;
-    while (char *key = intl_nextentry(f, &st)) {
-        if (com_unsignstrcmp(key, "locale") != 0) break;
-        char *name = intl_nextvalue(f, &st);
-        char *lang = name ? intl_nextvalue(f, &st) : nullptr;
-        char *cs = lang ? intl_nextvalue(f, &st) : nullptr;
-        if (!cs) continue;
-        char *so = intl_nextvalue(f, &st);
+    return comn::walk_locales(ctx, [&](IntlFile *f, int32_t *st) -> std::optional<int32_t> {
+        char *name = intl_nextvalue(f, st);
+        char *lang = name ? intl_nextvalue(f, st) : nullptr;
+        char *cs = lang ? intl_nextvalue(f, st) : nullptr;
+        if (!cs) return std::nullopt;
+        char *so = intl_nextvalue(f, st);
         if (!comn::counted_equal(lang, language, language_length) ||
             !comn::counted_equal(cs, charset, charset_length) ||
             !comn::counted_equal(so ? so : "binary", sortorder, sortorder_length))
-            continue;
+            return std::nullopt;
         const int32_t len = static_cast<int32_t>(std::strlen(name));
         const int32_t copied = name_size < len ? (name_size > 0 ? name_size : 0) : len;
         if (name_out && copied) std::memcpy(name_out, name, copied);
         if (name_length_out) *name_length_out = copied;
-        return comn::finish(ctx, f, st, len > copied ? CS_CONV_OVERFLOW : 1);
-    }
-    return comn::finish(ctx, f, st, 0);
+        return len > copied ? CS_CONV_OVERFLOW : 1;
+    });
 }
 }

@@ -47,6 +47,14 @@ int32_t readable(const char *path) {
     return access(path, R_OK) == 0 ? CS_SUCCEED : 0;
 }
 
+// Opens the file at path once its build gave rc: the build's failure as it is, the reader's
+// failure through intl_fail.
+int32_t open_built(ComContext *ctx, int32_t rc, const char *path, IntlFile **handle) {
+    if (rc != CS_SUCCEED) return rc;
+    const int32_t st = intl_open(path, handle);
+    return st < 0 ? intl_fail(ctx, st) : CS_SUCCEED;
+}
+
 } // namespace
 
 int32_t open_locales_linux(ComContext *ctx, IntlFile **f) {
@@ -101,19 +109,15 @@ COMN_API int32_t com__path_charfile(ComContext *ctx, const char *charset, const 
 COMN_API int32_t com__open_locfile(ComContext *ctx, const char *language, const char *charset,
                                    const char *file, IntlFile **handle) {
     char path[COM_INTL_PATH_SIZE + 1];
-    int32_t rc = com__path_locfile(ctx, language, charset, file, path, COM_INTL_PATH_SIZE);
-    if (rc != CS_SUCCEED) return rc;
-    int32_t st = intl_open(path, handle);
-    return st < 0 ? comn::intl_fail(ctx, st) : CS_SUCCEED;
+    const int32_t rc = com__path_locfile(ctx, language, charset, file, path, COM_INTL_PATH_SIZE);
+    return comn::open_built(ctx, rc, path, handle);
 }
 
 COMN_API int32_t com__open_charfile(ComContext *ctx, const char *charset, const char *file,
                                     const char *extension, IntlFile **handle) {
     char path[COM_INTL_PATH_SIZE + 1];
-    int32_t rc = com__path_charfile(ctx, charset, file, extension, path, COM_INTL_PATH_SIZE);
-    if (rc != CS_SUCCEED) return rc;
-    int32_t st = intl_open(path, handle);
-    return st < 0 ? comn::intl_fail(ctx, st) : CS_SUCCEED;
+    const int32_t rc = com__path_charfile(ctx, charset, file, extension, path, COM_INTL_PATH_SIZE);
+    return comn::open_built(ctx, rc, path, handle);
 }
 
 COMN_API int32_t com__verify_msgfile(ComContext *ctx, const char *language, const char *charset,
