@@ -75,7 +75,7 @@ inline void crack_civil(int32_t days, DateRec &rec) {
     const uint32_t n1 = 4 * n + 3;                                     // < 2^24
     const uint32_t century = n1 / 146097;                              // [17, 99]
     const uint32_t n2 = (n1 % 146097) | 3;                             // 4 * day of century + 3
-    const uint64_t p2 = uint64_t{2939745} * n2;                        // year of century : 32
+    const uint64_t p2 = uint64_t{2939745} * n2;                        // high half: year of century
     const auto year_of_century = static_cast<uint32_t>(p2 >> 32);      // [0, 99]
     const uint32_t day_of_year = static_cast<uint32_t>(p2) / 11758980; // [0, 365] from 1 March
     const uint32_t n3 = 2141 * day_of_year + 197913;

@@ -7,6 +7,7 @@
 //   i mi    s ss      f mmm (milliseconds)      p AM/PM designator (at most 2 bytes)
 // Every other character is written as it stands.
 #include <array>
+#include <string_view>
 #include <utility>
 #include <cstring>
 
@@ -59,15 +60,13 @@ inline int32_t low_digits(int32_t v, int32_t modulus) {
     return m < 0 ? -m : m;
 }
 inline char *put4(char *p, int32_t v, bool blank) {
-    if (static_cast<uint32_t>(v - 1000) < 9000) [[likely]] { // every year of the valid range
-        put2(p, v / 100);
-        put2(p + 2, v % 100);
-        return p + 4;
-    }
-    v = low_digits(v, 10000);
+    // Every year of the valid range has four digits, none of them a leading zero.
+    const bool four_digits = static_cast<uint32_t>(v - 1000) < 9000;
+    if (!four_digits) [[unlikely]]
+        v = low_digits(v, 10000);
     put2(p, v / 100);
     put2(p + 2, v % 100);
-    for (int i = 0; blank && i < 3 && p[i] == '0'; ++i)
+    for (int i = 0; blank && !four_digits && i < 3 && p[i] == '0'; ++i)
         p[i] = ' ';
     return p + 4;
 }
@@ -91,6 +90,11 @@ struct Layout {
     constexpr bool has(char c) const {
         for (size_t i = 0; i + 1 < N; ++i)
             if (text[i] == c) return true;
+        return false;
+    }
+    constexpr bool has_any(std::string_view letters) const {
+        for (char c : letters)
+            if (has(c)) return true;
         return false;
     }
     // The longest text the layout can produce.
@@ -169,11 +173,8 @@ template <Layout L>
 int32_t render(const DateTimeValue &dt, const char *const *names, char *w) {
     // Only the fields the layout shows are cracked.
     DateRec r;
-    if constexpr (L.has('N') || L.has('d') || L.has('D') || L.has('m') || L.has('y') ||
-                  L.has('Y') || L.has('Z'))
-        crack_civil(dt.days, r);
-    if constexpr (L.has('H') || L.has('h') || L.has('i') || L.has('s') || L.has('f') || L.has('p'))
-        crack_time(dt, r);
+    if constexpr (L.has_any("NdDmyYZ")) crack_civil(dt.days, r);
+    if constexpr (L.has_any("Hhisfp")) crack_time(dt, r);
     char *p = w;
     [&]<size_t... I>(std::index_sequence<I...>) {
         (emit<L.text[I]>(p, r, names), ...);
