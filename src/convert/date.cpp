@@ -21,9 +21,11 @@ int32_t format(const DateTime4Value &v, char *out, int32_t max, int32_t style,
 }
 
 // Formats the source into out (at most max bytes): the text length, or a conversion code.
+// Inlined into both destinations, as it is most of the work of a short conversion.
 template <typename V>
-int32_t to_text(ComContext *ctx, DataFormat *srcfmt, const void *src, DataFormat *destfmt,
-                char *out, int32_t max, bool *truncated) {
+[[gnu::always_inline]] inline int32_t to_text(ComContext *ctx, DataFormat *srcfmt, const void *src,
+                                              DataFormat *destfmt, char *out, int32_t max,
+                                              bool *truncated) {
     const int32_t style = comn_get_datetochar_fmt(ctx, destfmt);
     const int32_t n = format(load<V>(src), out, max, style, dtloc::short_months(ctx, srcfmt));
     *truncated = n == 0;
@@ -45,6 +47,9 @@ int32_t to_char(ComContext *ctx, DataFormat *srcfmt, void *src, DataFormat *dest
         return CS_CONV_TRUNCATED;
     }
     *destlen = n;
+    // A text that fits needs nothing more unless the format asks for padding or a terminator.
+    if ((destfmt->format & (CS_FMT_NULLTERM | CS_FMT_PADNULL | CS_FMT_PADBLANK)) == 0)
+        return CS_SUCCEED;
     return comn__padchar(n, destfmt, dest, destlen);
 }
 

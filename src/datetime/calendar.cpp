@@ -1,10 +1,12 @@
 // Cracking and making datetimes and their date parts.
 //
 // Calendar: proleptic Gregorian, 1 January 1753 (days -53690) to 31 December 9999 (days
-// 2958463), day 0 = Monday 1 January 1900. Cracking estimates the year from the mean year
-// length and corrects it by at most one year against the leap days before it; the month is
-// found from the day of the year with one table probe. The ISO week-numbering parts take Monday as
-// the first day and the week holding the first Thursday as week 1.
+// 2958463), day 0 = Monday 1 January 1900. Cracking a day of the valid range is the
+// table-free method in calendar.h. Day numbers outside it (not valid values, but cracked
+// without fault) count 365-day years back from 1753, and Gregorian years on from 1753
+// corrected by at most a year at a time; the month is found with one table probe. The ISO
+// week-numbering parts take Monday as the first day and the week holding the first Thursday
+// as week 1.
 #include "calendar.h"
 
 namespace comn {
@@ -18,18 +20,28 @@ constinit const MonthDays lmonthdays[12] = {
     {31, 182}, {31, 213}, {30, 244}, {31, 274}, {30, 305}, {31, 335}};
 // clang-format on
 
-YearDay split_year_outside(int64_t d) {
-    if (d < 0) { // no leap days are counted before 1753
-        const int64_t y = (d - 364) / 365;
-        return {static_cast<int32_t>(y), static_cast<int32_t>(d - 365 * y)};
+void crack_civil_outside(int32_t days, DateRec &rec) {
+    const int64_t d = int64_t{days} + kDays1753; // days since 1753
+    int32_t y;                                   // years since 1753
+    int64_t r;                                   // day of that year, [0, 365]
+    if (d < 0) {                                 // no leap days are counted before 1753
+        y = static_cast<int32_t>((d - 364) / 365);
+        r = d - 365 * int64_t{y};
+    } else {
+        y = static_cast<int32_t>((d - leapcnt(static_cast<int32_t>(d / 365))) / 365);
+        r = d - (365 * int64_t{y} + leapcnt(y));
+        while (r < 0)
+            r += 365 + leapyear(--y);
+        while (r >= 365 + leapyear(y))
+            r -= 365 + leapyear(y++);
     }
-    auto y = static_cast<int32_t>((d - leapcnt(static_cast<int32_t>(d / 365))) / 365);
-    int64_t r = d - (365 * int64_t{y} + leapcnt(y));
-    while (r < 0)
-        r += 365 + leapyear(--y);
-    while (r >= 365 + leapyear(y))
-        r -= 365 + leapyear(y++);
-    return {static_cast<int32_t>(y), static_cast<int32_t>(r)};
+    // Months are at least 28 days long, so r / 32 is the month or the one before it.
+    const MonthDays *t = month_table(y);
+    auto m = static_cast<int32_t>(r >> 5); // [0, 11]
+    if (m < 11 && r >= t[m + 1].before) ++m;
+    rec.year = 1753 + y;
+    rec.month = m;
+    rec.day_of_month = static_cast<int32_t>(r) - t[m].before + 1;
 }
 
 namespace {

@@ -57,49 +57,42 @@ constexpr int32_t leapcnt(int32_t n) {
     return ((n + 52) / 100 + 1) / 4 + n / 4 - (n + 52) / 100;
 }
 
-// Days since 1753 split into years since 1753 and the day of that year (0-based).
-struct YearDay {
-    int32_t y;
-    int32_t r; // [0, 365]
-};
-YearDay split_year_outside(int64_t d); // before 1753 or after 9999: not valid values
+// Year, month and day of month of a day number outside the valid range (see calendar.cpp).
+void crack_civil_outside(int32_t days, DateRec &rec);
 
-// Unsigned forms of the counts above for the valid range, where y is never negative.
-constexpr uint32_t leapcnt_u(uint32_t n) {
-    return ((n + 52) / 100 + 1) / 4 + n / 4 - (n + 52) / 100;
-}
-constexpr uint32_t leapyear_u(uint32_t y) {
-    const uint32_t year = 1753 + y;
-    return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0 ? 1 : 0;
-}
+// Day 0 of the computational calendar below is 1 March of year 0, so that the leap day is
+// the last day of its computational year.
+constexpr uint32_t kDaysMarch0 = 693901; // days from 1 March 0000 to 1 January 1900
 
-inline YearDay split_year(int32_t days) {
-    const int64_t d = int64_t{days} + kDays1753;
-    if (d < 0 || d > int64_t{kMaxDays} + kDays1753) [[unlikely]]
-        return split_year_outside(d);
-    // Days over the mean Gregorian year (365.2425 days, as the multiplier 2871 / 2^20) lands
-    // within a year of the answer; one step corrects it.
-    const auto ud = static_cast<uint32_t>(d);                   // [0, 3012153]
-    uint32_t y = (ud * uint64_t{2871}) >> 20;                   // [0, 8247]
-    auto r = static_cast<int32_t>(ud - 365 * y - leapcnt_u(y)); // [-366, 730]
-    while (r < 0)
-        r += static_cast<int32_t>(365 + leapyear_u(--y));
-    while (r >= static_cast<int32_t>(365 + leapyear_u(y)))
-        r -= static_cast<int32_t>(365 + leapyear_u(y++));
-    return {static_cast<int32_t>(y), r};
+// Year, month (0-based) and day of month, leaving the other fields alone. In the valid range
+// this is Neri and Schneider's Euclidean affine method: each division by a constant is a
+// multiply and a shift, and the month and day come from one affine function of the day of
+// the computational year, with no table and no correction loop.
+inline void crack_civil(int32_t days, DateRec &rec) {
+    if (days < kMinDays || days > kMaxDays) [[unlikely]]
+        return crack_civil_outside(days, rec);
+    const uint32_t n = static_cast<uint32_t>(days) + kDaysMarch0;      // [640211, 3652364]
+    const uint32_t n1 = 4 * n + 3;                                     // < 2^24
+    const uint32_t century = n1 / 146097;                              // [17, 99]
+    const uint32_t n2 = (n1 % 146097) | 3;                             // 4 * day of century + 3
+    const uint64_t p2 = uint64_t{2939745} * n2;                        // high half: year of century
+    const auto year_of_century = static_cast<uint32_t>(p2 >> 32);      // [0, 99]
+    const uint32_t day_of_year = static_cast<uint32_t>(p2) / 11758980; // [0, 365] from 1 March
+    const uint32_t n3 = 2141 * day_of_year + 197913;
+    const uint32_t month = n3 >> 16;             // [3, 14]: March .. February
+    const uint32_t day = (n3 & 0xFFFF) / 2141;   // [0, 30]
+    const uint32_t january = day_of_year >= 306; // January and February end the year
+    const uint32_t year = 100 * century + year_of_century + january; // [1753, 9999]
+    rec.year = static_cast<int32_t>(year);
+    rec.month = static_cast<int32_t>(month - 12 * january) - 1;
+    rec.day_of_month = static_cast<int32_t>(day) + 1;
 }
+static_assert(4 * (uint64_t{kMaxDays} + kDaysMarch0) + 3 < (uint64_t{1} << 32));
 
 inline void crack_date(const DateTimeValue &dt, DateRec &rec) {
-    const YearDay yd = split_year(dt.days);
-    rec.year = 1753 + yd.y;
+    crack_civil(dt.days, rec);
     rec.weekday = weekday_of(dt.days);
-    rec.day_of_year = yd.r + 1;
-    // Months are at least 28 days long, so r / 32 is the month or the one before it.
-    const MonthDays *t = month_table(yd.y);
-    int32_t m = yd.r >> 5; // [0, 11]
-    if (m < 11 && yd.r >= t[m + 1].before) ++m;
-    rec.month = m;
-    rec.day_of_month = yd.r - t[m].before + 1;
+    rec.day_of_year = month_table(rec.year - 1753)[rec.month].before + rec.day_of_month;
 }
 
 inline void crack_time(const DateTimeValue &dt, DateRec &rec) {

@@ -4,11 +4,12 @@
 #include <cstring>
 
 #include "comnlib/datetime.h"
+#include "names.h"
 
 namespace comn {
 namespace {
 
-constexpr const char *kAmPm[2] = {"AM", "PM"};
+constexpr const char *kAmPm[2] = {kDayHalves[0], kDayHalves[1]};
 constexpr const char *kWeekdays[7] = {"Sunday",   "Monday", "Tuesday", "Wednesday",
                                       "Thursday", "Friday", "Saturday"};
 constexpr const char *kShortMonths[12] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",

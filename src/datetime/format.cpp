@@ -7,26 +7,41 @@
 //   i mi    s ss      f mmm (milliseconds)      p AM/PM designator (at most 2 bytes)
 // Every other character is written as it stands.
 #include <array>
+#include <string_view>
 #include <utility>
 #include <cstring>
 
 #include "calendar.h"
+#include "names.h"
 
 namespace comn {
 namespace {
 
 constexpr int32_t kMonthNameMax = 9;
 
-// Two-digit pairs "00".."99", so that each field is one or two table copies.
-constexpr std::array<char, 200> make_pairs() {
+// Two-digit pairs "00".."99", and the same with a blank for a leading zero (" 0".." 9",
+// "10".."99"), so that each field is one or two table copies with no branch on the value.
+constexpr std::array<char, 200> make_pairs(char lead_zero) {
     std::array<char, 200> a{};
     for (int i = 0; i < 100; ++i) {
-        a[static_cast<size_t>(2 * i)] = static_cast<char>('0' + i / 10);
+        a[static_cast<size_t>(2 * i)] = i < 10 ? lead_zero : static_cast<char>('0' + i / 10);
         a[static_cast<size_t>(2 * i + 1)] = static_cast<char>('0' + i % 10);
     }
     return a;
 }
-constexpr std::array<char, 200> kPairs = make_pairs();
+constexpr std::array<char, 200> kPairs = make_pairs('0');
+constexpr std::array<char, 200> kBlankPairs = make_pairs(' ');
+
+// Hours on the 12-hour clock, 0 and 12 both being 12, for every hour the tick field can
+// hold (an invalid value's ticks may run past the end of the day, to hour 31).
+constexpr size_t kHoursMax = kTickMask / kTicksPerHour + 1;
+constexpr std::array<uint8_t, kHoursMax> make_clock12() {
+    std::array<uint8_t, kHoursMax> a{};
+    for (size_t h = 0; h < kHoursMax; ++h)
+        a[h] = static_cast<uint8_t>(h % 12 == 0 ? 12 : h % 12);
+    return a;
+}
+constexpr std::array<uint8_t, kHoursMax> kClock12 = make_clock12();
 
 // The fields below are the writers com__cpint stands for, inlined: zero-padded pairs, and
 // blank-padded fields that drop a leading zero. Every value is within its field here.
@@ -34,9 +49,8 @@ inline char *put2(char *p, int32_t v) { // [0, 99]
     std::memcpy(p, &kPairs[static_cast<size_t>(2 * v)], 2);
     return p + 2;
 }
-inline char *put2_blank(char *p, int32_t v) { // [1, 31]
-    put2(p, v);
-    if (v < 10) p[0] = ' ';
+inline char *put2_blank(char *p, int32_t v) { // [0, 99]
+    std::memcpy(p, &kBlankPairs[static_cast<size_t>(2 * v)], 2);
     return p + 2;
 }
 // A year keeps its low-order digits, as a field too narrow for it does. (Only values outside
@@ -46,17 +60,22 @@ inline int32_t low_digits(int32_t v, int32_t modulus) {
     return m < 0 ? -m : m;
 }
 inline char *put4(char *p, int32_t v, bool blank) {
-    v = low_digits(v, 10000);
+    // Every year of the valid range has four digits, none of them a leading zero.
+    const bool four_digits = static_cast<uint32_t>(v - 1000) < 9000;
+    if (!four_digits) [[unlikely]]
+        v = low_digits(v, 10000);
     put2(p, v / 100);
     put2(p + 2, v % 100);
-    for (int i = 0; blank && i < 3 && p[i] == '0'; ++i)
+    for (int i = 0; blank && !four_digits && i < 3 && p[i] == '0'; ++i)
         p[i] = ' ';
     return p + 4;
 }
-inline char *put_text(char *p, const char *text, int32_t max) {
-    for (int32_t i = 0; i < max && text[i] != '\0'; ++i)
-        *p++ = text[i];
-    return p;
+// The output has room for the longest name, so only the name's end is tested.
+inline char *put_name(char *p, const char *text) {
+    int32_t i = 0;
+    for (; i < kMonthNameMax && text[i] != '\0'; ++i)
+        p[i] = text[i];
+    return p + i;
 }
 
 // A layout as a template argument, so that each style compiles to straight-line writes.
@@ -71,6 +90,11 @@ struct Layout {
     constexpr bool has(char c) const {
         for (size_t i = 0; i + 1 < N; ++i)
             if (text[i] == c) return true;
+        return false;
+    }
+    constexpr bool has_any(std::string_view letters) const {
+        for (char c : letters)
+            if (has(c)) return true;
         return false;
     }
     // The longest text the layout can produce.
@@ -111,7 +135,7 @@ struct Layout {
 template <char C>
 inline void emit(char *&p, const DateRec &r, const char *const *names) {
     if constexpr (C == 'N') {
-        if (names[r.month] != nullptr) p = put_text(p, names[r.month], kMonthNameMax);
+        if (names[r.month] != nullptr) p = put_name(p, names[r.month]);
     } else if constexpr (C == 'd') {
         p = put2(p, r.day_of_month);
     } else if constexpr (C == 'D') {
@@ -127,7 +151,7 @@ inline void emit(char *&p, const DateRec &r, const char *const *names) {
     } else if constexpr (C == 'H') {
         p = put2(p, r.hour);
     } else if constexpr (C == 'h') {
-        p = put2_blank(p, r.hour % 12 == 0 ? 12 : r.hour % 12);
+        p = put2_blank(p, kClock12[static_cast<size_t>(r.hour)]);
     } else if constexpr (C == 'i') {
         p = put2(p, r.minute);
     } else if constexpr (C == 's') {
@@ -136,7 +160,8 @@ inline void emit(char *&p, const DateRec &r, const char *const *names) {
         *p++ = static_cast<char>('0' + r.millisecond / 100);
         p = put2(p, r.millisecond % 100);
     } else if constexpr (C == 'p') {
-        p = put_text(p, com__get_ampm()[r.hour >= 12 ? 1 : 0], 2);
+        std::memcpy(p, kDayHalves[r.hour >= 12 ? 1 : 0], 2);
+        p += 2;
     } else {
         *p++ = C;
     }
@@ -146,10 +171,10 @@ using RenderFn = int32_t (*)(const DateTimeValue &, const char *const *, char *)
 
 template <Layout L>
 int32_t render(const DateTimeValue &dt, const char *const *names, char *w) {
+    // Only the fields the layout shows are cracked.
     DateRec r;
-    crack_date(dt, r);
-    if constexpr (L.has('H') || L.has('h') || L.has('i') || L.has('s') || L.has('f'))
-        crack_time(dt, r);
+    if constexpr (L.has_any("NdDmyYZ")) crack_civil(dt.days, r);
+    if constexpr (L.has_any("Hhisfp")) crack_time(dt, r);
     char *p = w;
     [&]<size_t... I>(std::index_sequence<I...>) {
         (emit<L.text[I]>(p, r, names), ...);

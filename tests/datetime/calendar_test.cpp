@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <random>
 #include <string>
 
 #include "comnlib.h"
@@ -23,6 +24,31 @@ TEST(Calendar, LeapDaysBeforeAYear) {
     EXPECT_EQ(com__leapcnt(48), 11);  // 1756..1796 (1800 not yet)
     EXPECT_EQ(com__leapcnt(148), 35); // 1800 and 1900 skipped
     EXPECT_EQ(com__leapcnt(248), 60); // 2000 counted
+}
+
+// Day numbers outside the valid range crack without fault and by fixed rules: after 9999 the
+// Gregorian calendar runs on (400 years are 146097 days, a whole number of weeks), and
+// before 1753 every year has 365 days.
+TEST(Calendar, CracksDaysOutsideTheRange) {
+    constexpr int32_t kCycle = 146097;
+    std::mt19937 rng(17);
+    std::uniform_int_distribution<int32_t> after(COM_DT_MAX_DAYS + 1, INT32_MAX);
+    std::uniform_int_distribution<int32_t> before(INT32_MIN, COM_DT_MIN_DAYS - 1);
+    for (int i = 0; i < 3000; ++i) {
+        const int32_t d = i == 0 ? INT32_MAX : i == 1 ? COM_DT_MAX_DAYS + 1 : after(rng);
+        const int32_t k = (d - COM_DT_MAX_DAYS + kCycle - 1) / kCycle;
+        const DateRec far = crack({d, 0}), near = crack({d - k * kCycle, 0});
+        EXPECT_EQ(far.year, near.year + 400 * k) << d;
+        EXPECT_EQ(far.month, near.month) << d;
+        EXPECT_EQ(far.day_of_month, near.day_of_month) << d;
+        EXPECT_EQ(far.day_of_year, near.day_of_year) << d;
+        EXPECT_EQ(far.weekday, near.weekday) << d;
+
+        const int32_t e = i == 0 ? INT32_MIN : i == 1 ? COM_DT_MIN_DAYS - 1 : before(rng);
+        const DateRec early = crack({e, 0}), later = crack({e + 365, 0});
+        EXPECT_EQ(early.year + 1, later.year) << e;
+        EXPECT_EQ(early.day_of_year, later.day_of_year) << e;
+    }
 }
 
 TEST(Calendar, MakeRejectsEachFieldWithItsCode) {

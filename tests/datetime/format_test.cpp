@@ -72,9 +72,19 @@ TEST(DateFormat, ClockHoursPaddingAndYears) {
         {make(2005, 3, 4), 1, "03/04/05"},
         {make(1753, 1, 1), 112, "17530101"},
         {make(9999, 12, 31), 107, "Dec 31, 9999"},
+        // Values outside the valid range: a year keeps its low digits, and ticks past the end
+        // of the day run the clock on (to hour 31 at most).
+        {{0, 25920000}, 109, "Jan  1 1900 12:00:00:000PM"},
+        {{0, 0x1FFFFFF}, 109, "Jan  1 1900  7:04:08:103PM"},
+        {{0, 0x1FFFFFF}, 8, "31:04:08"},
+        {{2958464, 0}, 112, "00000101"},
+        {{2958464, 0}, 0, "Jan  1    0 12:00AM"},
+        {{2958464 + 3 * 146097, 0}, 107, "Jan 01, 1200"},
+        {{-53691 - 365 * 900, 0}, 0, "Dec 30  852 12:00AM"},
+        {{-53691 - 365 * 1800, 0}, 101, "12/30/0048"},
     };
     for (auto c : cases)
-        EXPECT_EQ(fmt(c.dt, c.style), c.text) << c.style;
+        EXPECT_EQ(fmt(c.dt, c.style), c.text) << c.dt.days << " " << c.dt.ticks << " " << c.style;
     const char *long_names[12] = {"Januaryyyyyy"};
     EXPECT_EQ(fmt({0, 0}, 6, -1, long_names), "01 Januaryyy 00"); // names stop at 9 bytes
 }
