@@ -83,31 +83,18 @@ TEST(BinaryOutput, VarcharAndVarbinaryDestinationsKeepTheFrame) {
         for (int i = 0; i < s; ++i)
             b[static_cast<size_t>(i)] = static_cast<uint8_t>(i * 7);
         DataFormat bf = text_format(CS_BINARY, s);
-        const Outcome vc = run_conv(comn_bintovarchar, nullptr, bf, b.data(), CS_VARCHAR, 258, 0);
-        const Outcome vb = run_conv(comn_bintovarbin, nullptr, bf, b.data(), CS_VARBINARY, 258, 0);
-        const std::string text = hex(b).substr(0, 256);
-        int16_t w;
-        std::memcpy(&w, vc.bytes.data(), 2);
-        EXPECT_EQ(w, static_cast<int16_t>(text.size()));
-        EXPECT_EQ(vc.bytes.substr(2, text.size()), text);
-        EXPECT_EQ(vc.rc, s > 128 ? CS_CONV_TRUNCATED : CS_SUCCEED);
-        std::memcpy(&w, vb.bytes.data(), 2);
-        EXPECT_EQ(w, std::min(s, 256));
-        EXPECT_EQ(vb.bytes.substr(2, static_cast<size_t>(w)),
-                  std::string(b.begin(), b.begin() + w));
-        EXPECT_EQ(vb.rc, s > 256 ? CS_CONV_TRUNCATED : CS_SUCCEED);
-        EXPECT_EQ(vc.len, 258);
-        EXPECT_EQ(vb.len, 258);
+        EXPECT_EQ(run_conv(comn_bintovarchar, nullptr, bf, b.data(), CS_VARCHAR, 258, 0),
+                  framed(hex(b), s > 128 ? CS_CONV_TRUNCATED : CS_SUCCEED));
+        EXPECT_EQ(
+            run_conv(comn_bintovarbin, nullptr, bf, b.data(), CS_VARBINARY, 258, 0),
+            framed(std::string(b.begin(), b.end()), s > 256 ? CS_CONV_TRUNCATED : CS_SUCCEED));
     }
     // A damaged length word is taken within 0..256.
     for (int16_t word : {int16_t{-5}, int16_t{257}, int16_t{32767}}) {
         const auto v = varbin(Bytes(256, 0xAB), word);
         DataFormat vf = text_format(CS_VARBINARY, 258);
-        const Outcome o =
-            run_conv(comn_varbintovarbin, nullptr, vf, v.data(), CS_VARBINARY, 258, 0);
-        int16_t w;
-        std::memcpy(&w, o.bytes.data(), 2);
-        EXPECT_EQ(w, word < 0 ? 0 : 256);
+        EXPECT_EQ(run_conv(comn_varbintovarbin, nullptr, vf, v.data(), CS_VARBINARY, 258, 0),
+                  framed(word < 0 ? "" : std::string(256, '\xAB'), CS_SUCCEED));
     }
 }
 

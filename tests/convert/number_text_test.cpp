@@ -40,13 +40,7 @@ void check_value(ComConvFunc tochar, ComConvFunc tovarchar, int32_t type, T v,
             ASSERT_EQ(run_conv(tochar, nullptr, sf, &v, CS_CHAR, m, flags),
                       model_text(text, m, flags, Short::Star))
                 << text << " m=" << m << " flags=" << flags;
-    Outcome var = run_conv(tovarchar, nullptr, sf, &v, CS_VARCHAR, 258, 0);
-    int16_t word;
-    std::memcpy(&word, var.bytes.data(), 2);
-    EXPECT_EQ(var.rc, CS_SUCCEED);
-    EXPECT_EQ(var.len, 258);
-    ASSERT_EQ(word, static_cast<int16_t>(text.size()));
-    EXPECT_EQ(var.bytes.substr(2, text.size()), text);
+    ASSERT_EQ(run_conv(tovarchar, nullptr, sf, &v, CS_VARCHAR, 258, 0), framed(text, CS_SUCCEED));
 }
 
 TEST(NumberText, IntegersMatchPrintf) {

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -113,6 +114,16 @@ inline Outcome model_text(const std::string &text, int32_t m, uint32_t flags, Sh
         if ((flags & CS_FMT_NULLTERM) && len >= 1) out[static_cast<size_t>(len - 1)] = '\0';
         return {rule == Short::Truncate ? CS_CONV_TRUNCATED : CS_CONV_OVERFLOW, out, len};
     }
+}
+
+// A varchar or varbinary destination holding payload (cut to 256 bytes): the length word,
+// the bytes, the rest untouched.
+inline Outcome framed(const std::string &payload, int32_t rc) {
+    const auto n = static_cast<int16_t>(std::min<size_t>(payload.size(), 256));
+    std::string out(258, kUntouched);
+    std::memcpy(out.data(), &n, 2);
+    out.replace(2, static_cast<size_t>(n), payload, 0, static_cast<size_t>(n));
+    return {rc, out, 258};
 }
 
 // Runs a conversion into a fresh destination of maxlength m (and the given precision).
