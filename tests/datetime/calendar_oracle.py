@@ -54,14 +54,14 @@ def check_days():
     expected = bytearray()
     pack = rec.pack
     fromordinal = datetime.date.fromordinal
-    jan1 = FIRST
+    jan1, jan1_sunday0 = FIRST, fromordinal(FIRST).isoweekday() % 7
     for o in range(FIRST, LAST + 1):
         d = fromordinal(o)
         if d.month == 1 and d.day == 1:
-            jan1 = o
+            jan1, jan1_sunday0 = o, d.isoweekday() % 7
         iy, iw, iwd = d.isocalendar()
         doy = o - jan1 + 1
-        week = (doy - 1 + fromordinal(jan1).isoweekday() % 7) // 7 + 1  # weeks start on Sunday
+        week = (doy - 1 + jan1_sunday0) // 7 + 1  # weeks start on Sunday
         expected += pack(d.year, d.month, d.day, doy, iwd % 7, iy, iso_week_as_library(d, iy, iw),
                          iwd, (d.month - 1) // 3 + 1, week, iwd % 7 + 1, iwd)
     if data != expected:
