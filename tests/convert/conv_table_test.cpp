@@ -1,6 +1,6 @@
 // The default conversion table, cell by cell, against the expected table by routine name.
-// A cell must hold exactly the routine the library exports under that name, and every routine
-// the expected table names must be exported.
+// A cell must hold exactly the routine the library exports under that name, every routine
+// the expected table names must be exported, and a context's copy must look up the same.
 #include <gtest/gtest.h>
 
 #include <dlfcn.h>
@@ -33,11 +33,20 @@ class ConvTable : public testing::Test {
 
 TEST_F(ConvTable, EveryCellMatchesTheExpectedTable) {
     ASSERT_EQ(dim_, 24u);
+    // The context routines of the same library.
+    const auto init = reinterpret_cast<int32_t (*)(ComContext *)>(dlsym(lib_, "com_conv_init"));
+    const auto release = reinterpret_cast<int32_t (*)(ComContext *)>(dlsym(lib_, "com_conv_free"));
+    const auto func = reinterpret_cast<ComConvFunc (*)(ComContext *, int32_t, int32_t)>(
+        dlsym(lib_, "com_conv_func"));
+    ASSERT_TRUE(init && release && func);
+    ComContext ctx{};
+    ASSERT_EQ(init(&ctx), CS_SUCCEED);
     int wired = 0, named = 0;
     for (int s = 0; s < 24; ++s) {
         for (int d = 0; d < 24; ++d) {
             const void *cell = reinterpret_cast<const void *>(table_[s * 24 + d]);
             const char *name = kExpected[s][d];
+            EXPECT_EQ(reinterpret_cast<const void *>(func(&ctx, s, d)), cell);
             if (!name) {
                 EXPECT_EQ(cell, nullptr) << "(" << s << ", " << d << ") should be empty";
                 continue;
@@ -50,6 +59,7 @@ TEST_F(ConvTable, EveryCellMatchesTheExpectedTable) {
         }
     }
     EXPECT_EQ(wired, named);
+    release(&ctx);
 }
 
 } // namespace

@@ -12,107 +12,70 @@ struct NullCtx {
     ComContext c{};
     NullCtx() { EXPECT_EQ(com_null_init(&c), CS_SUCCEED); }
     ~NullCtx() { com_null_free(&c); }
-    int32_t get(int32_t type, void *buf, int32_t dstlen, int32_t maxlength = 0, uint32_t flags = 0,
-                int32_t prec = 0, int32_t scale = 0, int32_t *len = nullptr) {
+    // The null of type into a destination of dstlen bytes (pre-filled with 0xEE): status,
+    // length and the destination bytes.
+    std::string get(int32_t type, int32_t dstlen, uint32_t flags = 0, int32_t prec = 0,
+                    int32_t scale = 0) {
         DataFormat f{};
         f.datatype = type;
-        f.maxlength = maxlength ? maxlength : dstlen;
+        f.maxlength = dstlen;
         f.format = flags;
         f.precision = prec;
         f.scale = scale;
-        int32_t l = -1;
-        int32_t rc = com_null_get(&c, &f, buf, dstlen, &l);
-        if (len) *len = l;
-        return rc;
+        std::string buf(static_cast<size_t>(dstlen) + 1, '\xEE');
+        int32_t len = -1;
+        const int32_t rc = com_null_get(&c, &f, buf.data(), dstlen, &len);
+        return std::to_string(rc) + " " + std::to_string(len) + " " + buf;
     }
 };
 
-TEST(NullValues, FixedTypesAreZeroCutToTheDestination) {
-    NullCtx n;
-    unsigned char buf[8];
-    int32_t len;
-    std::memset(buf, 0xEE, sizeof buf);
-    EXPECT_EQ(n.get(CS_INT, buf, 4, 0, 0, 0, 0, &len), CS_SUCCEED);
-    EXPECT_EQ(len, 4);
-    EXPECT_EQ(buf[3], 0);
-    EXPECT_EQ(buf[4], 0xEE);
-    EXPECT_EQ(n.get(CS_INT, buf, 2, 0, 0, 0, 0, &len), CS_SUCCEED);
-    EXPECT_EQ(len, 2);
-    EXPECT_EQ(n.get(CS_MONEY4, buf, 4, 0, 0, 0, 0, &len), CS_SUCCEED);
-    EXPECT_EQ(len, 4);
+std::string want(int32_t len, const std::string &bytes, size_t dstlen) {
+    std::string b = bytes;
+    b.resize(dstlen + 1, '\xEE');
+    return std::to_string(CS_SUCCEED) + " " + std::to_string(len) + " " + b;
 }
 
-TEST(NullValues, NumericsCarryTheFormatsPrecisionAndScale) {
+TEST(NullValues, DefaultsAreZeroCutToTheDestination) {
     NullCtx n;
-    unsigned char buf[35];
-    std::memset(buf, 0xEE, sizeof buf);
-    int32_t len;
-    EXPECT_EQ(n.get(CS_NUMERIC, buf, 35, 0, 0, 10, 2, &len), CS_SUCCEED);
-    EXPECT_EQ(len, 6);
-    EXPECT_EQ(buf[0], 10);
-    EXPECT_EQ(buf[1], 2);
-    for (int i = 2; i < 6; ++i)
-        EXPECT_EQ(buf[i], 0);
-    EXPECT_EQ(buf[6], 0xEE);
+    const std::string zeros(8, '\0');
+    EXPECT_EQ(n.get(CS_INT, 4), want(4, zeros.substr(0, 4), 4));
+    EXPECT_EQ(n.get(CS_INT, 2), want(2, zeros.substr(0, 2), 2));
+    EXPECT_EQ(n.get(CS_MONEY4, 4), want(4, zeros.substr(0, 4), 4));
+    // Exact numerics carry the format's precision and scale, then a zero value.
+    EXPECT_EQ(n.get(CS_NUMERIC, 35, 0, 10, 2), want(6, std::string("\x0a\x02\0\0\0\0", 6), 35));
+    EXPECT_EQ(n.get(100, 8), want(0, "", 8)); // a user type without a value
 }
 
-TEST(NullValues, UserTypesComeFromTheList) {
+TEST(NullValues, SetReplacesAndReinstallRestores) {
     NullCtx n;
-    char buf[8] = {};
-    int32_t len = -1;
-    EXPECT_EQ(n.get(100, buf, 8, 0, 0, 0, 0, &len), CS_SUCCEED);
-    EXPECT_EQ(len, 0);
     char v[] = "xyz";
     ASSERT_EQ(com_null_set(&n.c, 100, v, 3), CS_SUCCEED);
     ASSERT_EQ(com_null_set(&n.c, 100, v, 2), CS_SUCCEED); // replaces, no second entry
-    EXPECT_EQ(n.get(100, buf, 8, 0, 0, 0, 0, &len), CS_SUCCEED);
-    EXPECT_EQ(len, 2);
-    EXPECT_EQ(std::string(buf, 2), "xy");
-    // A value set for CS_VOID goes to the user list; a fetch for 23 never sees it.
-    ASSERT_EQ(com_null_set(&n.c, CS_VOID, v, 3), CS_SUCCEED);
-    std::memset(buf, 0, sizeof buf);
-    EXPECT_EQ(n.get(CS_VOID, buf, 4, 0, 0, 0, 0, &len), CS_SUCCEED);
-    EXPECT_EQ(len, 4);
-    EXPECT_EQ(buf[0], 0);
+    EXPECT_EQ(n.get(100, 8), want(2, "xy", 8));
     EXPECT_EQ(com_null_reinstall(&n.c, 100), CS_SUCCEED);
-    EXPECT_EQ(n.get(100, buf, 8, 0, 0, 0, 0, &len), CS_SUCCEED);
-    EXPECT_EQ(len, 0);
+    EXPECT_EQ(n.get(100, 8), want(0, "", 8));
     EXPECT_EQ(com_null_reinstall(&n.c, 555), CS_SUCCEED);
+    // A value set for CS_VOID goes to the user list; a fetch for it never sees it.
+    ASSERT_EQ(com_null_set(&n.c, CS_VOID, v, 3), CS_SUCCEED);
+    EXPECT_EQ(n.get(CS_VOID, 4), want(4, std::string(4, '\0'), 4));
+    // Shorter and empty values of built-in types, and their defaults back.
+    ASSERT_EQ(com_null_set(&n.c, CS_FLOAT, v, 1), CS_SUCCEED);
+    ASSERT_EQ(com_null_reinstall(&n.c, CS_FLOAT), CS_SUCCEED);
+    EXPECT_EQ(n.get(CS_FLOAT, 8), want(8, std::string(8, '\0'), 8));
+    ASSERT_EQ(com_null_set(&n.c, CS_INT, nullptr, 0), CS_SUCCEED);
+    EXPECT_EQ(n.get(CS_INT, 4), want(0, "", 4));
+    ASSERT_EQ(com_null_reinstall(&n.c, CS_INT), CS_SUCCEED);
+    EXPECT_EQ(n.get(CS_INT, 4), want(4, std::string(4, '\0'), 4));
 }
 
-TEST(NullValues, CharNullIsPaddedLikeText) {
+TEST(NullValues, TextNullsArePaddedLikeText) {
     NullCtx n;
     char v[] = "NUL";
     ASSERT_EQ(com_null_set(&n.c, CS_CHAR, v, 3), CS_SUCCEED);
-    char buf[10];
-    int32_t len;
-    EXPECT_EQ(n.get(CS_CHAR, buf, 10, 10, CS_FMT_PADBLANK, 0, 0, &len), CS_SUCCEED);
-    EXPECT_EQ(len, 10);
-    EXPECT_EQ(std::string(buf, 10), "NUL       ");
+    EXPECT_EQ(n.get(CS_CHAR, 10, CS_FMT_PADBLANK), want(10, "NUL       ", 10));
     // Rows 1 and 2 are crossed: a null CS_BINARY pads like text, a CS_LONGCHAR like binary.
-    EXPECT_EQ(n.get(CS_BINARY, buf, 4, 4, CS_FMT_PADBLANK, 0, 0, &len), CS_SUCCEED);
-    EXPECT_EQ(std::string(buf, 4), "    ");
-    EXPECT_EQ(n.get(CS_LONGCHAR, buf, 4, 4, CS_FMT_PADBLANK, 0, 0, &len), CS_SUCCEED);
-    EXPECT_EQ(len, 0);
-}
-
-TEST(NullValues, ReinstallRestoresTheDefaultAfterShorterOrEmptySets) {
-    NullCtx n;
-    char v[] = "\x7";
-    ASSERT_EQ(com_null_set(&n.c, CS_FLOAT, v, 1), CS_SUCCEED);
-    ASSERT_EQ(com_null_reinstall(&n.c, CS_FLOAT), CS_SUCCEED);
-    double d = 1.0;
-    int32_t len;
-    EXPECT_EQ(n.get(CS_FLOAT, &d, 8, 0, 0, 0, 0, &len), CS_SUCCEED);
-    EXPECT_EQ(len, 8);
-    EXPECT_EQ(d, 0.0);
-    ASSERT_EQ(com_null_set(&n.c, CS_INT, nullptr, 0), CS_SUCCEED);
-    int32_t i = 5;
-    EXPECT_EQ(n.get(CS_INT, &i, 4, 0, 0, 0, 0, &len), CS_SUCCEED);
-    EXPECT_EQ(len, 0);
-    ASSERT_EQ(com_null_reinstall(&n.c, CS_INT), CS_SUCCEED);
-    EXPECT_EQ(n.get(CS_INT, &i, 4, 0, 0, 0, 0, &len), CS_SUCCEED);
-    EXPECT_EQ(i, 0);
+    EXPECT_EQ(n.get(CS_BINARY, 4, CS_FMT_PADBLANK), want(4, "    ", 4));
+    EXPECT_EQ(n.get(CS_LONGCHAR, 4, CS_FMT_PADBLANK), want(0, "", 4));
 }
 
 TEST(NullValues, VoidConvertsToTheNullOfAnyType) {

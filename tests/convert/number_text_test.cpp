@@ -1,9 +1,9 @@
 // Numbers to text and varchar, against snprintf: "%ld" for the integers and "%.17g" (then the
 // leading-zero drop and the ".0" rule) for floats, over boundary and random values, every
-// maxlength from 0 to past the text and every combination of the three flag bits.
+// maxlength from 0 to past the text and every combination of the three flag bits. (The
+// library's float text takes std::to_chars at precision 17; these values hold it to printf.)
 #include <gtest/gtest.h>
 
-#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -14,23 +14,6 @@
 #include "output_model.h"
 
 namespace {
-
-// What a number's text does to a text destination of m bytes: the "*" rule and the flags.
-Outcome model_number(const std::string &text, int32_t m, uint32_t flags) {
-    std::string out(static_cast<size_t>(std::max(m, 0)), kUntouched);
-    const auto l = static_cast<int32_t>(text.size());
-    int32_t len = std::max(std::min(m, l), 0);
-    if (m > l || (m == l && !(flags & CS_FMT_NULLTERM))) {
-        out.replace(0, text.size(), text);
-        const int32_t rc = model_pad(out, l, m, flags, len);
-        return {rc, out, len};
-    }
-    if (m >= 2) {
-        out[0] = '*';
-        model_pad(out, 1, m, flags, len);
-    }
-    return {CS_CONV_OVERFLOW, out, len};
-}
 
 std::string printf_float(double v) {
     char b[64];
@@ -55,15 +38,9 @@ void check_value(ComConvFunc tochar, ComConvFunc tovarchar, int32_t type, T v,
     for (int32_t m = -1; m <= static_cast<int32_t>(text.size()) + 3; ++m)
         for (uint32_t flags = 0; flags < 8; ++flags)
             ASSERT_EQ(run_conv(tochar, nullptr, sf, &v, CS_CHAR, m, flags),
-                      model_number(text, m, flags))
+                      model_text(text, m, flags, Short::Star))
                 << text << " m=" << m << " flags=" << flags;
-    Outcome var = run_conv(tovarchar, nullptr, sf, &v, CS_VARCHAR, 258, 0);
-    int16_t word;
-    std::memcpy(&word, var.bytes.data(), 2);
-    EXPECT_EQ(var.rc, CS_SUCCEED);
-    EXPECT_EQ(var.len, 258);
-    ASSERT_EQ(word, static_cast<int16_t>(text.size()));
-    EXPECT_EQ(var.bytes.substr(2, text.size()), text);
+    ASSERT_EQ(run_conv(tovarchar, nullptr, sf, &v, CS_VARCHAR, 258, 0), framed(text, CS_SUCCEED));
 }
 
 TEST(NumberText, IntegersMatchPrintf) {
@@ -85,29 +62,18 @@ TEST(NumberText, IntegersMatchPrintf) {
 
 std::vector<double> float_values() {
     const double inf = std::numeric_limits<double>::infinity();
-    std::vector<double> v = {0.0,
-                             -0.0,
-                             0.5,
-                             0.25,
-                             -0.25,
-                             2,
-                             3,
-                             1e20,
-                             1e16,
-                             1e17,
-                             -1e17,
-                             1e-5,
-                             1e-4,
-                             0.1,
-                             123456.5,
-                             inf,
-                             -inf,
-                             std::nan(""),
-                             -std::nan(""),
-                             std::numeric_limits<double>::max(),
-                             std::numeric_limits<double>::min(),
-                             std::numeric_limits<double>::denorm_min(),
-                             -std::numeric_limits<double>::denorm_min()};
+    using lim = std::numeric_limits<double>;
+    std::vector<double> v = {0.0,        -0.0,
+                             0.5,        0.25,
+                             -0.25,      2,
+                             3,          1e20,
+                             1e16,       1e17,
+                             -1e17,      1e-5,
+                             1e-4,       0.1,
+                             123456.5,   inf,
+                             -inf,       NAN,
+                             -NAN,       lim::max(),
+                             lim::min(), lim::denorm_min()};
     std::mt19937_64 rng(2026);
     for (int i = 0; i < 1500; ++i) {
         uint64_t bits = rng();
@@ -120,26 +86,14 @@ std::vector<double> float_values() {
     return v;
 }
 
-TEST(NumberText, ToCharsAtPrecision17IsPrintfsText) {
-    for (double d : float_values()) {
-        char a[64], b[64];
-        std::snprintf(a, sizeof a, "%.17g", d);
-        *std::to_chars(b, b + sizeof b, d, std::chars_format::general, 17).ptr = '\0';
-        ASSERT_STREQ(a, b);
-    }
-}
-
 TEST(NumberText, FloatsMatchPrintf) {
     for (double d : float_values()) {
         check_value(comn_flt8tochar, comn_flt8tovarchar, CS_FLOAT, d, printf_float(d));
         const auto f = static_cast<float>(d);
         check_value(comn_flt4tochar, comn_flt4tovarchar, CS_REAL, f, printf_float(f));
     }
-    // The shapes the rules are about.
-    EXPECT_EQ(printf_float(0.5), ".5");
-    EXPECT_EQ(printf_float(-0.0), "0.0");
-    EXPECT_EQ(printf_float(1e20), "1e+20");
-    EXPECT_EQ(printf_float(0.1f), ".10000000149011612");
+    // The shapes the rules are about, so the model itself is pinned.
+    EXPECT_EQ(printf_float(0.5) + printf_float(-0.0) + printf_float(1e20), ".50.01e+20");
 }
 
 TEST(NumberText, BitDigitsAndDomain) {
@@ -148,7 +102,7 @@ TEST(NumberText, BitDigitsAndDomain) {
         const std::string digit(1, static_cast<char>('0' + b));
         for (uint32_t flags = 0; flags < 8; ++flags)
             for (int32_t m = 0; m <= 4; ++m) {
-                Outcome want = model_number(digit, m, flags);
+                Outcome want = model_text(digit, m, flags, Short::Star);
                 if (m == 1 && (flags & CS_FMT_NULLTERM)) want.bytes = std::string(1, '\0');
                 EXPECT_EQ(run_conv(comn_bittochar, nullptr, sf, &b, CS_CHAR, m, flags), want)
                     << int(b) << " m=" << m << " flags=" << flags;

@@ -1,10 +1,13 @@
-// Test helpers for text and binary destinations: a destination buffer of exactly maxlength
-// bytes on the heap (so the sanitizer catches a write past it), and a plain model of what
-// the destination flags do to n produced bytes, written from the rules rather than the code.
+// Test helpers for text and binary destinations: a destination buffer of maxlength bytes
+// with a guard after it, and a plain model of what the destination flags do to a produced
+// text, written from the rules rather than the code.
 #pragma once
+
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -14,13 +17,17 @@
 // Bytes not written by a conversion keep this value.
 constexpr char kUntouched = '~';
 
+// A destination of maxlength bytes and a guard after them that must stay untouched.
 struct Dest {
     std::unique_ptr<char[]> buf;
     int32_t size;
-    explicit Dest(int32_t m) : buf(new char[std::max(m, 1)]), size(std::max(m, 0)) {
-        std::fill_n(buf.get(), std::max(m, 1), kUntouched);
+    explicit Dest(int32_t m) : buf(new char[std::max(m, 0) + 8]), size(std::max(m, 0)) {
+        std::fill_n(buf.get(), size + 8, kUntouched);
     }
     std::string str() const { return std::string(buf.get(), static_cast<size_t>(size)); }
+    bool guard_intact() const {
+        return std::string(buf.get() + size, 8) == std::string(8, kUntouched);
+    }
 };
 
 struct Outcome {
@@ -73,12 +80,60 @@ inline int32_t model_pad(std::string &out, int32_t n, int32_t m, uint32_t flags,
     return CS_SUCCEED;
 }
 
-// Runs a conversion into a fresh destination of maxlength m.
+// What a text of n bytes becomes when it does not fit m bytes (with its terminator): a lone
+// "*" (numbers), the first m bytes with overflow (exact numerics, money) or with truncation
+// (text copies), or whole hexadecimal pairs (binary as text).
+enum class Short { Star, Cut, Truncate, HexPairs };
+
+// A produced text in a text destination of maxlength m with the given flags.
+inline Outcome model_text(const std::string &text, int32_t m, uint32_t flags, Short rule) {
+    const auto n = static_cast<int32_t>(text.size());
+    const int32_t room = std::max(m, 0);
+    std::string out(static_cast<size_t>(room), kUntouched);
+    int32_t len = std::min(n, room);
+    if (m > n || (m == n && !(flags & CS_FMT_NULLTERM))) {
+        out.replace(0, text.size(), text);
+        const int32_t rc = model_pad(out, n, m, flags, len);
+        return {rc, out, len};
+    }
+    switch (rule) {
+    case Short::Star:
+        if (m >= 2) {
+            out[0] = '*';
+            model_pad(out, 1, m, flags, len);
+        }
+        return {CS_CONV_OVERFLOW, out, len};
+    case Short::HexPairs:
+        if (room < n) {
+            out.replace(0, static_cast<size_t>(m / 2 * 2), text, 0, static_cast<size_t>(m / 2 * 2));
+            return {CS_CONV_TRUNCATED, out, len};
+        }
+        [[fallthrough]]; // exactly m bytes: no room for the terminator
+    default:
+        out.replace(0, static_cast<size_t>(len), text, 0, static_cast<size_t>(len));
+        if ((flags & CS_FMT_NULLTERM) && len >= 1) out[static_cast<size_t>(len - 1)] = '\0';
+        return {rule == Short::Truncate ? CS_CONV_TRUNCATED : CS_CONV_OVERFLOW, out, len};
+    }
+}
+
+// A varchar or varbinary destination holding payload (cut to 256 bytes): the length word,
+// the bytes, the rest untouched.
+inline Outcome framed(const std::string &payload, int32_t rc) {
+    const auto n = static_cast<int16_t>(std::min<size_t>(payload.size(), 256));
+    std::string out(258, kUntouched);
+    std::memcpy(out.data(), &n, 2);
+    out.replace(2, static_cast<size_t>(n), payload, 0, static_cast<size_t>(n));
+    return {rc, out, 258};
+}
+
+// Runs a conversion into a fresh destination of maxlength m (and the given precision).
 inline Outcome run_conv(ComConvFunc f, ComContext *ctx, DataFormat &sf, const void *src,
-                        int32_t desttype, int32_t m, uint32_t flags) {
+                        int32_t desttype, int32_t m, uint32_t flags, int32_t precision = 0) {
     Dest d(m);
     DataFormat df = text_format(desttype, m, flags);
+    df.precision = precision;
     int32_t len = -7;
     const int32_t rc = f(ctx, &sf, const_cast<void *>(src), &df, d.buf.get(), &len);
+    EXPECT_TRUE(d.guard_intact()) << "written past maxlength " << m;
     return {rc, d.str(), len};
 }

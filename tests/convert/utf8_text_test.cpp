@@ -1,6 +1,6 @@
 // Text conversions with utf8 formats: numbers and dates are read through the set's ASCII map,
-// dates print with the locale's UTF-8 names, text to text translates between utf8 and the
-// other sets and shortens utf8 text on whole characters.
+// dates print with the locale's UTF-8 names. (Text to text with utf8 is checked with the other
+// shipped sets in text_text_test.)
 #include <gtest/gtest.h>
 
 #include <string>
@@ -10,30 +10,6 @@
 #include "convert/text_input_util.h"
 
 namespace {
-
-struct Out {
-    int32_t rc;
-    int32_t len;
-    std::string text;
-};
-
-// Text to text: the source in one locale, the destination of maxlength m in another.
-Out to_char(TextCtx &c, LocaleHandle *from, LocaleHandle *to, const std::string &text, int32_t m,
-            uint32_t flags = 0) {
-    DataFormat sf{}, df{};
-    sf.datatype = df.datatype = CS_CHAR;
-    sf.maxlength = static_cast<int32_t>(text.size());
-    sf.locale = from;
-    df.maxlength = m;
-    df.format = flags;
-    df.locale = to;
-    std::vector<char> buf(static_cast<size_t>(m) + 1, '#');
-    int32_t len = -1;
-    const int32_t rc =
-        comn_chartochar(c.get(), &sf, const_cast<char *>(text.data()), &df, buf.data(), &len);
-    EXPECT_EQ(buf[static_cast<size_t>(m)], '#') << "wrote past maxlength";
-    return {rc, len, std::string(buf.data(), static_cast<size_t>(std::max(len, 0)))};
-}
 
 TEST(Utf8Text, NumbersReadThroughTheAsciiMap) {
     TextCtx c;
@@ -109,48 +85,6 @@ TEST(Utf8Text, DatesUseTheLocalesUtf8Names) {
         ASSERT_EQ(comn_datetochar(c.get(), &sf, &v, &df, out, &len), CS_SUCCEED);
         EXPECT_EQ(std::string(out, static_cast<size_t>(len)), k.style0);
     }
-}
-
-TEST(Utf8Text, TextToTextTranslatesAndKeepsCharactersWhole) {
-    TextCtx c;
-    LocaleHandle *u = c.locale("fr_FR.UTF-8");
-    LocaleHandle *l1 = c.locale("fr_FR");
-    LocaleHandle *sj = c.locale("ja_JP.SJIS");
-    ASSERT_TRUE(u && l1 && sj);
-    const std::string fevrier = "f\xc3\xa9vrier", fevrier1 = "f\xe9vrier";
-
-    Out o = to_char(c, u, l1, fevrier, 20);
-    EXPECT_EQ(o.rc, CS_SUCCEED);
-    EXPECT_EQ(o.text, fevrier1);
-    o = to_char(c, l1, u, fevrier1, 20);
-    EXPECT_EQ(o.rc, CS_SUCCEED);
-    EXPECT_EQ(o.text, fevrier);
-    o = to_char(c, u, sj, "\xe6\x97\xa5\xe6\x9c\xac", 20); // two kanji
-    EXPECT_EQ(o.rc, CS_SUCCEED);
-    EXPECT_EQ(o.text, "\x93\xfa\x96\x7b");
-    o = to_char(c, sj, u, "\x93\xfa\x96\x7b", 20);
-    EXPECT_EQ(o.rc, CS_SUCCEED);
-    EXPECT_EQ(o.text, "\xe6\x97\xa5\xe6\x9c\xac");
-    o = to_char(c, u, l1, "\xe6\x97\xa5", 20); // no Latin-1 counterpart
-    EXPECT_EQ(o.rc, CS_CONV_BADXLT);
-    EXPECT_EQ(o.text, "?");
-
-    // Same set: a limit inside a character gives the whole characters before it.
-    const std::string e3 = "\xc3\xa9\xc3\xa9\xc3\xa9";
-    for (int32_t m = 0; m <= 7; ++m) {
-        o = to_char(c, u, u, e3, m);
-        const int32_t whole = std::min<int32_t>(m, 6) / 2 * 2;
-        EXPECT_EQ(o.len, whole) << m;
-        EXPECT_EQ(o.text, e3.substr(0, static_cast<size_t>(whole))) << m;
-        EXPECT_EQ(o.rc, m >= 6 ? CS_SUCCEED : CS_CONV_TRUNCATED) << m;
-    }
-    DataFormat uf{};
-    uf.locale = u;
-    const CharAttrib *attr = com_intl_charattr(c.get(), &uf);
-    for (int32_t limit = 0; limit <= 7; ++limit)
-        EXPECT_EQ(comnb_truncate_chars(attr, "\xe6\x97\xa5\xe6\x9c\xac", 6, limit),
-                  limit >= 6 ? 6 : limit / 3 * 3)
-            << limit;
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 """Checks the library's calendar against Python's datetime.
 
 Every day from 1753-01-01 to 9999-12-31 is cracked (year, month, day, day of year, weekday,
-ISO year, week and weekday); every (year, month, day 1..31) is made; and fixed-seed random
+ISO year, week and weekday, quarter, Sunday-based week, weekday from Sunday and from Monday); every (year, month, day 1..31) is made; and fixed-seed random
 pairs exercise day, month and year differences and additions. The library's answers come
 from the helper program named on the command line."""
 import calendar
@@ -49,19 +49,21 @@ def iso_week_as_library(d, iy, iw):
 
 
 def check_days():
-    rec = struct.Struct("<HBBHBHBB")
+    rec = struct.Struct("<HBBHBHBBBBBB")
     data = run("days")
     expected = bytearray()
     pack = rec.pack
     fromordinal = datetime.date.fromordinal
-    jan1 = FIRST
+    jan1, jan1_sunday0 = FIRST, fromordinal(FIRST).isoweekday() % 7
     for o in range(FIRST, LAST + 1):
         d = fromordinal(o)
         if d.month == 1 and d.day == 1:
-            jan1 = o
+            jan1, jan1_sunday0 = o, d.isoweekday() % 7
         iy, iw, iwd = d.isocalendar()
-        expected += pack(d.year, d.month, d.day, o - jan1 + 1, iwd % 7, iy,
-                         iso_week_as_library(d, iy, iw), iwd)
+        doy = o - jan1 + 1
+        week = (doy - 1 + jan1_sunday0) // 7 + 1  # weeks start on Sunday
+        expected += pack(d.year, d.month, d.day, doy, iwd % 7, iy, iso_week_as_library(d, iy, iw),
+                         iwd, (d.month - 1) // 3 + 1, week, iwd % 7 + 1, iwd)
     if data != expected:
         n = rec.size
         for i in range(0, min(len(data), len(expected)), n):

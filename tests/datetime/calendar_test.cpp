@@ -1,11 +1,13 @@
-// Calendar edge cases beside the Python oracle (which cracks every day of the range, ends
-// included): the leap-day count, the millisecond rounding rules, the deliberate ISO week
-// numbering, differences and additions at their limits, narrowing, and the small text writers.
+// Calendar cases beside the Python oracle (which cracks and makes every day of the range,
+// weeks included, and checks day, month and year differences and additions): field codes,
+// the millisecond rounding rules, the time parts of differences and
+// additions at their limits, narrowing, and the small text writers.
 #include <gtest/gtest.h>
 
 #include <climits>
 #include <random>
 #include <string>
+#include <vector>
 
 #include "comnlib.h"
 #include "datetime/make_datetime.h"
@@ -17,13 +19,6 @@ DateRec crack(const DateTimeValue &dt) {
     com_datecrack(&dt, &r);
     com_timecrack(&dt, &r);
     return r;
-}
-
-TEST(Calendar, LeapDaysBeforeAYear) {
-    EXPECT_EQ(com__leapcnt(-5), 0);
-    EXPECT_EQ(com__leapcnt(48), 11);  // 1756..1796 (1800 not yet)
-    EXPECT_EQ(com__leapcnt(148), 35); // 1800 and 1900 skipped
-    EXPECT_EQ(com__leapcnt(248), 60); // 2000 counted
 }
 
 // Day numbers outside the valid range crack without fault and by fixed rules: after 9999 the
@@ -64,35 +59,33 @@ TEST(Calendar, MakeRejectsEachFieldWithItsCode) {
         DateTimeValue dt{7, 0};
         EXPECT_EQ(com__datemake(&dt, &r), c.rc) << c.y << "-" << c.m << "-" << c.d;
     }
+    // The exported leap-day count before the n-th year of the range (the oracle checks the
+    // calendar built on it): none before the range, 1800 and 1900 skipped, 2000 counted.
+    EXPECT_EQ((std::vector{com__leapcnt(-5), com__leapcnt(148), com__leapcnt(248)}),
+              (std::vector{0, 35, 60}));
 }
 
-TEST(Calendar, TimeMakeRoundsMillisecondsButKeeps999InItsSecond) {
+// Milliseconds round to ticks, but 999 stays within its second; each field out of range has
+// its code.
+TEST(Calendar, TimeMakeRoundsMillisecondsAndRejectsEachField) {
     struct {
-        int ms;
+        int h, mi, s, ms, rc;
         uint32_t ticks;
-    } cases[] = {{0, 0}, {1, 0}, {2, 1}, {5, 2}, {500, 150}, {998, 299}, {999, 299}};
+    } cases[] = {{0, 0, 0, 0, 0, 0},     {0, 0, 0, 1, 0, 0},
+                 {0, 0, 0, 2, 0, 1},     {0, 0, 0, 5, 0, 2},
+                 {0, 0, 0, 500, 0, 150}, {0, 0, 0, 998, 0, 299},
+                 {0, 0, 0, 999, 0, 299}, {23, 59, 59, 999, 0, 25919999},
+                 {24, 0, 0, 0, 4, 0},    {0, 60, 0, 0, 5, 0},
+                 {0, 0, 60, 0, 6, 0},    {0, 0, 0, 1000, 7, 0}};
     for (auto c : cases) {
         DateRec r{};
-        r.millisecond = c.ms;
+        r.hour = c.h, r.minute = c.mi, r.second = c.s, r.millisecond = c.ms;
         DateTimeValue dt{};
-        ASSERT_EQ(com__timemake(&dt, &r), 0);
-        EXPECT_EQ(dt.ticks, c.ticks) << c.ms;
+        ASSERT_EQ(com__timemake(&dt, &r), c.rc) << c.h << ":" << c.mi << ":" << c.s << "." << c.ms;
+        if (c.rc == 0) {
+            EXPECT_EQ(dt.ticks, c.ticks) << c.ms;
+        }
     }
-    DateRec r{};
-    DateTimeValue dt{};
-    r.hour = 24;
-    EXPECT_EQ(com__timemake(&dt, &r), 4);
-    r = {};
-    r.minute = 60;
-    EXPECT_EQ(com__timemake(&dt, &r), 5);
-    r = {};
-    r.second = 60;
-    EXPECT_EQ(com__timemake(&dt, &r), 6);
-    r = {};
-    r.millisecond = 1000;
-    EXPECT_EQ(com__timemake(&dt, &r), 7);
-    // 23:59:59.999 is the last tick of the day.
-    EXPECT_EQ(make(1999, 1, 1, 23, 59, 59, 999).ticks, 25919999u);
 }
 
 TEST(Calendar, TimeCrackTruncatesTicksAndIgnoresHighBits) {
@@ -105,42 +98,6 @@ TEST(Calendar, TimeCrackTruncatesTicksAndIgnoresHighBits) {
     EXPECT_EQ(r.minute, 30);
     EXPECT_EQ(r.second, 15);
     EXPECT_EQ(r.millisecond, 500);
-}
-
-TEST(Calendar, DatePartsRelativeToFirstDayAndSundayWeeks) {
-    const DateTimeValue sat = make(1999, 1, 16);
-    EXPECT_EQ(com_datepart(DATEPART_WEEKDAY, &sat, 0), 7);
-    EXPECT_EQ(com_datepart(DATEPART_WEEKDAY, &sat, 1), 6);
-    const DateTimeValue sun = make(1999, 1, 17);
-    EXPECT_EQ(com_datepart(DATEPART_WEEKDAY, &sun, 0), 1);
-    EXPECT_EQ(com_datepart(DATEPART_WEEKDAY, &sun, 1), 7);
-    EXPECT_EQ(com_datepart(DATEPART_QUARTER, &sun, 0), 1);
-    // 1 January 2000 is a Saturday: week 1 is one day, 2 January starts week 2; 31 December
-    // 2000 (a leap year's Sunday) is in week 54.
-    struct {
-        DateTimeValue dt;
-        int week;
-    } weeks[] = {{make(2000, 1, 1), 1}, {make(2000, 1, 2), 2}, {make(2000, 12, 31), 54}};
-    for (auto w : weeks)
-        EXPECT_EQ(com_datepart(DATEPART_WEEK, &w.dt, 0), w.week);
-    EXPECT_EQ(com_datepart(14, &sun, 0), CS_CONV_OVERFLOW);
-}
-
-TEST(Calendar, IsoWeekKeepsItsPreviousYearRule) {
-    struct {
-        int y, m, d, isoyear, isoweek, isowd;
-    } cases[] = {
-        {2005, 1, 1, 2004, 52, 6}, // true ISO week 53: the previous year is sought from 2 Jan
-        {2000, 1, 1, 1999, 53, 6}, // true ISO week 52
-        {2010, 1, 1, 2009, 53, 5},   {2008, 12, 31, 2009, 1, 3},
-        {2009, 12, 31, 2009, 53, 4}, {2004, 12, 31, 2004, 53, 5},
-    };
-    for (auto c : cases) {
-        const DateTimeValue dt = make(c.y, c.m, c.d);
-        EXPECT_EQ(com__datepart(DATEPART_ISOYEAR, &dt, 0), c.isoyear) << c.y << c.m << c.d;
-        EXPECT_EQ(com__datepart(DATEPART_ISOWEEK, &dt, 0), c.isoweek) << c.y << c.m << c.d;
-        EXPECT_EQ(com__datepart(DATEPART_ISOWEEKDAY, &dt, 0), c.isowd) << c.y << c.m << c.d;
-    }
 }
 
 TEST(Calendar, DateNames) {
@@ -161,6 +118,7 @@ TEST(Calendar, DateNames) {
     }
     EXPECT_EQ(com__datename(DATEPART_MONTH, &dt, buf, nullptr, days), 0);
     EXPECT_EQ(com__datename(DATEPART_WEEKDAY, &dt, buf, months, nullptr), 0);
+    EXPECT_EQ(com_datepart(14, &dt, 0), CS_CONV_OVERFLOW);
     // More than four digits show as a star; names stop at 30 bytes.
     EXPECT_EQ(com__itochar(12345, buf, 4), 1);
     EXPECT_EQ(buf[0], '*');
@@ -242,11 +200,7 @@ TEST(Calendar, AddClampsMonthEndsAndCarriesTime) {
         int part, amount, rc;
         DateTimeValue want;
     } cases[] = {
-        {make(1999, 1, 31), DATEPART_MONTH, 1, 0, make(1999, 2, 28)},
-        {make(2000, 1, 31), DATEPART_MONTH, 1, 0, make(2000, 2, 29)},
-        {make(1900, 1, 15), DATEPART_MONTH, -1, 0, make(1899, 12, 15)},
         {make(1999, 11, 30), DATEPART_QUARTER, 1, 0, make(2000, 2, 29)},
-        {make(2000, 2, 29, 10), DATEPART_YEAR, 1, 0, make(2001, 2, 28, 10)},
         {make(1999, 1, 1), DATEPART_WEEK, 2, 0, make(1999, 1, 15)},
         {make(1999, 1, 1, 23, 59, 59, 997), DATEPART_MILLISECOND, 2, 0, make(1999, 1, 2)},
         {make(1999, 1, 1, 12), DATEPART_MILLISECOND, 1, 0, make(1999, 1, 1, 12)},
@@ -255,7 +209,6 @@ TEST(Calendar, AddClampsMonthEndsAndCarriesTime) {
         {make(1999, 1, 1, 1), DATEPART_HOUR, -49, 0, make(1998, 12, 30, 0)},
         {make(1999, 1, 1), DATEPART_MINUTE, 1441, 0, make(1999, 1, 2, 0, 1)},
         {make(1999, 1, 1), DATEPART_SECOND, -86401, 0, make(1998, 12, 30, 23, 59, 59)},
-        {make(9999, 12, 31), DATEPART_DAY, 1, 1, make(9999, 12, 31)},
         {make(1753, 1, 1), DATEPART_DAYOFYEAR, -1, 1, make(1753, 1, 1)},
         {make(9999, 12, 31), DATEPART_MONTH, 1, 1, {0, 0}},
         {make(1999, 1, 1), DATEPART_DAY, INT_MAX, 1, make(1999, 1, 1)},
@@ -337,25 +290,20 @@ TEST(Calendar, AddBothAndValidity) {
 
 TEST(Calendar, Comparisons) {
     const DateTimeValue a{5, 10}, b{5, 20}, c{-1, 30};
-    EXPECT_LT(com__datecmp(&a, &b), 0);
-    EXPECT_GT(com__datecmp(&a, &c), 0);
-    EXPECT_EQ(com_datecmp(&a, &b), -1);
-    EXPECT_EQ(com_datecmp(&b, &a), 1);
-    EXPECT_EQ(com_datecmp(&c, &a), -1);
-    EXPECT_EQ(com_datecmp(&a, &a), 0);
+    EXPECT_EQ((std::vector{com_datecmp(&a, &b), com_datecmp(&b, &a), com_datecmp(&c, &a),
+                           com_datecmp(&a, &a), int32_t{com__datecmp(&a, &c) > 0}}),
+              (std::vector{-1, 1, -1, 0, 1}));
     const DateTime4Value x{1, 2}, y{1, 3}, z{0, 900};
-    EXPECT_EQ(com_date4cmp(&x, &y), -1);
-    EXPECT_EQ(com_date4cmp(&x, &z), 1);
-    EXPECT_EQ(com_date4cmp(&y, &y), 0);
+    EXPECT_EQ((std::vector{com_date4cmp(&x, &y), com_date4cmp(&x, &z), com_date4cmp(&y, &y)}),
+              (std::vector{-1, 1, 0}));
     DateTimeValue v{9, 9};
     EXPECT_EQ(com_datezero(&v), &v);
-    EXPECT_EQ(v.days, 0);
-    EXPECT_EQ(v.ticks, 0u);
+    EXPECT_EQ(v.days + v.ticks, 0u);
     com_setdatetime(&v, -7, 0xFFFFFFFFu);
     EXPECT_EQ(v.days, -7);
     EXPECT_EQ(v.ticks, 0xFFFFFFFFu);
     DateTime4Value w{9, 9};
-    EXPECT_EQ(com_date4zero(&w)->minutes, 0);
+    EXPECT_EQ(com_date4zero(&w)->minutes + w.days, 0);
 }
 
 TEST(Calendar, FieldWriters) {

@@ -18,47 +18,42 @@ std::string fmt(const DateTimeValue &dt, int32_t style, int32_t max = -1,
     return n > 0 ? std::string(buf, static_cast<size_t>(n)) : "<" + std::to_string(n) + ">";
 }
 
-TEST(DateFormat, EveryStyle) {
+TEST(DateFormat, EveryStyleClockHoursPaddingAndYears) {
+    // Styles 0 to 15, and 100 to 112, which print four-digit years.
     const DateTimeValue dt = make(1999, 1, 15, 22, 30, 15, 500);
-    struct {
-        int32_t style;
-        const char *text;
-    } cases[] = {
-        {0, "Jan 15 1999 10:30PM"},
-        {100, "Jan 15 1999 10:30PM"},
-        {1, "01/15/99"},
-        {101, "01/15/1999"},
-        {2, "99.01.15"},
-        {102, "1999.01.15"},
-        {3, "15/01/99"},
-        {103, "15/01/1999"},
-        {4, "15.01.99"},
-        {104, "15.01.1999"},
-        {5, "15-01-99"},
-        {105, "15-01-1999"},
-        {6, "15 Jan 99"},
-        {106, "15 Jan 1999"},
-        {7, "Jan 15, 99"},
-        {107, "Jan 15, 1999"},
-        {8, "22:30:15"},
-        {108, "22:30:15"},
-        {9, "Jan 15 1999 10:30:15:500PM"},
-        {109, "Jan 15 1999 10:30:15:500PM"},
-        {10, "01-15-99"},
-        {110, "01-15-1999"},
-        {11, "99/01/15"},
-        {111, "1999/01/15"},
-        {12, "990115"},
-        {112, "19990115"},
-        {13, "99/15/01"},
-        {14, "01/99/15"},
-        {15, "15/99/01"},
-    };
-    for (auto c : cases)
-        EXPECT_EQ(fmt(dt, c.style), c.text) << c.style;
-}
-
-TEST(DateFormat, ClockHoursPaddingAndYears) {
+    const char *const short_year[] = {"Jan 15 1999 10:30PM",
+                                      "01/15/99",
+                                      "99.01.15",
+                                      "15/01/99",
+                                      "15.01.99",
+                                      "15-01-99",
+                                      "15 Jan 99",
+                                      "Jan 15, 99",
+                                      "22:30:15",
+                                      "Jan 15 1999 10:30:15:500PM",
+                                      "01-15-99",
+                                      "99/01/15",
+                                      "990115",
+                                      "99/15/01",
+                                      "01/99/15",
+                                      "15/99/01"};
+    const char *const long_year[] = {"Jan 15 1999 10:30PM",
+                                     "01/15/1999",
+                                     "1999.01.15",
+                                     "15/01/1999",
+                                     "15.01.1999",
+                                     "15-01-1999",
+                                     "15 Jan 1999",
+                                     "Jan 15, 1999",
+                                     "22:30:15",
+                                     "Jan 15 1999 10:30:15:500PM",
+                                     "01-15-1999",
+                                     "1999/01/15",
+                                     "19990115"};
+    for (int32_t style = 0; style < 16; ++style)
+        EXPECT_EQ(fmt(dt, style), short_year[style]) << style;
+    for (int32_t style = 0; style < 13; ++style)
+        EXPECT_EQ(fmt(dt, 100 + style), long_year[style]) << 100 + style;
     struct {
         DateTimeValue dt;
         int32_t style;
@@ -108,107 +103,68 @@ TEST(DateFormat, TruncationAndErrors) {
     EXPECT_EQ(com_cvtdatetochar(&dt, buf, -1, 12, nullptr), 6);
 }
 
-struct Conv {
-    ComContext ctx{};
-    DataFormat src{}, dst{};
-    char out[300] = {};
-    int32_t len = -1;
-    Conv(int32_t srctype, int32_t dsttype, int32_t maxlen, uint32_t flags = 0) {
-        EXPECT_EQ(com_conv_init(&ctx), CS_SUCCEED);
-        src.datatype = srctype;
-        src.maxlength = srctype == CS_DATETIME ? 8 : 4;
-        dst.datatype = dsttype;
-        dst.maxlength = maxlen;
-        dst.format = flags;
-    }
-    ~Conv() { com_conv_free(&ctx); }
-    int32_t run(void *value) {
-        ComConvFunc f = com_conv_func(&ctx, src.datatype, dst.datatype);
-        EXPECT_NE(f, nullptr);
-        return f ? f(&ctx, &src, value, &dst, out, &len) : CS_FAIL;
-    }
-};
-
-TEST(DateConvert, ToTextUsesTheDefaultStyleAndPadding) {
-    DateTimeValue dt = make(1999, 1, 15, 22, 30, 15, 500);
-    {
-        Conv c(CS_DATETIME, CS_CHAR, 40);
-        EXPECT_EQ(c.run(&dt), CS_SUCCEED);
-        EXPECT_EQ(std::string(c.out, static_cast<size_t>(c.len)), "Jan 15 1999 10:30:15:500PM");
-    }
-    {
-        Conv c(CS_DATETIME, CS_CHAR, 30, CS_FMT_PADBLANK | CS_FMT_NULLTERM);
-        EXPECT_EQ(c.run(&dt), CS_SUCCEED);
-        EXPECT_EQ(c.len, 30);
-        EXPECT_EQ(std::string(c.out, 30), std::string("Jan 15 1999 10:30:15:500PM   ") + '\0');
-    }
-    {
-        Conv c(CS_DATETIME, CS_CHAR, 10);
-        EXPECT_EQ(c.run(&dt), CS_CONV_TRUNCATED);
-        EXPECT_EQ(c.len, 10);
-        EXPECT_EQ(std::string(c.out, 10), "Jan 15 199");
-    }
-    {
-        Conv c(CS_DATETIME, CS_CHAR, 26, CS_FMT_NULLTERM); // no room for the terminator
-        EXPECT_EQ(c.run(&dt), CS_CONV_OVERFLOW);
-    }
-    {
-        Conv c(CS_DATETIME, CS_VARCHAR, 258);
-        EXPECT_EQ(c.run(&dt), CS_SUCCEED);
-        EXPECT_EQ(c.len, 258);
-        int16_t n;
-        std::memcpy(&n, c.out, 2);
-        EXPECT_EQ(std::string(c.out + 2, static_cast<size_t>(n)), "Jan 15 1999 10:30:15:500PM");
-    }
-    DateTime4Value d4{36173, 90};
-    {
-        Conv c(CS_DATETIME4, CS_CHAR, 40);
-        EXPECT_EQ(c.run(&d4), CS_SUCCEED);
-        EXPECT_EQ(std::string(c.out, static_cast<size_t>(c.len)), "Jan 15 1999  1:30:00:000AM");
-    }
-    EXPECT_EQ(comn_get_datetochar_fmt(nullptr, nullptr), 9);
+template <typename T>
+std::string bytes(const T &v) {
+    return std::string(reinterpret_cast<const char *>(&v), sizeof v);
 }
 
-TEST(DateConvert, BetweenTheTwoTypesAndToBinary) {
-    DateTimeValue dt = make(2079, 6, 6, 23, 59, 29);
-    DateTime4Value d4{};
-    {
-        Conv c(CS_DATETIME, CS_DATETIME4, 4);
-        EXPECT_EQ(c.run(&dt), CS_SUCCEED);
-        EXPECT_EQ(c.len, 4);
-        std::memcpy(&d4, c.out, 4);
-        EXPECT_EQ(d4.days, 65535);
-        EXPECT_EQ(d4.minutes, 1439);
-        DateTimeValue late = make(2079, 6, 6, 23, 59, 30);
-        EXPECT_EQ(c.run(&late), CS_CONV_OVERFLOW);
-        EXPECT_EQ(c.len, 4);
+// The datetime conversions through the table: text in the default style with the text
+// flags (a datetime cut short is truncated, a missing terminator overflows), narrowing and
+// widening, and copies.
+TEST(DateConvert, ThroughTheTable) {
+    const DateTimeValue dt = make(1999, 1, 15, 22, 30, 15, 500),
+                        last = make(2079, 6, 6, 23, 59, 29), late = make(2079, 6, 6, 23, 59, 30);
+    const DateTime4Value d4{36173, 90}, d4last{65535, 1439};
+    const std::string text = "Jan 15 1999 10:30:15:500PM";
+    struct {
+        int32_t from;
+        const void *value;
+        int32_t to, maxlength;
+        uint32_t flags;
+        int32_t rc, len;
+        std::string out; // the destination's first bytes
+    } cases[] = {
+        {CS_DATETIME, &dt, CS_CHAR, 40, 0, CS_SUCCEED, 26, text},
+        {CS_DATETIME, &dt, CS_CHAR, 30, CS_FMT_PADBLANK | CS_FMT_NULLTERM, CS_SUCCEED, 30,
+         text + std::string("   \0", 4)},
+        {CS_DATETIME, &dt, CS_CHAR, 10, 0, CS_CONV_TRUNCATED, 10, "Jan 15 199"},
+        {CS_DATETIME, &dt, CS_CHAR, 26, CS_FMT_NULLTERM, CS_CONV_OVERFLOW, 26, ""},
+        {CS_DATETIME, &dt, CS_VARCHAR, 258, 0, CS_SUCCEED, 258, std::string("\x1a\0", 2) + text},
+        {CS_DATETIME4, &d4, CS_CHAR, 40, 0, CS_SUCCEED, 26, "Jan 15 1999  1:30:00:000AM"},
+        {CS_DATETIME, &last, CS_DATETIME4, 4, 0, CS_SUCCEED, 4, bytes(d4last)},
+        {CS_DATETIME, &late, CS_DATETIME4, 4, 0, CS_CONV_OVERFLOW, 4, ""},
+        {CS_DATETIME4, &d4last, CS_DATETIME, 8, 0, CS_SUCCEED, 8,
+         bytes(DateTimeValue{65535, 1439u * 18000})},
+        {CS_DATETIME, &dt, CS_DATETIME, 8, 0, CS_SUCCEED, 8, bytes(dt)},
+        {CS_DATETIME4, &d4, CS_DATETIME4, 4, 0, CS_SUCCEED, 4, bytes(d4)},
+    };
+    ComContext ctx{};
+    ASSERT_EQ(com_conv_init(&ctx), CS_SUCCEED);
+    for (const auto &c : cases) {
+        DataFormat sf{}, df{};
+        sf.datatype = c.from;
+        df.datatype = c.to;
+        df.maxlength = c.maxlength;
+        df.format = c.flags;
+        char out[300];
+        int32_t len = -1;
+        const ComConvFunc f = com_conv_func(&ctx, c.from, c.to);
+        ASSERT_NE(f, nullptr);
+        EXPECT_EQ(f(&ctx, &sf, const_cast<void *>(c.value), &df, out, &len), c.rc) << c.out;
+        EXPECT_EQ(len, c.len) << c.out;
+        EXPECT_EQ(std::string(out, c.out.size()), c.out);
     }
-    {
-        Conv c(CS_DATETIME4, CS_DATETIME, 8);
-        EXPECT_EQ(c.run(&d4), CS_SUCCEED);
-        DateTimeValue back;
-        std::memcpy(&back, c.out, 8);
-        EXPECT_EQ(back.days, 65535);
-        EXPECT_EQ(back.ticks, 1439u * 18000);
-    }
-    for (int32_t t : {CS_DATETIME, CS_DATETIME4}) {
-        Conv same(t, t, 8);
-        EXPECT_EQ(same.run(&dt), CS_SUCCEED);
-        EXPECT_EQ(same.len, t == CS_DATETIME ? 8 : 4);
-        EXPECT_EQ(std::memcmp(same.out, &dt, static_cast<size_t>(same.len)), 0);
-        Conv vb(t, CS_VARBINARY, 258);
-        EXPECT_EQ(vb.run(&dt), CS_SUCCEED);
-        EXPECT_EQ(vb.len, 258);
-        EXPECT_EQ(std::memcmp(vb.out + 2, &dt, t == CS_DATETIME ? 8 : 4), 0);
-    }
+    com_conv_free(&ctx);
+    EXPECT_EQ(comn_get_datetochar_fmt(nullptr, nullptr), 9);
     // Binary destinations are not in the default table but the routines exist.
     DataFormat bin{};
     bin.maxlength = 6;
     char out[8];
     int32_t len;
-    EXPECT_EQ(comn_datetobin(nullptr, nullptr, &dt, &bin, out, &len), CS_CONV_TRUNCATED);
-    EXPECT_EQ(len, 6);
-    EXPECT_EQ(comn_date4tobin(nullptr, nullptr, &d4, &bin, out, &len), CS_SUCCEED);
+    EXPECT_EQ(comn_datetobin(nullptr, nullptr, const_cast<DateTimeValue *>(&dt), &bin, out, &len),
+              CS_CONV_TRUNCATED);
+    EXPECT_EQ(comn_date4tobin(nullptr, nullptr, const_cast<DateTime4Value *>(&d4), &bin, out, &len),
+              CS_SUCCEED);
     EXPECT_EQ(len, 4);
 }
 

@@ -23,7 +23,8 @@ void flush(std::vector<uint8_t> &out) {
 }
 
 // Per day: year u16, month 1..12 u8, day u8, day of year u16, weekday (0 Sunday) u8,
-// ISO year u16, ISO week u8, ISO weekday u8.
+// ISO year u16, ISO week u8, ISO weekday u8, quarter u8, Sunday-based week u8, weekday
+// counted from Sunday u8 and from Monday u8.
 void dump_days() {
     std::vector<uint8_t> out;
     for (int32_t d = COM_DT_MIN_DAYS; d <= COM_DT_MAX_DAYS; ++d) {
@@ -38,6 +39,9 @@ void dump_days() {
         put<uint16_t>(out, static_cast<uint16_t>(com__datepart(DATEPART_ISOYEAR, &dt, 0)));
         put<uint8_t>(out, static_cast<uint8_t>(com__datepart(DATEPART_ISOWEEK, &dt, 0)));
         put<uint8_t>(out, static_cast<uint8_t>(com__datepart(DATEPART_ISOWEEKDAY, &dt, 0)));
+        for (const int32_t part : {DATEPART_QUARTER, DATEPART_WEEK, DATEPART_WEEKDAY})
+            put<uint8_t>(out, static_cast<uint8_t>(com_datepart(part, &dt, 0)));
+        put<uint8_t>(out, static_cast<uint8_t>(com_datepart(DATEPART_WEEKDAY, &dt, 1)));
         if (out.size() > (1 << 20)) flush(out);
     }
     flush(out);

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "comnlib.h"
-#include "datetime/parse.h"
 
 namespace {
 
@@ -234,38 +233,6 @@ TEST(DateParse, TimeOnlyAndSmallDatetime) {
     EXPECT_EQ(com__date4fromchar_mb(&d4, t, static_cast<int32_t>(strlen(t)), 0, 1,
                                     com__get_months(), com__get_shortmonths(), nullptr),
               1);
-}
-
-TEST(DateParse, TokenizerAndFinder) {
-    const char *text = "Jan 1999,15 - 12345678 am";
-    int32_t rem = static_cast<int32_t>(strlen(text));
-    std::vector<comn::DateToken> toks;
-    for (;;) {
-        comn::DateToken t;
-        comn::datetoken(&text, &rem, &t, com__get_months(), com__get_shortmonths(), nullptr);
-        toks.push_back(t);
-        if (t.cls == comn::TOK_END || toks.size() > 20) break;
-    }
-    const int32_t want[][3] = {{comn::TOK_MONTH, 0, 0},   {comn::TOK_YEAR, 4, 1999},
-                               {comn::TOK_COMMA, 0, 0},   {comn::TOK_NUMBER, 2, 15},
-                               {comn::TOK_DATESEP, 0, 0}, {comn::TOK_PACKED, 8, 12345678},
-                               {comn::TOK_AMPM, 0, 0},    {comn::TOK_END, 0, 0}};
-    ASSERT_EQ(toks.size(), std::size(want));
-    for (size_t i = 0; i < toks.size(); ++i) {
-        EXPECT_EQ(toks[i].cls, want[i][0]) << i;
-        EXPECT_EQ(toks[i].digits, want[i][1]) << i;
-        EXPECT_EQ(toks[i].value, want[i][2]) << i;
-    }
-    toks[0].cls = comn::TOK_USED;
-    EXPECT_EQ(comn::findtoken(toks.data(), comn::TOK_COMMA), 2);
-    EXPECT_EQ(comn::findtoken(toks.data(), comn::TOK_COLON), -1);
-    EXPECT_EQ(comn::findtoken(toks.data(), -comn::TOK_USED), 1);
-    EXPECT_EQ(comn::datelookup("MAY", 3, com__get_shortmonths(), 12, nullptr), 4);
-    EXPECT_EQ(comn::datelookup("Ma", 2, com__get_shortmonths(), 12, nullptr), -1);
-    const std::string longword(31, 'a');
-    const char *table[1] = {longword.c_str()};
-    EXPECT_EQ(comn::datelookup(longword.c_str(), 31, table, 1, nullptr), -1);
-    EXPECT_EQ(comn::datelookup(longword.c_str(), 30, table, 1, nullptr), -1);
 }
 
 // A small character set: bytes 0x80..0x9F lead two-byte characters whose second byte is a
