@@ -2,8 +2,7 @@
 // alignment (source and destination buffers promise none, so every access goes through
 // memcpy, one move once compiled), and the varchar/varbinary frame of a 2-byte length word
 // followed by up to 256 bytes.
-#ifndef COMN_CONVERT_BUFFERS_H
-#define COMN_CONVERT_BUFFERS_H
+#pragma once
 
 #include <algorithm>
 #include <cstdint>
@@ -63,5 +62,3 @@ inline void put_length_word(void *dest, int32_t len) {
 }
 
 } // namespace comn
-
-#endif

@@ -416,28 +416,10 @@ bool tokenize(const char *text, int32_t len, const char *const *months, const ch
 
 } // namespace
 
-void datetoken(const char **text, int32_t *remaining, DateToken *tok,
-               const char *const *month_names, const char *const *short_month_names,
-               const CharAttrib *attr) {
-    const auto *p = reinterpret_cast<const uint8_t *>(*text);
-    if (attr != nullptr)
-        tokenize_one(p, *remaining, *tok, month_names, short_month_names, AttrChars(*attr));
-    else
-        tokenize_one(p, *remaining, *tok, month_names, short_month_names, AsciiChars());
-    *text = reinterpret_cast<const char *>(p);
-}
-
 int findtoken(const DateToken *list, int32_t cls) {
     for (int i = 0; i < kMaxDateTokens && list[i].cls != TOK_END; ++i)
         if (cls >= 0 ? list[i].cls == cls : list[i].cls != -cls) return i;
     return -1;
-}
-
-int datelookup(const char *text, int32_t len, const char *const *table, int32_t count,
-               const CharAttrib *attr) {
-    const auto *p = reinterpret_cast<const uint8_t *>(text);
-    return attr != nullptr ? lookup(p, len, table, count, AttrChars(*attr))
-                           : lookup(p, len, table, count, AsciiChars());
 }
 
 namespace {

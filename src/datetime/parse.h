@@ -31,12 +31,7 @@ struct DateToken {
 constexpr int kMaxDateTokens = 20;
 constexpr int32_t kMaxDateName = 30; // longest name text that can match
 
-void datetoken(const char **text, int32_t *remaining, DateToken *tok,
-               const char *const *month_names, const char *const *short_month_names,
-               const CharAttrib *attr);
 int findtoken(const DateToken *list, int32_t cls);
-int datelookup(const char *text, int32_t len, const char *const *table, int32_t count,
-               const CharAttrib *attr);
 int32_t xdatefromchar(DateTimeValue *out, const char *text, int32_t len, int32_t timeonly,
                       int32_t style, int32_t dateorder, const char *const *month_names,
                       const char *const *short_month_names, const CharAttrib *attr);
