@@ -196,6 +196,9 @@ constexpr auto Sb_packed = [] {
 template <sets::Id S>
 struct Sb {
     static constexpr int pair_len = 1; // bytes of a character that packed() translates
+    // Longest translation of n bytes, in half bytes per byte: a byte gives up to three bytes
+    // of utf8, a character of utf8 a byte.
+    static constexpr int to_utf8_x2 = 6, from_utf8_x2 = 2;
     static uint32_t packed(const uint8_t *p) {
         if constexpr (S == sets::ascii8)
             return 0;
@@ -276,6 +279,8 @@ inline unsigned jis_code(uint32_t cp) {
 
 struct Euc {
     static constexpr int pair_len = 2;
+    // A pair gives three bytes of utf8; a two-byte utf8 character may give a JIS X 0212 triple.
+    static constexpr int to_utf8_x2 = 3, from_utf8_x2 = 3;
     static uint32_t packed(const uint8_t *p) {
         return jis::euc_byte(p[0]) && jis::euc_byte(p[1]) ? packed0208(p[0], p[1]) : 0;
     }
@@ -320,6 +325,7 @@ struct Euc {
 // DEC Kanji: the JIS X 0208 pairs of eucjis; no kana, no supplementary plane.
 struct DecKanji {
     static constexpr int pair_len = 2;
+    static constexpr int to_utf8_x2 = 3, from_utf8_x2 = 2;
     static uint32_t packed(const uint8_t *p) { return Euc::packed(p); }
     static Ucs read(const uint8_t *p, int32_t left) {
         if (!jis::euc_byte(p[0])) return {Ucs::Bad, 1, 0};
@@ -374,6 +380,8 @@ constexpr auto Sjis_of = [] {
 
 struct Sjis {
     static constexpr int pair_len = 2;
+    // A half-width kana byte gives three bytes of utf8.
+    static constexpr int to_utf8_x2 = 6, from_utf8_x2 = 2;
     static uint32_t packed(const uint8_t *p) { return Sjis_packed[Sjis_rows[p[0]] * 256U + p[1]]; }
     static Ucs read(const uint8_t *p, int32_t left) {
         const unsigned s1 = p[0];
@@ -404,8 +412,8 @@ struct Sjis {
 // character straight into the destination, storing a few bytes beyond those it keeps; iso_1
 // takes 16 bytes at a time with byte shuffles first. Stores beyond the bytes kept are
 // overwritten by what follows, so the fast loop runs only where that is certain: far from both
-// ends of a long text (the careful loop then writes over them). A short value goes through the
-// careful loop alone, which reads and writes only the bytes it translates.
+// ends of a long text (the careful loop then writes over them), or over a short value copied
+// into a local buffer whose translation is copied out exactly.
 
 constexpr int32_t k_block = 16; // an iso_1 block
 // A long text: the fast loop starts while this many source bytes follow and this much room
@@ -414,6 +422,10 @@ constexpr int32_t k_block = 16; // an iso_1 block
 // least 30 characters giving a byte each but the last, or fills the room to within 3 bytes:
 // either way it writes over every byte the fast loop stored beyond its own.
 constexpr int32_t k_src_margin = 128, k_dst_margin = 128;
+// A short value is translated in local buffers when the room takes its longest translation:
+// the source copy is followed by bytes FF, which no set reads as a character or as part of
+// one, so no character is ever taken past the value's end.
+constexpr int32_t k_short = 128, k_pad = 48;
 
 // Bytes of ASCII at the start of a word read from memory, by its bits 0x80.
 inline int ascii_prefix(uint64_t high_bits) {
@@ -604,6 +616,7 @@ template <auto Block>
 // From set From to utf8.
 template <class From>
 struct ToUtf8 {
+    static constexpr int growth_x2 = From::to_utf8_x2;
     // The step over the character at src[i] (a byte from 80); see careful() and fast().
     template <bool Exact>
     [[gnu::always_inline]] static int32_t step(const uint8_t *src, int32_t n, int32_t i,
@@ -648,6 +661,7 @@ struct ToUtf8 {
 // From utf8 to set To.
 template <class To>
 struct FromUtf8 {
+    static constexpr int growth_x2 = To::from_utf8_x2;
     // Like ToUtf8's, the step reading one character of utf8.
     template <bool Exact>
     [[gnu::always_inline]] static int32_t step(const uint8_t *src, int32_t n, int32_t i,
@@ -747,15 +761,24 @@ void careful(const uint8_t *src, int32_t n, uint8_t *dst, int32_t m, At &a) {
     a = t;
 }
 
-// A converter: blocks while far from both ends of a long text, then the careful loop.
+// A converter: a short value through local buffers when the room takes its longest
+// translation, else the fast loop while far from both ends, then the careful loop.
 template <class Dir>
 int32_t translate(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstlen,
                   int32_t *consumed, int32_t *produced) {
     const int32_t n = std::max(srclen, 0), m = std::max(dstlen, 0);
     At a;
-    if (k_packed && n > k_src_margin && m > k_dst_margin)
-        run_fast<Dir>(src, n, n - k_src_margin, dst, m - k_dst_margin, a);
-    careful<Dir>(src, n, dst, m, a);
+    if (k_packed && n > 0 && n <= k_short && int64_t{m} * 2 >= int64_t{n} * Dir::growth_x2) {
+        uint8_t in[k_short + k_pad], out[k_short * 3 + k_pad];
+        std::memcpy(in, src, static_cast<size_t>(n));
+        std::memset(in + n, 0xFF, k_pad);
+        run_fast<Dir>(in, n, n, out, INT32_MAX, a);
+        if (a.o > 0) std::memcpy(dst, out, static_cast<size_t>(a.o));
+    } else {
+        if (k_packed && n > k_src_margin && m > k_dst_margin)
+            run_fast<Dir>(src, n, n - k_src_margin, dst, m - k_dst_margin, a);
+        careful<Dir>(src, n, dst, m, a);
+    }
     *consumed = a.i;
     *produced = a.o;
     return (a.full ? COM_XLT_TRUNCATED : 0) | (a.bad ? COM_XLT_BADCHAR : 0);
