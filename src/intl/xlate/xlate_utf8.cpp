@@ -616,7 +616,6 @@ template <auto Block>
 // From set From to utf8.
 template <class From>
 struct ToUtf8 {
-    static constexpr int growth_x2 = From::to_utf8_x2;
     // The step over the character at src[i] (a byte from 80); see careful() and fast().
     template <bool Exact>
     [[gnu::always_inline]] static int32_t step(const uint8_t *src, int32_t n, int32_t i,
@@ -661,7 +660,6 @@ struct ToUtf8 {
 // From utf8 to set To.
 template <class To>
 struct FromUtf8 {
-    static constexpr int growth_x2 = To::from_utf8_x2;
     // Like ToUtf8's, the step reading one character of utf8.
     template <bool Exact>
     [[gnu::always_inline]] static int32_t step(const uint8_t *src, int32_t n, int32_t i,
@@ -699,6 +697,14 @@ void fast(const uint8_t *src, int32_t n, int32_t stop, uint8_t *dst, int32_t o_l
             return Dir::template step<false>(src, n, at, dst, 0, to, a);
         });
 }
+
+// Longest translation of a direction, in half bytes per byte.
+template <class Dir>
+constexpr int growth_x2 = 0;
+template <class From>
+constexpr int growth_x2<ToUtf8<From>> = From::to_utf8_x2;
+template <class To>
+constexpr int growth_x2<FromUtf8<To>> = To::from_utf8_x2;
 
 #ifdef COMN_XLT_SHUFFLE
 // The iso_1 blocks of a direction, where it has them.
@@ -768,7 +774,7 @@ int32_t translate(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstl
                   int32_t *consumed, int32_t *produced) {
     const int32_t n = std::max(srclen, 0), m = std::max(dstlen, 0);
     At a;
-    if (k_packed && n > 0 && n <= k_short && int64_t{m} * 2 >= int64_t{n} * Dir::growth_x2) {
+    if (k_packed && n > 0 && n <= k_short && int64_t{m} * 2 >= int64_t{n} * growth_x2<Dir>) {
         uint8_t in[k_short + k_pad], out[k_short * 3 + k_pad];
         std::memcpy(in, src, static_cast<size_t>(n));
         std::memset(in + n, 0xFF, k_pad);
