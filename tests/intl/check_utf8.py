@@ -277,13 +277,17 @@ def check_translation(lib, rng):
                 got = lib.xlate(name, "utf8", b"ab" + raw[:-1], 16)
                 if got != (0, 2, 2, b"ab"):
                     fail("%s->utf8 cut %r: %r" % (name, raw, got))
-        # ill-formed UTF-8 of any shape, whole destination: Python's decoder is the reference
+        # ill-formed UTF-8 of any shape, alone or inside a long text, whole destination:
+        # Python's decoder is the reference
         for _ in range(300):
             pieces = [rng.choice([b"\x80", b"\xbf", b"\xc2", b"\xdf", b"\xe0", b"\xe3", b"\xed",
                                   b"\xef", b"\xf0", b"\xf4", b"\xf5", b"\xc0", b"\xa0", b"\x9f",
                                   b"\x8f", b"\x90", b"a", b"\xc3\xa9"])
                       for _ in range(rng.randrange(1, 10))]
             src = b"".join(pieces)
+            if rng.random() < 0.5:  # inside a long text, where the fast loop reads it
+                pad = b"ab \xc3\xa9" * rng.randrange(30, 60)
+                src = pad + src + pad
             units = [(b"", b"?", True) if ch == "\ufffd" else
                      to_set([ch.encode("utf-8")], codec, deck)[0]
                      for ch in src.decode("utf-8", "replace")]

@@ -6,7 +6,8 @@ shipped sets, from which translation to and from utf8 derives its tables at comp
                           mac (0: the byte is no character of the set)
   Jis0208_ucs[r * 94 + c] the code point of JIS X 0208 row r + 1, cell c + 1 (0: empty cell),
                           as Python's euc_jp and shift_jis codecs both read it
-  Jis0212_ucs[r * 94 + c] the same for the supplementary kanji of eucjis (8F lead)
+  Jis0212_ucs[r * 94 + c] the same for the supplementary kanji of eucjis (8F lead);
+                          the two are views of one array, Jis_ucs
 
 The other direction is the inverse of these tables, with JIS X 0208 taking precedence over
 JIS X 0212 where both hold a character. The script checks that this inverse is exactly what
@@ -68,11 +69,8 @@ def check(jis0208, jis0212):
             assert got == want, (hex(u), codec, got, want)
 
 
-def rows(values, width, per_row=16):
-    out = []
-    for at in range(0, len(values), per_row):
-        out.append("    " + " ".join("0x%0*X," % (width, v) for v in values[at:at + per_row]))
-    return out
+def row(values):
+    return ", ".join("0x%04X" % v if v else "0" for v in values)  # 0: no character
 
 
 def main(argv):
@@ -88,6 +86,7 @@ def main(argv):
         "#pragma once",
         "",
         "#include <array>",
+        "#include <cstddef>",
         "#include <cstdint>",
         "",
         "namespace comn {",
@@ -96,13 +95,32 @@ def main(argv):
         "inline constexpr int Sb_sets = %d;" % len(SINGLE_BYTE),
         "inline constexpr uint16_t Sb_ucs[Sb_sets][128] = {",
     ]
-    for (name, _), table in zip(SINGLE_BYTE, sb):
-        lines += ["    {  // %s" % name] + ["    " + r for r in rows(table, 4)] + ["    },"]
+    # Data, one line a set or a grid row, so that the file reads as a table.
+    lines += ["    {%s}, // %s" % (row(table), name) for (name, _), table in zip(SINGLE_BYTE, sb)]
     lines += ["};", ""]
-    for name, plane in (("Jis0208_ucs", jis0208), ("Jis0212_ucs", jis0212)):
-        lines += ["inline constexpr std::array<uint16_t, 94 * 94> %s = {{" % name]
-        lines += rows(plane, 4, 94 // 2)
-        lines += ["}};", ""]
+    # The two JIS grids as their rows that hold characters, one line a row; the empty rows
+    # are left to the compile-time expansion.
+    grids = jis0208 + jis0212
+    lines += ["// The rows of the JIS X 0208 grid (0-93) and the JIS X 0212 grid (94-187) that hold",
+              "// characters, 94 cells a line.",
+              "struct JisRow {",
+              "    uint16_t row;",
+              "    std::array<uint16_t, 94> cells;",
+              "};",
+              "inline constexpr JisRow Jis_rows[] = {"]
+    lines += ["    {%d, {%s}}," % (at // 94, row(grids[at:at + 94]))
+              for at in range(0, len(grids), 94) if any(grids[at:at + 94])]
+    lines += ["};",
+              "inline constexpr std::array<uint16_t, 2 * 94 * 94> Jis_ucs = [] {",
+              "    std::array<uint16_t, 2 * 94 * 94> t{};",
+              "    for (const JisRow &r : Jis_rows)",
+              "        for (size_t c = 0; c < r.cells.size(); ++c)",
+              "            t[r.row * size_t{94} + c] = r.cells[c];",
+              "    return t;",
+              "}();",
+              "inline constexpr const uint16_t *Jis0208_ucs = Jis_ucs.data();",
+              "inline constexpr const uint16_t *Jis0212_ucs = Jis_ucs.data() + 94 * 94;",
+              ""]
     lines += ["} // namespace comn", ""]
     return emit({OUT: "\n".join(lines).encode("ascii")}, check_only, root)
 

@@ -49,17 +49,8 @@ struct Ucs {
 // ---- UTF-8 ----
 
 // The character at p (p[0] >= 80, left >= 1): a code point, or a maximal ill-formed subpart.
-// Two-byte characters and the three-byte ones whose second byte needs no range test come
-// first, as the text's usual characters.
-[[gnu::always_inline]] inline Ucs utf8_read(const uint8_t *p, int32_t left) {
+inline Ucs utf8_read(const uint8_t *p, int32_t left) {
     const unsigned b0 = p[0];
-    if (left >= 3) {
-        const unsigned b1 = p[1], b2 = p[2];
-        const bool cont1 = (b1 & 0xC0) == 0x80, cont2 = (b2 & 0xC0) == 0x80;
-        if (b0 >= 0xC2 && b0 <= 0xDF && cont1) return {Ucs::Ok, 2, (b0 & 0x1F) << 6 | (b1 & 0x3F)};
-        if (b0 >= 0xE1 && b0 <= 0xEF && b0 != 0xED && cont1 && cont2)
-            return {Ucs::Ok, 3, (b0 & 0x0F) << 12 | (b1 & 0x3F) << 6 | (b2 & 0x3F)};
-    }
     if (b0 < 0xC2 || b0 > 0xF4) return {Ucs::Bad, 1, 0};
     if (left < 2) return {Ucs::Bad, 1, 0};
     const unsigned b1 = p[1];
@@ -77,6 +68,21 @@ struct Ucs {
     if (b0 < 0xF0) return {Ucs::Ok, 3, cp3};
     if (left < 4 || (p[3] & 0xC0) != 0x80) return {Ucs::Bad, 3, 0};
     return {Ucs::Ok, 4, (b0 & 0x07) << 18 | (b1 & 0x3F) << 12 | (p[2] & 0x3F) << 6 | (p[3] & 0x3F)};
+}
+
+// A character is usually of two or three bytes: read here from a little-endian word of the
+// next four bytes with one mask test for the lead and continuation bits, and the code point's
+// range for overlong forms and surrogates. 0 for anything else, which utf8_read sorts out.
+constexpr int utf8_usual(uint32_t u, uint32_t &cp) {
+    if ((u & 0xC0E0) == 0x80C0) {
+        cp = (u & 0x1F) << 6 | (u >> 8 & 0x3F);
+        return cp >= 0x80 ? 2 : 0;
+    }
+    if ((u & 0xC0C0F0) == 0x8080E0) {
+        cp = (u & 0x0F) << 12 | (u >> 2 & 0xFC0) | (u >> 16 & 0x3F);
+        return cp >= 0x800 && (cp & 0xF800) != 0xD800 ? 3 : 0;
+    }
+    return 0;
 }
 
 // The UTF-8 bytes of a code point (at most 10FFFF, no surrogate) into out; their count.
@@ -109,6 +115,20 @@ constexpr int utf8_put(uint32_t cp, uint8_t *out) {
 // 24-25. 0: no character, which the careful path looks at.
 constexpr bool k_packed = std::endian::native == std::endian::little;
 
+// The character at p (p[0] >= 80, left >= 1), the usual ones through a word of the bytes that
+// are there (a word read from memory where four are).
+[[gnu::always_inline]] inline Ucs utf8_char(const uint8_t *p, int32_t left) {
+    uint32_t u = 0, cp = 0;
+    if (k_packed && left >= 4)
+        std::memcpy(&u, p, sizeof u);
+    else
+        for (int32_t k = 0; k < std::min(left, 4); ++k)
+            u |= uint32_t{p[k]} << 8 * k;
+    if (const int len = utf8_usual(u, cp); len != 0)
+        return {Ucs::Ok, static_cast<uint8_t>(len), cp};
+    return utf8_read(p, left);
+}
+
 constexpr uint32_t pack(uint32_t cp) {
     if (cp == 0 || cp > 0xFFFF) return 0;
     uint8_t b[4]{};
@@ -120,7 +140,11 @@ constexpr uint32_t pack(uint32_t cp) {
 // ---- Single-byte sets: Sb_ucs gives bytes 80-FF; the inverse is a two-level table over the
 // Basic Multilingual Plane, a page per high byte of the code point (page 0 is empty). ----
 
-enum SbSet { Iso1, Cp850, Cp437, Roman8, Mac, Ascii8 }; // Ascii8 has no byte from 80
+// Every set by the name its converters carry; the single-byte ones first, in the order of
+// Sb_ucs (ascii8 has no byte from 80).
+namespace sets {
+enum Id { iso1, cp850, cp437, roman8, mac, ascii8, eucjis, sjis, deckanji };
+}
 
 constexpr int Sb_pages = 16; // pages per set, the empty one included
 
@@ -169,21 +193,21 @@ constexpr auto Sb_packed = [] {
     return all;
 }();
 
-template <SbSet S>
+template <sets::Id S>
 struct Sb {
     static constexpr int pair_len = 1; // bytes of a character that packed() translates
     // Longest translation of n bytes, in half bytes per byte: a byte gives up to three bytes
     // of utf8, a character of utf8 a byte.
     static constexpr int to_utf8_x2 = 6, from_utf8_x2 = 2;
     static uint32_t packed(const uint8_t *p) {
-        if constexpr (S == Ascii8)
+        if constexpr (S == sets::ascii8)
             return 0;
         else
             return Sb_packed[S][p[0]];
     }
     // Reader: the byte b >= 80.
     static Ucs read(const uint8_t *p, int32_t) {
-        if constexpr (S == Ascii8) {
+        if constexpr (S == sets::ascii8) {
             return {Ucs::Bad, 1, 0};
         } else {
             const uint32_t cp = Sb_ucs[S][p[0] - 0x80];
@@ -192,7 +216,7 @@ struct Sb {
     }
     // Writer of a code point from 80: its byte, or 0 bytes when the set has none.
     static int put(uint32_t cp, uint8_t *out) {
-        if constexpr (S == Ascii8) {
+        if constexpr (S == sets::ascii8) {
             (void)cp;
             (void)out;
             return 0;
@@ -383,87 +407,25 @@ struct Sjis {
 
 // ---- The two directions ----
 //
-// Each converter has a block loop for the bulk of the text and a careful loop that finishes
-// exactly at both ends. The block loop looks at 16 source bytes at a time through the mask of
-// their bytes from 80: it copies the ASCII between two such characters with one 16-byte
-// store, translates the character straight into the destination, and goes on to the next bit
-// of the same mask. Stores beyond the bytes kept are overwritten by what follows, so the loop
-// runs only where that is certain: far from both ends of a long text (the careful loop then
-// writes over them), or over a short value copied into a local buffer whose translation is
-// copied out exactly.
+// Each converter has a fast loop for the bulk of the text and a careful loop that finishes
+// exactly at both ends. The fast loop copies ASCII a word at a time and translates any other
+// character straight into the destination, storing a few bytes beyond those it keeps; iso_1
+// takes 16 bytes at a time with byte shuffles first. Stores beyond the bytes kept are
+// overwritten by what follows, so the fast loop runs only where that is certain: far from both
+// ends of a long text (the careful loop then writes over them), or over a short value copied
+// into a local buffer whose translation is copied out exactly.
 
-constexpr int32_t k_block = 16;
-// A long text: blocks start while this many source bytes follow and this much room remains.
-// A block reads less than 32 bytes from its start and stores at most 16 bytes beyond the
-// bytes produced. The careful loop that follows takes at least 125 bytes, so at least 31
-// characters giving a byte each but the last, or fills the room to within 3 bytes: either way
-// it writes over every byte the blocks stored beyond theirs.
+constexpr int32_t k_block = 16; // an iso_1 block
+// A long text: the fast loop starts while this many source bytes follow and this much room
+// remains. It reads less than 32 bytes ahead of where it stands and stores at most 16 bytes
+// beyond the bytes produced. The careful loop that follows takes at least 120 bytes, so at
+// least 30 characters giving a byte each but the last, or fills the room to within 3 bytes:
+// either way it writes over every byte the fast loop stored beyond its own.
 constexpr int32_t k_src_margin = 128, k_dst_margin = 128;
 // A short value is translated in local buffers when the room takes its longest translation:
 // the source copy is followed by bytes FF, which no set reads as a character or as part of
 // one, so no character is ever taken past the value's end.
 constexpr int32_t k_short = 128, k_pad = 48;
-
-// Bit j set for each byte from 80 among p[0..16).
-inline uint32_t high_bits(const uint8_t *p) {
-#ifdef __SSE2__
-    return static_cast<uint32_t>(
-        _mm_movemask_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i *>(p))));
-#else // little-endian words (blocks run on such hosts only)
-    uint64_t w[2];
-    std::memcpy(w, p, sizeof w);
-    auto gather = [](uint64_t x) {
-        return static_cast<uint32_t>(((x >> 7 & 0x0101010101010101ULL) * 0x0102040810204080ULL) >>
-                                     56);
-    };
-    return gather(w[0]) | gather(w[1]) << 8;
-#endif
-}
-
-inline void copy16(const uint8_t *from, uint8_t *to) {
-    uint8_t b[k_block];
-    std::memcpy(b, from, sizeof b);
-    std::memcpy(to, b, sizeof b);
-}
-
-// The block loop of both directions, from src[i] while i < stop and o < o_lim (no character
-// starting from stop is taken). step(at, to) translates the character at src[at] (a byte
-// from 80) into dst[to], advances to, and gives the source bytes it took, or 0 for a
-// character cut by the end of the source, which ends the loop.
-template <class Step>
-[[gnu::always_inline]] inline void blocks(const uint8_t *src, int32_t stop, uint8_t *dst,
-                                          int32_t o_lim, int32_t &at, int32_t &to, Step step) {
-    int32_t i = at, o = to; // locals: stores to dst could otherwise alias them
-    while (i < stop && o < o_lim) {
-        const uint8_t *p = src + i;
-        uint32_t high = high_bits(p);
-        const int32_t end = stop - i;
-        if (end < k_block) high |= 1U << end; // stops the block there
-        int32_t pos = 0;
-        for (;;) {
-            copy16(p + pos, dst + o);
-            if (high == 0) {
-                o += k_block - pos;
-                pos = k_block;
-                break;
-            }
-            const int32_t k = std::countr_zero(high);
-            o += k - pos;
-            const int32_t len = k < end ? step(i + k, o) : 0;
-            if (len == 0) {
-                at = i + k;
-                to = o;
-                return;
-            }
-            pos = k + len;
-            if (pos >= k_block) break;
-            high &= ~0U << pos;
-        }
-        i += pos;
-    }
-    at = i;
-    to = o;
-}
 
 // Bytes of ASCII at the start of a word read from memory, by its bits 0x80.
 inline int ascii_prefix(uint64_t high_bits) {
@@ -473,26 +435,50 @@ inline int ascii_prefix(uint64_t high_bits) {
         return std::countl_zero(high_bits) >> 3;
 }
 
-// The careful loops' ASCII: copies the ASCII bytes at src[i] that the next word holds and
-// the room takes, exactly; true when it copied a whole word.
-inline bool copy_ascii(const uint8_t *src, int32_t n, uint8_t *dst, int32_t m, int32_t &i,
-                       int32_t &o) {
-    if (i + 8 > n) return false;
-    uint64_t w;
-    std::memcpy(&w, src + i, sizeof w);
-    const uint64_t high = w & 0x8080808080808080ULL;
-    if (high == 0 && o + 8 <= m) {
-        std::memcpy(dst + o, &w, sizeof w);
-        i += 8;
-        o += 8;
-        return true;
+// The fast loop of both directions, from src[i] while i < stop and o < o_lim. ASCII goes a word
+// at a time, stored whole and kept up to the first byte from 80 (so a run may end up to 7
+// bytes past stop); step(at, to) translates the character at src[at] (a byte from 80) into
+// dst[to], advances to, and gives the source bytes it took, or 0 for a character cut by the
+// end of the source, which ends the loop.
+template <class Step>
+[[gnu::always_inline]] inline void blocks(const uint8_t *src, int32_t stop, uint8_t *dst,
+                                          int32_t o_lim, int32_t &at, int32_t &to, Step step) {
+    int32_t i = at, o = to; // locals: stores to dst could otherwise alias them
+    while (i < stop && o < o_lim) {
+        if (src[i] < 0x80) {
+            uint64_t w;
+            std::memcpy(&w, src + i, sizeof w);
+            std::memcpy(dst + o, &w, sizeof w);
+            const uint64_t high = w & 0x8080808080808080ULL;
+            const int32_t k = high == 0 ? 8 : ascii_prefix(high);
+            i += k;
+            o += k;
+            continue;
+        }
+        const int32_t len = step(i, o);
+        if (len == 0) break;
+        i += len;
     }
-    const int32_t k = std::min<int32_t>(high == 0 ? 8 : ascii_prefix(high), m - o);
-    for (int32_t j = 0; j < k; ++j)
-        dst[o + j] = src[i + j];
-    i += k;
-    o += k;
-    return false;
+    at = i;
+    to = o;
+}
+
+// Copies k bytes, k in [0, 8], with at most two stores of each width: the ASCII ahead of a
+// character, which must not spill past the bytes produced.
+[[gnu::always_inline]] inline void copy_upto8(const uint8_t *from, uint8_t *to, int32_t k) {
+    auto two = [&]<class W>(W) {
+        W lo, hi;
+        std::memcpy(&lo, from, sizeof lo);
+        std::memcpy(&hi, from + k - sizeof hi, sizeof hi);
+        std::memcpy(to, &lo, sizeof lo);
+        std::memcpy(to + k - sizeof hi, &hi, sizeof hi);
+    };
+    if (k >= 4)
+        two(uint32_t{});
+    else if (k >= 2)
+        two(uint16_t{});
+    else if (k == 1)
+        to[0] = from[0];
 }
 
 // Where a translation stands: source and destination positions and result bits so far.
@@ -630,172 +616,165 @@ template <auto Block>
 // From set From to utf8.
 template <class From>
 struct ToUtf8 {
-    static constexpr int growth_x2 = From::to_utf8_x2;
-#ifdef COMN_XLT_SHUFFLE
-    static constexpr auto iso1_block =
-        std::is_same_v<From, Sb<Iso1>> ? iso1_to_utf8_block : nullptr;
-#endif
-
-    // Blocks over src[0..n), characters starting before stop; each character through its
-    // packed translation, a careful reading for the others.
-    static void fast(const uint8_t *src, int32_t n, int32_t stop, uint8_t *dst, int32_t o_lim,
-                     At &a) {
-        blocks(
-            src, stop, dst, o_lim, a.i,
-            a.o, [&](int32_t at, int32_t & to) __attribute__((always_inline))->int32_t {
-                if (const uint32_t v = From::packed(src + at); v != 0) {
-                    std::memcpy(dst + to, &v, sizeof v); // its fourth byte is overwritten later
-                    to += static_cast<int32_t>(v >> 24 & 3);
-                    return From::pair_len;
-                }
-                const Ucs c = From::read(src + at, n - at);
-                if (c.kind == Ucs::Cut) return 0;
-                if (c.kind == Ucs::Ok) {
-                    to += utf8_put(c.cp, dst + to);
-                } else { // one "?" per byte
-                    std::memset(dst + to, '?', c.len);
-                    to += c.len;
-                    a.bad = true;
-                }
-                return c.len;
-            });
-    }
-
-    static void careful(const uint8_t *src, int32_t n, uint8_t *dst, int32_t m, At &a) {
-        int32_t &i = a.i, &o = a.o;
-        while (i < n) {
-            if (copy_ascii(src, n, dst, m, i, o)) continue;
-            if (src[i] < 0x80) {
-                if (o == m) {
-                    a.full = true;
-                    break;
-                }
-                dst[o++] = src[i++];
-                continue;
-            }
-            // The usual character through its packed translation, written byte by byte.
-            if (const uint32_t v = k_packed && n - i >= From::pair_len ? From::packed(src + i) : 0;
-                v != 0) {
-                const int32_t len = static_cast<int32_t>(v >> 24 & 3);
+    // The step over the character at src[i] (a byte from 80); see careful() and fast().
+    template <bool Exact>
+    [[gnu::always_inline]] static int32_t step(const uint8_t *src, int32_t n, int32_t i,
+                                               uint8_t *dst, int32_t m, int32_t &o, At &a) {
+        // The usual character through its packed translation: the word stored whole where
+        // the bytes after the character may be written, else byte by byte.
+        if (const uint32_t v = n - i >= From::pair_len ? From::packed(src + i) : 0; v != 0) {
+            const int32_t len = static_cast<int32_t>(v >> 24 & 3);
+            if constexpr (Exact) {
                 if (len > m - o) {
                     a.full = true;
-                    break;
+                    return 0;
                 }
                 dst[o] = static_cast<uint8_t>(v);
                 if (len > 1) dst[o + 1] = static_cast<uint8_t>(v >> 8);
                 if (len > 2) dst[o + 2] = static_cast<uint8_t>(v >> 16);
-                o += len;
-                i += From::pair_len;
-                continue;
+            } else {
+                std::memcpy(dst + o, &v, sizeof v);
             }
-            const Ucs c = From::read(src + i, n - i);
-            if (c.kind == Ucs::Cut) break; // left for the next call
-            uint8_t out[4];
-            int len = c.len; // a character without a counterpart: one "?" per byte
-            if (c.kind == Ucs::Ok)
-                len = utf8_put(c.cp, out);
-            else
-                std::memset(out, '?', sizeof out);
-            if (len > m - o) {
-                a.full = true;
-                break;
-            }
-            std::memcpy(dst + o, out, static_cast<size_t>(len));
-            a.bad |= c.kind == Ucs::Bad;
-            i += c.len;
             o += len;
+            return From::pair_len;
         }
+        const Ucs c = From::read(src + i, n - i);
+        if (c.kind == Ucs::Cut) return 0; // left for the next call
+        uint8_t out[4];
+        int len = c.len; // a character without a counterpart: one "?" per byte
+        if (c.kind == Ucs::Ok)
+            len = utf8_put(c.cp, out);
+        else
+            std::memset(out, '?', sizeof out);
+        if (Exact && len > m - o) {
+            a.full = true;
+            return 0;
+        }
+        std::memcpy(dst + o, out, static_cast<size_t>(len));
+        a.bad |= c.kind == Ucs::Bad;
+        o += len;
+        return c.len;
     }
 };
 
 // From utf8 to set To.
 template <class To>
 struct FromUtf8 {
-    static constexpr int growth_x2 = To::from_utf8_x2;
-#ifdef COMN_XLT_SHUFFLE
-    static constexpr auto iso1_block =
-        std::is_same_v<To, Sb<Iso1>> ? iso1_from_utf8_block : nullptr;
-#endif
-
-    static void fast(const uint8_t *src, int32_t n, int32_t stop, uint8_t *dst, int32_t o_lim,
-                     At &a) {
-        blocks(
-            src, stop, dst, o_lim, a.i,
-            a.o, [&](int32_t at, int32_t & to) __attribute__((always_inline))->int32_t {
-                const Ucs c = utf8_read(src + at, n - at);
-                int len = c.kind == Ucs::Ok ? To::put(c.cp, dst + to) : 0;
-                if (len == 0) { // one "?" per character or ill-formed subpart
-                    dst[to] = '?';
-                    len = 1;
-                    a.bad = true;
-                }
-                to += len;
-                return c.len;
-            });
-    }
-
-    static void careful(const uint8_t *src, int32_t n, uint8_t *dst, int32_t m, At &a) {
-        int32_t &i = a.i, &o = a.o;
-        while (i < n) {
-            if (copy_ascii(src, n, dst, m, i, o)) continue;
-            if (src[i] < 0x80) {
-                if (o == m) {
-                    a.full = true;
-                    break;
-                }
-                dst[o++] = src[i++];
-                continue;
-            }
-            const Ucs c = utf8_read(src + i, n - i);
-            // Writers write exactly the bytes they count, so with room for the longest the
-            // character goes straight to the destination.
-            uint8_t spare[4];
-            uint8_t *out = m - o >= 4 ? dst + o : spare;
-            int len = c.kind == Ucs::Ok ? To::put(c.cp, out) : 0;
-            const bool none = len == 0;
-            if (none) {
-                out[0] = '?';
-                len = 1;
-            }
-            if (len > m - o) {
-                a.full = true;
-                break;
-            }
-            if (out == spare)
-                for (int k = 0; k < len; ++k)
-                    dst[o + k] = spare[k];
-            a.bad |= none;
-            i += c.len;
-            o += len;
+    // Like ToUtf8's, the step reading one character of utf8.
+    template <bool Exact>
+    [[gnu::always_inline]] static int32_t step(const uint8_t *src, int32_t n, int32_t i,
+                                               uint8_t *dst, int32_t m, int32_t &o, At &a) {
+        const Ucs c = utf8_char(src + i, n - i);
+        // Writers write exactly the bytes they count, so with room for the longest the
+        // character goes straight to the destination.
+        uint8_t spare[4];
+        uint8_t *out = !Exact || m - o >= 4 ? dst + o : spare;
+        int len = c.kind == Ucs::Ok ? To::put(c.cp, out) : 0;
+        const bool none = len == 0;
+        if (none) { // one "?" per character or ill-formed subpart
+            out[0] = '?';
+            len = 1;
         }
+        if (Exact && len > m - o) {
+            a.full = true;
+            return 0;
+        }
+        if (out == spare)
+            for (int k = 0; k < len; ++k)
+                dst[o + k] = spare[k];
+        a.bad |= none;
+        o += len;
+        return c.len;
     }
 };
 
-// The fast part of a converter: the iso_1 blocks above while they apply, then the blocks of
-// the set.
+// The fast loop of a converter over src[0..n), characters starting before stop (see blocks()).
+template <class Dir>
+void fast(const uint8_t *src, int32_t n, int32_t stop, uint8_t *dst, int32_t o_lim, At &a) {
+    blocks(
+        src, stop, dst, o_lim, a.i,
+        a.o, [&](int32_t at, int32_t & to) __attribute__((always_inline))->int32_t {
+            return Dir::template step<false>(src, n, at, dst, 0, to, a);
+        });
+}
+
+// Longest translation of a direction, in half bytes per byte.
+template <class Dir>
+constexpr int growth_x2 = 0;
+template <class From>
+constexpr int growth_x2<ToUtf8<From>> = From::to_utf8_x2;
+template <class To>
+constexpr int growth_x2<FromUtf8<To>> = To::from_utf8_x2;
+
+#ifdef COMN_XLT_SHUFFLE
+// The iso_1 blocks of a direction, where it has them.
+template <class Dir>
+constexpr auto iso1_block = nullptr;
+template <>
+constexpr auto iso1_block<ToUtf8<Sb<sets::iso1>>> = iso1_to_utf8_block;
+template <>
+constexpr auto iso1_block<FromUtf8<Sb<sets::iso1>>> = iso1_from_utf8_block;
+#endif
+
+// The fast part of a converter: the iso_1 blocks above while they apply, then the fast loop.
 template <class Dir>
 void run_fast(const uint8_t *src, int32_t n, int32_t stop, uint8_t *dst, int32_t o_lim, At &a) {
 #ifdef COMN_XLT_SHUFFLE
-    if constexpr (Dir::iso1_block != nullptr) {
+    if constexpr (iso1_block<Dir> != nullptr) {
         if (has_shuffle())
             for (;;) {
-                iso1_blocks<Dir::iso1_block>(src, stop, dst, o_lim, a.i, a.o);
+                iso1_blocks<iso1_block<Dir>>(src, stop, dst, o_lim, a.i, a.o);
                 if (a.i + k_block > stop || a.o >= o_lim) break;
-                Dir::fast(src, n, a.i + k_block, dst, o_lim, a); // the block they left
+                fast<Dir>(src, n, a.i + k_block, dst, o_lim, a); // the block they left
             }
     }
 #endif
-    Dir::fast(src, n, stop, dst, o_lim, a);
+    fast<Dir>(src, n, stop, dst, o_lim, a);
+}
+
+// The careful loop of both directions: exact at both ends, it reads only the source's bytes
+// and writes only the bytes it produces. ASCII goes a word at a time where the word and its
+// room are there; Dir::step translates any other character, advancing o, and gives the
+// source bytes it took, or 0 when the character stops the translation (no room, or cut by
+// the end of the source).
+template <class Dir>
+void careful(const uint8_t *src, int32_t n, uint8_t *dst, int32_t m, At &a) {
+    At t = a; // a copy the compiler keeps in registers: stores to dst could alias a
+    int32_t &i = t.i, &o = t.o;
+    while (i < n) {
+        if (src[i] >= 0x80) {
+            const int32_t took = Dir::template step<true>(src, n, i, dst, m, o, t);
+            if (took == 0) break;
+            i += took;
+            continue;
+        }
+        if (n - i >= 8 && m - o >= 8) {
+            uint64_t w;
+            std::memcpy(&w, src + i, sizeof w);
+            const uint64_t high = w & 0x8080808080808080ULL;
+            const int32_t k = high == 0 ? 8 : ascii_prefix(high); // [1, 8]
+            copy_upto8(src + i, dst + o, k);
+            i += k;
+            o += k;
+            continue;
+        }
+        if (o == m) {
+            t.full = true;
+            break;
+        }
+        dst[o++] = src[i++];
+    }
+    a = t;
 }
 
 // A converter: a short value through local buffers when the room takes its longest
-// translation, else blocks while far from both ends, then the careful loop.
+// translation, else the fast loop while far from both ends, then the careful loop.
 template <class Dir>
 int32_t translate(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstlen,
                   int32_t *consumed, int32_t *produced) {
     const int32_t n = std::max(srclen, 0), m = std::max(dstlen, 0);
     At a;
-    if (k_packed && n > 0 && n <= k_short && int64_t{m} * 2 >= int64_t{n} * Dir::growth_x2) {
+    if (k_packed && n > 0 && n <= k_short && int64_t{m} * 2 >= int64_t{n} * growth_x2<Dir>) {
         uint8_t in[k_short + k_pad], out[k_short * 3 + k_pad];
         std::memcpy(in, src, static_cast<size_t>(n));
         std::memset(in + n, 0xFF, k_pad);
@@ -804,7 +783,7 @@ int32_t translate(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstl
     } else {
         if (k_packed && n > k_src_margin && m > k_dst_margin)
             run_fast<Dir>(src, n, n - k_src_margin, dst, m - k_dst_margin, a);
-        Dir::careful(src, n, dst, m, a);
+        careful<Dir>(src, n, dst, m, a);
     }
     *consumed = a.i;
     *produced = a.o;
@@ -812,15 +791,11 @@ int32_t translate(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstl
 }
 
 // The reader and writer of each set, by the name its converters carry.
-using set_ascii8 = Sb<Ascii8>;
-using set_iso1 = Sb<Iso1>;
-using set_cp850 = Sb<Cp850>;
-using set_cp437 = Sb<Cp437>;
-using set_roman8 = Sb<Roman8>;
-using set_mac = Sb<Mac>;
-using set_eucjis = Euc;
-using set_sjis = Sjis;
-using set_deckanji = DecKanji;
+template <sets::Id S>
+using Set = std::conditional_t<
+    S == sets::eucjis, Euc,
+    std::conditional_t<S == sets::sjis, Sjis,
+                       std::conditional_t<S == sets::deckanji, DecKanji, Sb<S>>>>;
 
 } // namespace
 } // namespace comn
@@ -831,8 +806,8 @@ extern "C" {
     COMN_API int32_t com__fou_utf8_to_##set(const uint8_t *src, int32_t srclen, uint8_t *dst,      \
                                             int32_t dstlen, int32_t *consumed,                     \
                                             int32_t *produced) {                                   \
-        return comn::translate<comn::FromUtf8<comn::set_##set>>(src, srclen, dst, dstlen,          \
-                                                                consumed, produced);               \
+        return comn::translate<comn::FromUtf8<comn::Set<comn::sets::set>>>(                        \
+            src, srclen, dst, dstlen, consumed, produced);                                         \
     }
 COMN_XLT_FROM_UTF8(COMN_FROM_UTF8_ENTRY)
 #undef COMN_FROM_UTF8_ENTRY
@@ -841,8 +816,8 @@ COMN_XLT_FROM_UTF8(COMN_FROM_UTF8_ENTRY)
     COMN_API int32_t com__fou_##set##_to_utf8(const uint8_t *src, int32_t srclen, uint8_t *dst,    \
                                               int32_t dstlen, int32_t *consumed,                   \
                                               int32_t *produced) {                                 \
-        return comn::translate<comn::ToUtf8<comn::set_##set>>(src, srclen, dst, dstlen, consumed,  \
-                                                              produced);                           \
+        return comn::translate<comn::ToUtf8<comn::Set<comn::sets::set>>>(src, srclen, dst, dstlen, \
+                                                                         consumed, produced);      \
     }
 COMN_XLT_TO_UTF8(COMN_TO_UTF8_ENTRY)
 #undef COMN_TO_UTF8_ENTRY
