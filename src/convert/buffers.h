@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "comnlib/convert.h"
 #include "comnlib/types.h"
 
 namespace comn {
@@ -59,6 +60,15 @@ struct Span {
 // Writes the length word of a varchar or varbinary destination (len <= 256).
 inline void put_length_word(void *dest, int32_t len) {
     store(dest, static_cast<int16_t>(len));
+}
+
+// Finishes a text of n bytes that fits its CS_CHAR destination (n < maxlength, or n equal to
+// it with no terminator asked for): with no padding or terminator flag there is nothing left
+// to do, which is the usual case and worth skipping the call for.
+inline int32_t finish_fitting_text(int32_t n, DataFormat *destfmt, void *dest, int32_t *destlen) {
+    if ((destfmt->format & (CS_FMT_NULLTERM | CS_FMT_PADNULL | CS_FMT_PADBLANK)) == 0)
+        return CS_SUCCEED;
+    return comn__padchar(n, destfmt, dest, destlen);
 }
 
 } // namespace comn

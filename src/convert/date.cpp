@@ -47,10 +47,7 @@ int32_t to_char(ComContext *ctx, DataFormat *srcfmt, void *src, DataFormat *dest
         return CS_CONV_TRUNCATED;
     }
     *destlen = n;
-    // A text that fits needs nothing more unless the format asks for padding or a terminator.
-    if ((destfmt->format & (CS_FMT_NULLTERM | CS_FMT_PADNULL | CS_FMT_PADBLANK)) == 0)
-        return CS_SUCCEED;
-    return comn__padchar(n, destfmt, dest, destlen);
+    return finish_fitting_text(n, destfmt, dest, destlen);
 }
 
 // A varchar destination: 16-bit length word, then up to 256 bytes.

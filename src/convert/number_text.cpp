@@ -132,8 +132,7 @@ int32_t place_in_char(const char *text, int32_t len, DataFormat *destfmt, void *
     const bool nullterm = destfmt->format & CS_FMT_NULLTERM;
     if (m > len || (m == len && !nullterm)) {
         std::memcpy(out, text, static_cast<size_t>(len));
-        if (destfmt->format == 0) return CS_SUCCEED; // nothing to terminate or pad
-        return comn__padchar(len, destfmt, dest, destlen);
+        return finish_fitting_text(len, destfmt, dest, destlen);
     }
     if (m < 2) return CS_CONV_OVERFLOW;
     out[0] = '*';
