@@ -20,20 +20,38 @@
 #include <array>
 #include <bit>
 #include <cstring>
+#include <type_traits>
 
 #include "comnlib/convert.h"
 #include "comnlib/numeric.h"
 #include "convert/buffers.h"
 #include "convert/entry.h"
+#include "convert/scalar.h"
 
 namespace comn {
 namespace {
 
 using Bytes = Span;
+// A conversion of a binary source's bytes into one destination.
+using BytesRoutine = int32_t (*)(Bytes, DataFormat *destfmt, void *dest, int32_t *destlen);
 
 Bytes bin_source(const DataFormat *fmt, const void *src) {
     return {static_cast<const uint8_t *>(src), std::max(fmt->maxlength, 0)};
 }
+
+// A binary source: runs a routine of its bytes.
+template <Bytes (*Source)(const DataFormat *, const void *)>
+struct Binary {
+    template <BytesRoutine F>
+    static int32_t run(DataFormat *srcfmt, void *src, DataFormat *destfmt, void *dest,
+                       int32_t *destlen) {
+        return F(Source(srcfmt, src), destfmt, dest, destlen);
+    }
+};
+template <typename S>
+constexpr bool is_binary = std::is_same_v<S, T_bin> || std::is_same_v<S, T_varbin>;
+template <typename S>
+using From = std::conditional_t<std::is_same_v<S, T_bin>, Binary<bin_source>, Binary<var_source>>;
 
 // ---- To text ----
 
@@ -94,27 +112,24 @@ int32_t to_varbin(Bytes s, DataFormat *, void *dest, int32_t *destlen) {
 
 // ---- Into fixed types ----
 
-// A fixed type's image: its size and a test of the bytes' validity for the type.
-template <int32_t Size>
-struct Image {
-    static constexpr int32_t size = Size;
-    static constexpr bool valid(const uint8_t *) { return true; }
+// The fixed types are the scalar ones of convert/scalar.h and these records; they are sources
+// too, of their image. A type's image is its value's sizeof(type) bytes; a bit's holds 0 or 1.
+template <typename T>
+struct Record {
+    using type = T;
 };
-struct BitImage {
-    static constexpr int32_t size = 1;
-    static constexpr bool valid(const uint8_t *p) { return p[0] <= 1; }
-};
+using T_datetime = Record<DateTimeValue>;
+using T_date4 = Record<DateTime4Value>;
+using T_money = Record<MoneyValue>;
+using T_mny4 = Record<Money4Value>;
 
-using Img_i1 = Image<1>;
-using Img_i2 = Image<2>;
-using Img_i4 = Image<4>;
-using Img_flt4 = Image<4>;
-using Img_flt8 = Image<8>;
-using Img_bit = BitImage;
-using Img_datetime = Image<sizeof(DateTimeValue)>;
-using Img_date4 = Image<sizeof(DateTime4Value)>;
-using Img_money = Image<sizeof(MoneyValue)>;
-using Img_mny4 = Image<sizeof(Money4Value)>;
+template <typename F>
+constexpr int32_t image_size = sizeof(typename F::type);
+
+template <typename F>
+bool valid_image(const uint8_t *p) {
+    return !std::is_same_v<F, T_bit> || p[0] <= 1;
+}
 
 bool zero_from(Bytes s, int32_t from) {
     for (int32_t i = from; i < s.len; ++i)
@@ -122,16 +137,17 @@ bool zero_from(Bytes s, int32_t from) {
     return true;
 }
 
-template <typename I>
+template <typename F>
 int32_t to_fixed(Bytes s, DataFormat *, void *dest, int32_t *destlen) {
-    if (s.len < I::size) {
+    constexpr int32_t size = image_size<F>;
+    if (s.len < size) {
         *destlen = 0;
         return CS_CONV_SYNTAX;
     }
-    *destlen = I::size;
-    if (!zero_from(s, I::size)) return CS_CONV_OVERFLOW;
-    if (!I::valid(s.p)) return CS_CONV_DOMAIN;
-    std::memcpy(dest, s.p, I::size);
+    *destlen = size;
+    if (!zero_from(s, size)) return CS_CONV_OVERFLOW;
+    if (!valid_image<F>(s.p)) return CS_CONV_DOMAIN;
+    std::memcpy(dest, s.p, size);
     return CS_SUCCEED;
 }
 
@@ -151,72 +167,45 @@ int32_t to_num(Bytes s, DataFormat *destfmt, void *dest, int32_t *destlen) {
     return comn_numtonum(nullptr, nullptr, &v, destfmt, dest, destlen);
 }
 
-// Routines of a binary source kind, d_<destination short name>.
-template <Bytes (*Source)(const DataFormat *, const void *)>
-struct From {
-    template <int32_t (*F)(Bytes, DataFormat *, void *, int32_t *)>
-    static int32_t run(DataFormat *srcfmt, void *src, DataFormat *destfmt, void *dest,
-                       int32_t *destlen) {
-        return F(Source(srcfmt, src), destfmt, dest, destlen);
-    }
-    static constexpr auto d_char = run<to_char>;
-    static constexpr auto d_varchar = run<to_varchar>;
-    static constexpr auto d_bin = run<to_bin>;
-    static constexpr auto d_varbin = run<to_varbin>;
-    static constexpr auto d_i1 = run<to_fixed<Img_i1>>;
-    static constexpr auto d_i2 = run<to_fixed<Img_i2>>;
-    static constexpr auto d_i4 = run<to_fixed<Img_i4>>;
-    static constexpr auto d_flt4 = run<to_fixed<Img_flt4>>;
-    static constexpr auto d_flt8 = run<to_fixed<Img_flt8>>;
-    static constexpr auto d_bit = run<to_fixed<Img_bit>>;
-    static constexpr auto d_datetime = run<to_fixed<Img_datetime>>;
-    static constexpr auto d_date4 = run<to_fixed<Img_date4>>;
-    static constexpr auto d_money = run<to_fixed<Img_money>>;
-    static constexpr auto d_mny4 = run<to_fixed<Img_mny4>>;
-    static constexpr auto d_num = run<to_num>;
-};
-using From_bin = From<bin_source>;
-using From_varbin = From<var_source>;
+// ---- Every pair ----
 
-// ---- Fixed-length numbers to binary ----
+// The algorithm for destination D of a binary source.
+template <typename D>
+constexpr BytesRoutine routine() {
+    if constexpr (std::is_same_v<D, T_char>)
+        return to_char;
+    else if constexpr (std::is_same_v<D, T_varchar>)
+        return to_varchar;
+    else if constexpr (std::is_same_v<D, T_bin>)
+        return to_bin;
+    else if constexpr (std::is_same_v<D, T_varbin>)
+        return to_varbin;
+    else if constexpr (std::is_same_v<D, T_num>)
+        return to_num;
+    else
+        return to_fixed<D>;
+}
 
-template <typename T, bool Bit = false>
-struct Fixed {
-    static int32_t tobin(void *src, DataFormat *destfmt, void *dest, int32_t *destlen) {
-        if (Bit && *static_cast<const uint8_t *>(src) > 1) return CS_CONV_DOMAIN;
-        return comn_fixedtobin(src, sizeof(T), destfmt, dest, destlen);
+template <typename S, typename D>
+int32_t convert(ComContext *, DataFormat *srcfmt, void *src, DataFormat *destfmt, void *dest,
+                int32_t *destlen) {
+    if constexpr (is_binary<S>) {
+        return From<S>::template run<routine<D>()>(srcfmt, src, destfmt, dest, destlen);
+    } else { // a fixed-length number's image into binary or varbinary
+        if (!valid_image<S>(static_cast<const uint8_t *>(src))) return CS_CONV_DOMAIN;
+        if constexpr (std::is_same_v<D, T_bin>)
+            return comn_fixedtobin(src, image_size<S>, destfmt, dest, destlen);
+        else
+            return comn_fixedtovarbin(src, image_size<S>, destfmt, dest, destlen);
     }
-    static int32_t tovarbin(void *src, DataFormat *destfmt, void *dest, int32_t *destlen) {
-        if (Bit && *static_cast<const uint8_t *>(src) > 1) return CS_CONV_DOMAIN;
-        return comn_fixedtovarbin(src, sizeof(T), destfmt, dest, destlen);
-    }
-};
-using Fixed_i1 = Fixed<uint8_t>;
-using Fixed_i2 = Fixed<int16_t>;
-using Fixed_i4 = Fixed<int32_t>;
-using Fixed_flt4 = Fixed<float>;
-using Fixed_flt8 = Fixed<double>;
-using Fixed_bit = Fixed<uint8_t, true>;
+}
 
 } // namespace
 } // namespace comn
 
-#define COMN_DEFINE_BIN_(d)                                                                        \
-    COMN_CONV_ROUTINE(comn_binto##d) {                                                             \
-        return comn::From_bin::d_##d(srcfmt, src, destfmt, dest, destlen);                         \
-    }
-#define COMN_DEFINE_VARBIN_(d)                                                                     \
-    COMN_CONV_ROUTINE(comn_varbinto##d) {                                                          \
-        return comn::From_varbin::d_##d(srcfmt, src, destfmt, dest, destlen);                      \
-    }
-COMN_BINARY_DESTS(COMN_DEFINE_BIN_)
-COMN_BINARY_DESTS(COMN_DEFINE_VARBIN_)
-
-#define COMN_DEFINE_FIXED_TOBIN_(s)                                                                \
-    COMN_CONV_ROUTINE(comn_##s##tobin) {                                                           \
-        return comn::Fixed_##s::tobin(src, destfmt, dest, destlen);                                \
-    }                                                                                              \
-    COMN_CONV_ROUTINE(comn_##s##tovarbin) {                                                        \
-        return comn::Fixed_##s::tovarbin(src, destfmt, dest, destlen);                             \
-    }
-COMN_NUMBER_OUTPUT_SOURCES(COMN_DEFINE_FIXED_TOBIN_)
+#define COMN_BIN_(d) COMN_CONV_PAIR(bin, d)
+#define COMN_VARBIN_(d) COMN_CONV_PAIR(varbin, d)
+#define COMN_FIXED_TOBIN_(s) COMN_CONV_PAIR(s, bin) COMN_CONV_PAIR(s, varbin)
+COMN_BINARY_DESTS(COMN_BIN_)
+COMN_BINARY_DESTS(COMN_VARBIN_)
+COMN_NUMBER_OUTPUT_SOURCES(COMN_FIXED_TOBIN_)

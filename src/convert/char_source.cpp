@@ -1,7 +1,7 @@
 // Conversions from text into every non-text type, for char sources (CS_CHAR and its kin,
 // the bytes of the source format's maxlength) and CS_VARCHAR sources (a 16-bit length word,
-// then that many of 256 bytes). Each destination has one template over the source kind; the
-// comn_charto<dst> and comn_varcharto<dst> entry points are generated from the single list
+// then that many of 256 bytes). Each kind of destination has one template over the source kind;
+// the comn_charto<dst> and comn_varcharto<dst> entry points are generated from the single list
 // COMN_TEXT_INPUT_DESTS.
 //
 // The character attributes come from the source format's locale, else the context's default
@@ -20,6 +20,7 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <type_traits>
 
 #include "comnlib/convert.h"
 #include "comnlib/money.h"
@@ -62,14 +63,14 @@ struct VarcharSource {
 // ---- Integers and bit ----
 
 // What a 32-bit scan result becomes in each destination; rc is the scanner's outcome.
-struct D_i4 {
+struct T_i4 {
     static constexpr int32_t size = 4;
     static int32_t finish(int32_t rc, int32_t v, void *dest) {
         if (rc != intscan::kSyntax) store<int32_t>(dest, v);
         return rc;
     }
 };
-using D_i8 = D_i4; // the platform long is 32 bits
+using T_i8 = T_i4; // the platform long is 32 bits
 // Tinyint and smallint keep the wrapped low bits of an out-of-range value (see int_scan.h).
 template <typename T, int32_t (*Narrow)(int32_t, int32_t, T *)>
 struct D_narrow {
@@ -81,9 +82,9 @@ struct D_narrow {
         return rc;
     }
 };
-using D_i2 = D_narrow<int16_t, intscan::narrow_i2>;
-using D_i1 = D_narrow<uint8_t, intscan::narrow_i1>;
-struct D_bit {
+using T_i2 = D_narrow<int16_t, intscan::narrow_i2>;
+using T_i1 = D_narrow<uint8_t, intscan::narrow_i1>;
+struct T_bit {
     static constexpr int32_t size = 1;
     static int32_t finish(int32_t rc, int32_t v, void *dest) {
         if (rc == intscan::kNumber || rc == intscan::kEmpty) store<uint8_t>(dest, v != 0);
@@ -281,10 +282,10 @@ struct P_date_of {
                      dtloc::short_months(ctx, fmt), a);
     }
 };
-using P_money = P_money_of<MoneyValue, com__mnyfromchar_mb>;
-using P_mny4 = P_money_of<Money4Value, com__mny4fromchar_mb>;
-using P_datetime = P_date_of<DateTimeValue, com__datefromchar_mb>;
-using P_date4 = P_date_of<DateTime4Value, com__date4fromchar_mb>;
+using T_money = P_money_of<MoneyValue, com__mnyfromchar_mb>;
+using T_mny4 = P_money_of<Money4Value, com__mny4fromchar_mb>;
+using T_datetime = P_date_of<DateTimeValue, com__datefromchar_mb>;
+using T_date4 = P_date_of<DateTime4Value, com__date4fromchar_mb>;
 
 // Money parsers answer arithmetic codes; date parsers a negative code for text they cannot
 // read and a positive one for a value out of range.
@@ -335,34 +336,40 @@ int32_t to_varbin(ComContext *, DataFormat *srcfmt, void *src, DataFormat *, voi
     return rc;
 }
 
-// ---- One entry per destination short name ----
+// ---- Every pair ----
 
+using T_flt4 = float;
+using T_flt8 = double;
+
+// The source kind of a char or varchar source.
 template <typename S>
-struct From {
-    static constexpr ComConvFunc bit = to_integer<S, D_bit>;
-    static constexpr ComConvFunc i1 = to_integer<S, D_i1>;
-    static constexpr ComConvFunc i2 = to_integer<S, D_i2>;
-    static constexpr ComConvFunc i4 = to_integer<S, D_i4>;
-    static constexpr ComConvFunc i8 = to_integer<S, D_i8>;
-    static constexpr ComConvFunc flt4 = to_float<S, float>;
-    static constexpr ComConvFunc flt8 = to_float<S, double>;
-    static constexpr ComConvFunc num = to_num<S>;
-    static constexpr ComConvFunc money = to_parsed<S, P_money>;
-    static constexpr ComConvFunc mny4 = to_parsed<S, P_mny4>;
-    static constexpr ComConvFunc datetime = to_parsed<S, P_datetime>;
-    static constexpr ComConvFunc date4 = to_parsed<S, P_date4>;
-    static constexpr ComConvFunc bin = to_bin<S>;
-    static constexpr ComConvFunc varbin = to_varbin<S>;
-};
+using Source = std::conditional_t<std::is_same_v<S, T_char>, CharSource, VarcharSource>;
+
+// The algorithm for destination D.
+template <typename S, typename D>
+constexpr ComConvFunc routine() {
+    if constexpr (std::is_floating_point_v<D>)
+        return to_float<S, D>;
+    else if constexpr (std::is_same_v<D, T_num>)
+        return to_num<S>;
+    else if constexpr (std::is_same_v<D, T_bin>)
+        return to_bin<S>;
+    else if constexpr (std::is_same_v<D, T_varbin>)
+        return to_varbin<S>;
+    else if constexpr (requires { &D::parse; })
+        return to_parsed<S, D>; // money and dates
+    else
+        return to_integer<S, D>;
+}
+
+template <typename S, typename D>
+int32_t convert(ComContext *ctx, DataFormat *srcfmt, void *src, DataFormat *destfmt, void *dest,
+                int32_t *destlen) {
+    return routine<Source<S>, D>()(ctx, srcfmt, src, destfmt, dest, destlen);
+}
 
 } // namespace
 } // namespace comn
 
-#define COMN_DEFINE_TEXT_INPUT_(d)                                                                 \
-    COMN_CONV_ROUTINE(comn_charto##d) {                                                            \
-        return comn::From<comn::CharSource>::d(ctx, srcfmt, src, destfmt, dest, destlen);          \
-    }                                                                                              \
-    COMN_CONV_ROUTINE(comn_varcharto##d) {                                                         \
-        return comn::From<comn::VarcharSource>::d(ctx, srcfmt, src, destfmt, dest, destlen);       \
-    }
-COMN_TEXT_INPUT_DESTS(COMN_DEFINE_TEXT_INPUT_)
+#define COMN_TEXT_INPUT_(d) COMN_CONV_PAIR(char, d) COMN_CONV_PAIR(varchar, d)
+COMN_TEXT_INPUT_DESTS(COMN_TEXT_INPUT_)

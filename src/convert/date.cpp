@@ -2,11 +2,13 @@
 // bytes), and to text in the style the locale chooses. One template per destination kind,
 // instantiated for both source types.
 #include <cstring>
+#include <type_traits>
 
 #include "comnlib/convert.h"
 #include "comnlib/datetime.h"
 #include "datetime/dtlocale.h"
 #include "convert/buffers.h"
+#include "convert/entry.h"
 
 namespace comn {
 namespace {
@@ -65,60 +67,8 @@ int32_t to_varchar(ComContext *ctx, DataFormat *srcfmt, void *src, DataFormat *d
     return truncated ? CS_CONV_TRUNCATED : CS_SUCCEED;
 }
 
-template <typename V>
-int32_t copy(void *src, void *dest, int32_t *destlen) {
-    std::memcpy(dest, src, sizeof(V));
-    *destlen = sizeof(V);
-    return CS_SUCCEED;
-}
-
-} // namespace
-} // namespace comn
-
-using namespace comn;
-
-extern "C" {
-
-// The locale's style when it is one the formatter knows, else 9.
-COMN_API int32_t comn_get_datetochar_fmt(ComContext *ctx, DataFormat *fmt) {
-    const int32_t s = dtloc::dtfmt(ctx, fmt);
-    const bool known = (s >= 0 && s <= 8) || (s >= 10 && s <= 15) || (s >= 100 && s <= 112);
-    return known ? s : 9;
-}
-
-#define COMN_DATE_SOURCE_(name, V)                                                                 \
-    COMN_API int32_t comn_##name##tochar(ComContext *ctx, DataFormat *srcfmt, void *src,           \
-                                         DataFormat *destfmt, void *dest, int32_t *destlen) {      \
-        return to_char<V>(ctx, srcfmt, src, destfmt, dest, destlen);                               \
-    }                                                                                              \
-    COMN_API int32_t comn_##name##tovarchar(ComContext *ctx, DataFormat *srcfmt, void *src,        \
-                                            DataFormat *destfmt, void *dest, int32_t *destlen) {   \
-        return to_varchar<V>(ctx, srcfmt, src, destfmt, dest, destlen);                            \
-    }                                                                                              \
-    COMN_API int32_t comn_##name##tobin(ComContext *, DataFormat *, void *src,                     \
-                                        DataFormat *destfmt, void *dest, int32_t *destlen) {       \
-        return comn_fixedtobin(src, sizeof(V), destfmt, dest, destlen);                            \
-    }                                                                                              \
-    COMN_API int32_t comn_##name##tovarbin(ComContext *, DataFormat *, void *src,                  \
-                                           DataFormat *destfmt, void *dest, int32_t *destlen) {    \
-        return comn_fixedtovarbin(src, sizeof(V), destfmt, dest, destlen);                         \
-    }
-COMN_DATE_SOURCE_(date, DateTimeValue)
-COMN_DATE_SOURCE_(date4, DateTime4Value)
-#undef COMN_DATE_SOURCE_
-
-COMN_API int32_t comn_datetodate(ComContext *, DataFormat *, void *src, DataFormat *, void *dest,
-                                 int32_t *destlen) {
-    return copy<DateTimeValue>(src, dest, destlen);
-}
-
-COMN_API int32_t comn_date4todate4(ComContext *, DataFormat *, void *src, DataFormat *, void *dest,
-                                   int32_t *destlen) {
-    return copy<DateTime4Value>(src, dest, destlen);
-}
-
-COMN_API int32_t comn_datetodate4(ComContext *, DataFormat *, void *src, DataFormat *, void *dest,
-                                  int32_t *destlen) {
+// One datetime type into the other; a datetime outside the small range is CS_CONV_OVERFLOW.
+int32_t to_date4(const void *src, void *dest, int32_t *destlen) {
     *destlen = sizeof(DateTime4Value);
     const DateTimeValue dt = load<DateTimeValue>(src);
     DateTime4Value out;
@@ -127,8 +77,7 @@ COMN_API int32_t comn_datetodate4(ComContext *, DataFormat *, void *src, DataFor
     return CS_SUCCEED;
 }
 
-COMN_API int32_t comn_date4todate(ComContext *, DataFormat *, void *src, DataFormat *, void *dest,
-                                  int32_t *destlen) {
+int32_t to_date(const void *src, void *dest, int32_t *destlen) {
     *destlen = sizeof(DateTimeValue);
     const DateTime4Value dt4 = load<DateTime4Value>(src);
     DateTimeValue out;
@@ -136,4 +85,47 @@ COMN_API int32_t comn_date4todate(ComContext *, DataFormat *, void *src, DataFor
     std::memcpy(dest, &out, sizeof out);
     return CS_SUCCEED;
 }
+
+using T_date = DateTimeValue;
+using T_date4 = DateTime4Value;
+
+// S is a datetime type, the value's record.
+template <typename S, typename D>
+int32_t convert(ComContext *ctx, DataFormat *srcfmt, void *src, DataFormat *destfmt, void *dest,
+                int32_t *destlen) {
+    if constexpr (std::is_same_v<D, S>) {
+        std::memcpy(dest, src, sizeof(S));
+        *destlen = sizeof(S);
+        return CS_SUCCEED;
+    } else if constexpr (std::is_same_v<D, T_date4>) {
+        return to_date4(src, dest, destlen);
+    } else if constexpr (std::is_same_v<D, T_date>) {
+        return to_date(src, dest, destlen);
+    } else if constexpr (std::is_same_v<D, T_char>) {
+        return to_char<S>(ctx, srcfmt, src, destfmt, dest, destlen);
+    } else if constexpr (std::is_same_v<D, T_varchar>) {
+        return to_varchar<S>(ctx, srcfmt, src, destfmt, dest, destlen);
+    } else if constexpr (std::is_same_v<D, T_bin>) {
+        return comn_fixedtobin(src, sizeof(S), destfmt, dest, destlen);
+    } else {
+        return comn_fixedtovarbin(src, sizeof(S), destfmt, dest, destlen);
+    }
 }
+
+} // namespace
+} // namespace comn
+
+// The locale's style when it is one the formatter knows, else 9.
+extern "C" COMN_API int32_t comn_get_datetochar_fmt(ComContext *ctx, DataFormat *fmt) {
+    const int32_t s = comn::dtloc::dtfmt(ctx, fmt);
+    const bool known = (s >= 0 && s <= 8) || (s >= 10 && s <= 15) || (s >= 100 && s <= 112);
+    return known ? s : 9;
+}
+
+// clang-format off
+#define COMN_DATE_SOURCE_(a)                                                                       \
+    COMN_CONV_PAIR(a, date) COMN_CONV_PAIR(a, date4) COMN_CONV_PAIR(a, char)                       \
+    COMN_CONV_PAIR(a, varchar) COMN_CONV_PAIR(a, bin) COMN_CONV_PAIR(a, varbin)
+// clang-format on
+COMN_DATE_SOURCE_(date)
+COMN_DATE_SOURCE_(date4)

@@ -1,6 +1,6 @@
 // Integers, floats and bit into exact numerics: comn_i1tonum, comn_i2tonum, comn_i4tonum,
 // comn_i8tonum, comn_bittonum, comn_flt4tonum and comn_flt8tonum, one template instantiated
-// from COMN_INTO_NUMERIC_SOURCES.
+// for every source of COMN_INTO_NUMERIC_SOURCES.
 //
 //  1. A bit source other than 0 or 1 is out of its domain: CS_CONV_DOMAIN, nothing written.
 //  2. The result length is 35.
@@ -22,33 +22,10 @@
 #include "comnlib/convert.h"
 #include "comnlib/numeric.h"
 #include "convert/entry.h"
+#include "convert/scalar.h"
 
 namespace comn {
 namespace {
-
-template <typename T, bool Bit = false>
-struct IntSource {
-    using type = T;
-    static constexpr bool bit = Bit;
-    static constexpr bool floating = false;
-    static int32_t store(T v, ExactNumericRef *x) { return com__longtoexctnume(v, x); }
-};
-
-template <typename T>
-struct FloatSource {
-    using type = T;
-    static constexpr bool bit = false;
-    static constexpr bool floating = true;
-    static int32_t store(T v, ExactNumericRef *x) { return com__doubletoexctnume(v, x); }
-};
-
-using N_i1 = IntSource<uint8_t>;
-using N_i2 = IntSource<int16_t>;
-using N_i4 = IntSource<int32_t>;
-using N_i8 = IntSource<int32_t>; // the platform long, stored in 32 bits
-using N_bit = IntSource<uint8_t, true>;
-using N_flt4 = FloatSource<float>;
-using N_flt8 = FloatSource<double>;
 
 // Decimal digits before the point of |v| (1 for |v| below 1). Exact below 10^15; above it a
 // double holds no fraction, and the count may be one too high, which only costs a decimal
@@ -65,11 +42,12 @@ int32_t integer_digits(double v) {
     return d;
 }
 
-template <typename S>
+// A value of type T, of the scalar kind K (the long and the int share an instance).
+template <typename T, Kind K>
 int32_t into_numeric(DataFormat *destfmt, const void *src, void *dest, int32_t *destlen) {
-    typename S::type v;
+    T v;
     std::memcpy(&v, src, sizeof v);
-    if constexpr (S::bit) {
+    if constexpr (K == Kind::Bit) {
         if (v > 1) return CS_CONV_DOMAIN;
     }
     *destlen = static_cast<int32_t>(sizeof(NumericValue));
@@ -80,7 +58,7 @@ int32_t into_numeric(DataFormat *destfmt, const void *src, void *dest, int32_t *
     if (prec == CS_SRC_VALUE) prec = CS_MAX_PREC;
     if (scale == CS_SRC_VALUE) {
         scale = 0;
-        if constexpr (S::floating) {
+        if constexpr (K == Kind::Float) {
             if (std::isfinite(v)) scale = std::max(prec - integer_digits(v), 0);
         }
     }
@@ -89,18 +67,27 @@ int32_t into_numeric(DataFormat *destfmt, const void *src, void *dest, int32_t *
     out->precision = static_cast<uint8_t>(prec);
     out->scale = static_cast<uint8_t>(scale);
     ExactNumericRef x{comn_num_getlen(prec), out->precision, out->scale, out->array};
-    if (S::store(v, &x) != COMN_ARITH_OK) {
+    int32_t rc;
+    if constexpr (K == Kind::Float)
+        rc = com__doubletoexctnume(v, &x);
+    else
+        rc = com__longtoexctnume(v, &x);
+    if (rc != COMN_ARITH_OK) {
         std::memset(out->array, 0, static_cast<size_t>(x.length));
         return CS_CONV_OVERFLOW;
     }
     return CS_SUCCEED;
 }
 
+template <typename S, typename D>
+int32_t convert(ComContext *, DataFormat *, void *src, DataFormat *destfmt, void *dest,
+                int32_t *destlen) {
+    static_assert(std::is_same_v<D, T_num>, "the family's one destination");
+    return into_numeric<typename S::type, S::kind>(destfmt, src, dest, destlen);
+}
+
 } // namespace
 } // namespace comn
 
-#define COMN_DEFINE_INTO_NUM_(a)                                                                   \
-    COMN_CONV_ROUTINE(comn_##a##tonum) {                                                           \
-        return comn::into_numeric<comn::N_##a>(destfmt, src, dest, destlen);                       \
-    }
-COMN_INTO_NUMERIC_SOURCES(COMN_DEFINE_INTO_NUM_)
+#define COMN_INTO_NUM_(a) COMN_CONV_PAIR(a, num)
+COMN_INTO_NUMERIC_SOURCES(COMN_INTO_NUM_)

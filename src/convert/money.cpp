@@ -1,6 +1,6 @@
 // Client conversions from money sources to integers, floats, bit and money, and from
-// integers and floats into money. One algorithm per direction, instantiated for every pair of
-// COMN_MONEY_SOURCE_PAIRS and COMN_INTO_MONEY_PAIRS.
+// integers and floats into money: every pair of COMN_MONEY_SOURCE_PAIRS and COMN_INTO_MONEY_PAIRS,
+// one algorithm per kind of destination. The integer, bit and float types are the scalar ones.
 //
 // Money to integer rounds to whole units half away from zero; a value outside the
 // destination's range writes the nearest end of that range and gives CS_CONV_OVERFLOW (the
@@ -15,23 +15,26 @@
 #include "money/money_internal.h"
 #include "convert/buffers.h"
 #include "convert/entry.h"
+#include "convert/scalar.h"
 
 namespace comn {
 namespace {
 
-// ---- Sources ----
+// ---- The money types ----
 
-// Each source reads its value record widened to 8-byte money, and gives it as a float or
-// double through its own width's routine.
-struct S_money {
+// Each reads its value record widened to 8-byte money, gives it as a float or double through
+// its own width's routine, and names the routine that makes it from a double.
+struct T_money {
     using value = MoneyValue;
+    static constexpr auto from_double = com__flt8tomny;
     static MoneyValue wide(const void *src) { return load<MoneyValue>(src); }
     static void to_float(const MoneyValue &m, double *d) { com__mnytoflt8(&m, 8, d); }
     static void to_float(const MoneyValue &m, float *f) { com__mnytoflt4(&m, 8, f); }
 };
 
-struct S_mny4 {
+struct T_mny4 {
     using value = Money4Value;
+    static constexpr auto from_double = com__flt8tomny4;
     static MoneyValue wide(const void *src) {
         const Money4Value m = load<Money4Value>(src);
         MoneyValue w;
@@ -42,19 +45,12 @@ struct S_mny4 {
     static void to_float(const Money4Value &m, float *f) { com__mny4toflt4(&m, f); }
 };
 
-// ---- Integer destinations and sources ----
+template <typename T>
+constexpr bool is_money = std::is_same_v<T, T_money> || std::is_same_v<T, T_mny4>;
 
-template <typename T, int64_t Lo, int64_t Hi>
-struct IntType {
-    using type = T;
-    static constexpr int64_t lo = Lo;
-    static constexpr int64_t hi = Hi;
-};
-using I_i1 = IntType<uint8_t, 0, 255>;
-using I_i2 = IntType<int16_t, -32768, 32767>;
-using I_i4 = IntType<int32_t, INT32_MIN, INT32_MAX>;
-using I_i8 = IntType<int32_t, INT32_MIN, INT32_MAX>; // the platform long, 32 bits
+// ---- From money ----
 
+// I is an integer scalar type; its range is [lo, hi] (float_hi concerns float sources only).
 template <typename S, typename I>
 int32_t money_to_int(const void *src, void *dest, int32_t *destlen) {
     using T = typename I::type;
@@ -125,57 +121,46 @@ int32_t int_to_mny4(const void *src, void *dest, int32_t *destlen) {
 }
 
 // A float source is a value of its fixed size: its length is never the "no value" length 0.
-// Convert is the double-to-money routine of destination M, which answers M's size on success.
-template <typename T, typename M, auto Convert>
+// The double-to-money routine of destination M answers M's size on success.
+template <typename T, typename M>
 int32_t float_to_money(const void *src, void *dest, int32_t *destlen) {
-    constexpr int32_t size = sizeof(M);
+    using V = typename M::value;
+    constexpr int32_t size = sizeof(V);
     *destlen = size;
     const double v = load<T>(src);
-    M m;
-    const int32_t rc = Convert(&v, 8, &m) == size ? CS_SUCCEED : CS_CONV_OVERFLOW;
+    V m;
+    const int32_t rc = M::from_double(&v, 8, &m) == size ? CS_SUCCEED : CS_CONV_OVERFLOW;
     store(dest, m);
     return rc;
 }
 
-// Routine per (source, destination) short name.
-template <typename S>
-struct FromMoney {
-    static constexpr auto i1 = money_to_int<S, I_i1>;
-    static constexpr auto i2 = money_to_int<S, I_i2>;
-    static constexpr auto i4 = money_to_int<S, I_i4>;
-    static constexpr auto i8 = money_to_int<S, I_i8>;
-    static constexpr auto bit = money_to_bit<S>;
-    static constexpr auto flt4 = money_to_float<S, float>;
-    static constexpr auto flt8 = money_to_float<S, double>;
-    static constexpr auto money = money_to_money<S>;
-    static constexpr auto mny4 = money_to_mny4<S>;
-};
+// ---- Every pair ----
 
-template <typename T, bool Float = std::is_floating_point_v<T>>
-struct IntoMoney {
-    static constexpr auto money = int_to_money<T>;
-    static constexpr auto mny4 = int_to_mny4<T>;
-};
-template <typename T>
-struct IntoMoney<T, true> {
-    static constexpr auto money = float_to_money<T, MoneyValue, com__flt8tomny>;
-    static constexpr auto mny4 = float_to_money<T, Money4Value, com__flt8tomny4>;
-};
-
-using Src_money = FromMoney<S_money>;
-using Src_mny4 = FromMoney<S_mny4>;
-using Src_i1 = IntoMoney<uint8_t>;
-using Src_i2 = IntoMoney<int16_t>;
-using Src_i4 = IntoMoney<int32_t>;
-using Src_flt4 = IntoMoney<float>;
-using Src_flt8 = IntoMoney<double>;
+template <typename S, typename D>
+int32_t convert(ComContext *, DataFormat *, void *src, DataFormat *, void *dest, int32_t *destlen) {
+    if constexpr (!is_money<S>) { // an integer or float into money
+        using T = typename S::type;
+        if constexpr (S::kind == Kind::Float)
+            return float_to_money<T, D>(src, dest, destlen);
+        else if constexpr (std::is_same_v<D, T_money>)
+            return int_to_money<T>(src, dest, destlen);
+        else
+            return int_to_mny4<T>(src, dest, destlen);
+    } else if constexpr (std::is_same_v<D, T_money>) {
+        return money_to_money<S>(src, dest, destlen);
+    } else if constexpr (std::is_same_v<D, T_mny4>) {
+        return money_to_mny4<S>(src, dest, destlen);
+    } else if constexpr (D::kind == Kind::Int) {
+        return money_to_int<S, D>(src, dest, destlen);
+    } else if constexpr (D::kind == Kind::Bit) {
+        return money_to_bit<S>(src, dest, destlen);
+    } else {
+        return money_to_float<S, typename D::type>(src, dest, destlen);
+    }
+}
 
 } // namespace
 } // namespace comn
 
-#define COMN_DEFINE_MONEY_PAIR_(a, b)                                                              \
-    COMN_CONV_ROUTINE(comn_##a##to##b) {                                                           \
-        return comn::Src_##a::b(src, dest, destlen);                                               \
-    }
-COMN_MONEY_SOURCE_PAIRS(COMN_DEFINE_MONEY_PAIR_)
-COMN_INTO_MONEY_PAIRS(COMN_DEFINE_MONEY_PAIR_)
+COMN_MONEY_SOURCE_PAIRS(COMN_CONV_PAIR)
+COMN_INTO_MONEY_PAIRS(COMN_CONV_PAIR)

@@ -9,12 +9,15 @@
 // more is CS_CONV_DOMAIN before anything is written; a value outside the money range gives
 // CS_CONV_OVERFLOW with 0 in the destination.
 #include <cstring>
+#include <type_traits>
 
 #include "comnlib/convert.h"
 #include "comnlib/numeric.h"
 #include "money/money_internal.h"
 #include "convert/buffers.h"
+#include "convert/entry.h"
 
+namespace comn {
 namespace {
 
 int32_t money_to_num(const MoneyValue &m, DataFormat *destfmt, void *dest, int32_t *destlen) {
@@ -43,55 +46,55 @@ int32_t num_to_money(const void *src, MoneyValue *m) {
     const ExactNumericRef x{comn_num_getlen(n->precision), n->precision, n->scale,
                             const_cast<uint8_t *>(n->array)};
     if (com__exctnumetomny8(&x, m) != 1) {
-        comn::mny_set(m, 0);
+        mny_set(m, 0);
         return CS_CONV_OVERFLOW;
     }
     return CS_SUCCEED;
 }
 
-} // namespace
+// The money types are their value records.
+using T_money = MoneyValue;
+using T_mny4 = Money4Value;
 
-extern "C" {
-
-COMN_API int32_t comn_moneytonum(ComContext *, DataFormat *, void *src, DataFormat *destfmt,
-                                 void *dest, int32_t *destlen) {
-    MoneyValue m;
-    std::memcpy(&m, src, sizeof m);
-    return money_to_num(m, destfmt, dest, destlen);
-}
-
-COMN_API int32_t comn_mny4tonum(ComContext *, DataFormat *, void *src, DataFormat *destfmt,
-                                void *dest, int32_t *destlen) {
-    Money4Value s;
-    std::memcpy(&s, src, sizeof s);
-    MoneyValue m;
-    com__mny4tomny(&s, &m);
-    return money_to_num(m, destfmt, dest, destlen);
-}
-
-COMN_API int32_t comn_numtomoney(ComContext *, DataFormat *, void *src, DataFormat *, void *dest,
-                                 int32_t *destlen) {
-    MoneyValue m;
-    const int32_t rc = num_to_money(src, &m);
-    if (rc == CS_CONV_DOMAIN) return rc;
-    *destlen = 8;
-    comn::store(dest, m);
-    return rc;
-}
-
-COMN_API int32_t comn_numtomny4(ComContext *, DataFormat *, void *src, DataFormat *, void *dest,
-                                int32_t *destlen) {
-    MoneyValue m;
-    int32_t rc = num_to_money(src, &m);
-    if (rc == CS_CONV_DOMAIN) return rc;
-    *destlen = 4;
-    Money4Value s{0};
-    if (rc == CS_SUCCEED && com__mnytomny4(&m, &s) != 4) {
-        s.mny4 = 0;
-        rc = CS_CONV_OVERFLOW;
+template <typename S, typename D>
+int32_t convert(ComContext *, DataFormat *, void *src, DataFormat *destfmt, void *dest,
+                int32_t *destlen) {
+    if constexpr (std::is_same_v<S, T_money>) {
+        MoneyValue m;
+        std::memcpy(&m, src, sizeof m);
+        return money_to_num(m, destfmt, dest, destlen);
+    } else if constexpr (std::is_same_v<S, T_mny4>) {
+        Money4Value s;
+        std::memcpy(&s, src, sizeof s);
+        MoneyValue m;
+        com__mny4tomny(&s, &m);
+        return money_to_num(m, destfmt, dest, destlen);
+    } else if constexpr (std::is_same_v<D, T_money>) {
+        MoneyValue m;
+        const int32_t rc = num_to_money(src, &m);
+        if (rc == CS_CONV_DOMAIN) return rc;
+        *destlen = 8;
+        store(dest, m);
+        return rc;
+    } else {
+        MoneyValue m;
+        int32_t rc = num_to_money(src, &m);
+        if (rc == CS_CONV_DOMAIN) return rc;
+        *destlen = 4;
+        Money4Value s{0};
+        if (rc == CS_SUCCEED && com__mnytomny4(&m, &s) != 4) {
+            s.mny4 = 0;
+            rc = CS_CONV_OVERFLOW;
+        }
+        store(dest, s);
+        return rc;
     }
-    comn::store(dest, s);
-    return rc;
 }
 
-} // extern "C"
+} // namespace
+} // namespace comn
+
+COMN_CONV_PAIR(money, num)
+COMN_CONV_PAIR(mny4, num)
+COMN_CONV_PAIR(num, money)
+COMN_CONV_PAIR(num, mny4)

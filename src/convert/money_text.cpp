@@ -1,6 +1,6 @@
 // Money and small money to text, varchar, binary and varbinary: comn_moneytochar,
-// comn_moneytovarchar, comn_moneytobin, comn_moneytovarbin and the comn_mny4to twins, one
-// template per destination instantiated for both money widths.
+// comn_moneytovarchar, comn_moneytobin, comn_moneytovarbin and the comn_mny4to twins, each
+// destination's algorithm instantiated for both money widths.
 //
 // Text is the money printer's: "-" for negative values, at least one integer digit, no
 // separators, and as many decimals as the destination format's precision asks (0 gives the
@@ -14,6 +14,7 @@
 // Binary and varbinary destinations receive the value's bytes (8 or 4) as they stand.
 #include <algorithm>
 #include <cstring>
+#include <type_traits>
 
 #include "comnlib/convert.h"
 #include "comnlib/money.h"
@@ -26,14 +27,14 @@ namespace {
 constexpr int32_t kTextArea = 24;
 static_assert(kTextArea <= cross::kVarcharData, "a money text always fits a varchar whole");
 
-struct Money8 {
+struct T_money {
     using value = MoneyValue;
     static char *print(const value &v, char *buf, int32_t flags) {
         return com__mnytochar(&v, buf, kTextArea, flags);
     }
 };
 
-struct Money4 {
+struct T_mny4 {
     using value = Money4Value;
     static char *print(const value &v, char *buf, int32_t flags) {
         return com__mny4tochar(&v, buf, kTextArea, flags);
@@ -55,41 +56,29 @@ int32_t money_text(const void *src, DataFormat *destfmt, char (&area)[kTextArea]
     return *text ? static_cast<int32_t>(area + kTextArea - *text) : CS_CONV_OVERFLOW;
 }
 
-// One routine per destination short name (with a trailing _: char is a keyword).
-template <typename M>
-struct To {
-    static int32_t char_(DataFormat *destfmt, const void *src, void *dest, int32_t *destlen) {
-        char area[kTextArea];
-        const char *text;
-        const int32_t n = money_text<M>(src, destfmt, area, &text);
-        if (n < 0) return n;
-        return cross::put_text(text, n, destfmt, dest, destlen);
-    }
-    static int32_t varchar_(DataFormat *destfmt, const void *src, void *dest, int32_t *destlen) {
-        char area[kTextArea];
-        const char *text;
-        const int32_t n = money_text<M>(src, destfmt, area, &text);
-        if (n < 0) return cross::put_vartext_error(n, dest, destlen);
-        return cross::put_vartext(text, n, dest, destlen);
-    }
-    static int32_t bin_(DataFormat *destfmt, const void *src, void *dest, int32_t *destlen) {
+template <typename M, typename D>
+int32_t convert(ComContext *, DataFormat *, void *src, DataFormat *destfmt, void *dest,
+                int32_t *destlen) {
+    if constexpr (std::is_same_v<D, T_bin>) {
         return comn_fixedtobin(src, sizeof(typename M::value), destfmt, dest, destlen);
-    }
-    static int32_t varbin_(DataFormat *destfmt, const void *src, void *dest, int32_t *destlen) {
+    } else if constexpr (std::is_same_v<D, T_varbin>) {
         return comn_fixedtovarbin(src, sizeof(typename M::value), destfmt, dest, destlen);
+    } else {
+        char area[kTextArea];
+        const char *text;
+        const int32_t n = money_text<M>(src, destfmt, area, &text);
+        if constexpr (std::is_same_v<D, T_char>) {
+            if (n < 0) return n;
+            return cross::put_text(text, n, destfmt, dest, destlen);
+        } else {
+            if (n < 0) return cross::put_vartext_error(n, dest, destlen);
+            return cross::put_vartext(text, n, dest, destlen);
+        }
     }
-};
-
-using Src_money = To<Money8>;
-using Src_mny4 = To<Money4>;
+}
 
 } // namespace
 } // namespace comn
 
-#define COMN_DEFINE_MONEY_TEXT_(a, b)                                                              \
-    COMN_CONV_ROUTINE(comn_##a##to##b) {                                                           \
-        return comn::Src_##a::b##_(destfmt, src, dest, destlen);                                   \
-    }
-#define COMN_DEFINE_MONEY_TEXT_BOTH_(b)                                                            \
-    COMN_DEFINE_MONEY_TEXT_(money, b) COMN_DEFINE_MONEY_TEXT_(mny4, b)
-COMN_TEXT_BIN_DESTS(COMN_DEFINE_MONEY_TEXT_BOTH_)
+#define COMN_MONEY_TEXT_(b) COMN_CONV_PAIR(money, b) COMN_CONV_PAIR(mny4, b)
+COMN_TEXT_BIN_DESTS(COMN_MONEY_TEXT_)

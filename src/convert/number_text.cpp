@@ -21,10 +21,12 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <type_traits>
 
 #include "comnlib/convert.h"
 #include "convert/buffers.h"
 #include "convert/entry.h"
+#include "convert/scalar.h"
 
 namespace comn {
 namespace {
@@ -85,43 +87,23 @@ int32_t float_text(double v, char *buf, const char **text) {
     return static_cast<int32_t>(end - out);
 }
 
-// A source kind: text() writes the value's text somewhere in buf (kTextMax bytes), points
-// *text at it and returns its length, or a conversion code (negative) for a value outside
-// its type's domain.
-template <typename T>
-struct IntSource {
-    static constexpr bool is_bit = false;
-    static int32_t text(const void *src, char *buf, const char **text) {
-        *text = buf;
-        return int_text(load<T>(src), buf);
-    }
-};
-
-template <typename T>
-struct FloatSource {
-    static constexpr bool is_bit = false;
-    static int32_t text(const void *src, char *buf, const char **text) {
+// Writes the text of a value of scalar type S (convert/scalar.h) somewhere in buf (kTextMax
+// bytes), points *text at it and returns its length, or CS_CONV_DOMAIN for a bit other than
+// 0 or 1.
+template <typename S>
+int32_t text_of(const void *src, char *buf, const char **text) {
+    using T = typename S::type;
+    if constexpr (S::kind == Kind::Float) {
         return float_text(load<T>(src), buf, text);
-    }
-};
-
-struct BitSource {
-    static constexpr bool is_bit = true;
-    static int32_t text(const void *src, char *buf, const char **text) {
+    } else {
+        *text = buf;
+        if constexpr (S::kind == Kind::Int) return int_text(load<T>(src), buf);
         const uint8_t b = load<uint8_t>(src);
         if (b > 1) return CS_CONV_DOMAIN;
         buf[0] = static_cast<char>('0' + b);
-        *text = buf;
         return 1;
     }
-};
-
-using Src_i1 = IntSource<uint8_t>;
-using Src_i2 = IntSource<int16_t>;
-using Src_i4 = IntSource<int32_t>;
-using Src_flt4 = FloatSource<float>;
-using Src_flt8 = FloatSource<double>;
-using Src_bit = BitSource;
+}
 
 // Places a number's text of len bytes into a text destination of M bytes.
 int32_t place_in_char(const char *text, int32_t len, DataFormat *destfmt, void *dest,
@@ -164,33 +146,23 @@ int32_t place_in_varchar(const char *text, int32_t len, void *dest, int32_t *des
     return rc;
 }
 
-template <typename S>
-int32_t to_char(const void *src, DataFormat *destfmt, void *dest, int32_t *destlen) {
+template <typename S, typename D>
+int32_t convert(ComContext *, DataFormat *, void *src, DataFormat *destfmt, void *dest,
+                int32_t *destlen) {
     char buf[kTextMax];
     const char *text;
-    const int32_t len = S::text(src, buf, &text);
+    const int32_t len = text_of<S>(src, buf, &text);
     if (len < 0) return len;
-    if constexpr (S::is_bit) return place_bit_in_char(text, destfmt, dest, destlen);
-    return place_in_char(text, len, destfmt, dest, destlen);
-}
-
-template <typename S>
-int32_t to_varchar(const void *src, void *dest, int32_t *destlen) {
-    char buf[kTextMax];
-    const char *text;
-    const int32_t len = S::text(src, buf, &text);
-    if (len < 0) return len;
-    return place_in_varchar(text, len, dest, destlen);
+    if constexpr (std::is_same_v<D, T_varchar>)
+        return place_in_varchar(text, len, dest, destlen);
+    else if constexpr (S::kind == Kind::Bit)
+        return place_bit_in_char(text, destfmt, dest, destlen);
+    else
+        return place_in_char(text, len, destfmt, dest, destlen);
 }
 
 } // namespace
 } // namespace comn
 
-#define COMN_DEFINE_NUMBER_TEXT_(s)                                                                \
-    COMN_CONV_ROUTINE(comn_##s##tochar) {                                                          \
-        return comn::to_char<comn::Src_##s>(src, destfmt, dest, destlen);                          \
-    }                                                                                              \
-    COMN_CONV_ROUTINE(comn_##s##tovarchar) {                                                       \
-        return comn::to_varchar<comn::Src_##s>(src, dest, destlen);                                \
-    }
-COMN_NUMBER_OUTPUT_SOURCES(COMN_DEFINE_NUMBER_TEXT_)
+#define COMN_NUMBER_TEXT_(s) COMN_CONV_PAIR(s, char) COMN_CONV_PAIR(s, varchar)
+COMN_NUMBER_OUTPUT_SOURCES(COMN_NUMBER_TEXT_)

@@ -4,7 +4,7 @@
 // before anything is written.
 //
 // To bit, the integers and the floats: the value becomes its nearest double (ties to even),
-// and from there the float routines of the scalar family decide, unchanged: the same bounds,
+// and from there the scalar family's conversion from a double decides, unchanged: the same bounds,
 // truncation toward zero, clamping with CS_CONV_OVERFLOW, non-zero gives 1 for bit. A valid
 // image is below 2^256 (its 32 magnitude bytes), so the double is always finite.
 //
@@ -21,10 +21,13 @@
 // source's; the numerics' own rescaling does the rest (rounding half away from zero; lost
 // digits give CS_CONV_TRUNCATED).
 #include <cstring>
+#include <type_traits>
 
 #include "comnlib/convert.h"
 #include "comnlib/numeric.h"
 #include "convert/cross_text.h"
+#include "convert/entry.h"
+#include "convert/scalar.h"
 #include "numeric/descriptor.h"
 
 namespace comn {
@@ -63,26 +66,7 @@ int32_t num_text(const void *src, char (&area)[kTextArea], int32_t *start) {
     return *start < 0 ? CS_CONV_OVERFLOW : kTextArea - *start;
 }
 
-} // namespace
-} // namespace comn
-
-using namespace comn;
-
-extern "C" {
-
-#define COMN_DEFINE_NUM_TO_SCALAR_(b)                                                              \
-    COMN_API int32_t comn_numto##b(ComContext *ctx, DataFormat *srcfmt, void *src,                 \
-                                   DataFormat *destfmt, void *dest, int32_t *destlen) {            \
-        double d;                                                                                  \
-        const int32_t rc = num_to_double(src, &d);                                                 \
-        if (rc != CS_SUCCEED) return rc;                                                           \
-        return comn_flt8to##b(ctx, srcfmt, &d, destfmt, dest, destlen);                            \
-    }
-COMN_NUMERIC_TO_SCALAR(COMN_DEFINE_NUM_TO_SCALAR_)
-#undef COMN_DEFINE_NUM_TO_SCALAR_
-
-COMN_API int32_t comn_numtochar(ComContext *, DataFormat *, void *src, DataFormat *destfmt,
-                                void *dest, int32_t *destlen) {
+int32_t to_char(const void *src, DataFormat *destfmt, void *dest, int32_t *destlen) {
     char area[kTextArea];
     int32_t start = 0;
     const int32_t n = num_text(src, area, &start);
@@ -90,8 +74,7 @@ COMN_API int32_t comn_numtochar(ComContext *, DataFormat *, void *src, DataForma
     return cross::put_text(area + start, n, destfmt, dest, destlen);
 }
 
-COMN_API int32_t comn_numtovarchar(ComContext *, DataFormat *, void *src, DataFormat *, void *dest,
-                                   int32_t *destlen) {
+int32_t to_varchar(const void *src, void *dest, int32_t *destlen) {
     char area[kTextArea];
     int32_t start = 0;
     const int32_t n = num_text(src, area, &start);
@@ -100,22 +83,7 @@ COMN_API int32_t comn_numtovarchar(ComContext *, DataFormat *, void *src, DataFo
     return cross::put_vartext(area + start, n, dest, destlen);
 }
 
-COMN_API int32_t comn_numtobin(ComContext *, DataFormat *, void *src, DataFormat *destfmt,
-                               void *dest, int32_t *destlen) {
-    NumericValue s;
-    if (!load_source(src, &s)) return CS_CONV_DOMAIN;
-    return comn_fixedtobin(&s, sizeof s, destfmt, dest, destlen);
-}
-
-COMN_API int32_t comn_numtovarbin(ComContext *, DataFormat *, void *src, DataFormat *destfmt,
-                                  void *dest, int32_t *destlen) {
-    NumericValue s;
-    if (!load_source(src, &s)) return CS_CONV_DOMAIN;
-    return comn_fixedtovarbin(&s, sizeof s, destfmt, dest, destlen);
-}
-
-COMN_API int32_t comn_numtonum(ComContext *, DataFormat *, void *src, DataFormat *destfmt,
-                               void *dest, int32_t *destlen) {
+int32_t to_num(const void *src, DataFormat *destfmt, void *dest, int32_t *destlen) {
     NumericValue s;
     if (!load_source(src, &s)) return CS_CONV_DOMAIN;
     *destlen = static_cast<int32_t>(sizeof(NumericValue));
@@ -128,4 +96,36 @@ COMN_API int32_t comn_numtonum(ComContext *, DataFormat *, void *src, DataFormat
         nume::rescale(s, prec, scale, static_cast<NumericValue *>(dest)));
 }
 
-} // extern "C"
+// S is T_num, the one source; the scalar destinations are convert/scalar.h's types.
+template <typename S, typename D>
+int32_t convert(ComContext *, DataFormat *, void *src, DataFormat *destfmt, void *dest,
+                int32_t *destlen) {
+    static_assert(std::is_same_v<S, T_num>, "the family's one source");
+    if constexpr (std::is_same_v<D, T_num>) {
+        return to_num(src, destfmt, dest, destlen);
+    } else if constexpr (std::is_same_v<D, T_char>) {
+        return to_char(src, destfmt, dest, destlen);
+    } else if constexpr (std::is_same_v<D, T_varchar>) {
+        return to_varchar(src, dest, destlen);
+    } else if constexpr (std::is_same_v<D, T_bin> || std::is_same_v<D, T_varbin>) {
+        NumericValue s;
+        if (!load_source(src, &s)) return CS_CONV_DOMAIN;
+        if constexpr (std::is_same_v<D, T_bin>)
+            return comn_fixedtobin(&s, sizeof s, destfmt, dest, destlen);
+        else
+            return comn_fixedtovarbin(&s, sizeof s, destfmt, dest, destlen);
+    } else {
+        double d;
+        const int32_t rc = num_to_double(src, &d);
+        if (rc != CS_SUCCEED) return rc;
+        return scalar_convert<T_flt8, D>(&d, dest, destlen);
+    }
+}
+
+} // namespace
+} // namespace comn
+
+#define COMN_NUM_TO_(b) COMN_CONV_PAIR(num, b)
+COMN_NUMERIC_TO_SCALAR(COMN_NUM_TO_)
+COMN_TEXT_BIN_DESTS(COMN_NUM_TO_)
+COMN_CONV_PAIR(num, num)

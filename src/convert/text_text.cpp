@@ -18,6 +18,7 @@
 // any other failure of the translation (CS_CONV_NOXLT) is returned at once.
 #include <algorithm>
 #include <cstring>
+#include <type_traits>
 
 #include "comnlib/convert.h"
 #include "comnlib/intl.h"
@@ -39,6 +40,11 @@ constexpr Text (*varchar_source)(const DataFormat *, const void *) = var_source;
     }
     return {p, len};
 }
+
+// The text of a source of type S.
+template <typename S>
+constexpr Text (*source)(const DataFormat *,
+                         const void *) = std::is_same_v<S, T_char> ? char_source : varchar_source;
 
 [[gnu::always_inline]] inline const LocaleHandle *handle_of(const ComContext *ctx,
                                                             const DataFormat *fmt) {
@@ -177,6 +183,15 @@ int32_t to_varchar(ComContext *ctx, DataFormat *srcfmt, void *src, DataFormat *d
     return taken < s.len ? CS_CONV_TRUNCATED : CS_SUCCEED;
 }
 
+template <typename S, typename D>
+int32_t convert(ComContext *ctx, DataFormat *srcfmt, void *src, DataFormat *destfmt, void *dest,
+                int32_t *destlen) {
+    if constexpr (std::is_same_v<D, T_char>)
+        return to_char<source<S>>(ctx, srcfmt, src, destfmt, dest, destlen);
+    else
+        return to_varchar<source<S>>(ctx, srcfmt, src, destfmt, dest, destlen);
+}
+
 } // namespace
 } // namespace comn
 
@@ -197,15 +212,8 @@ COMN_API int32_t comnb_truncate_chars(const CharAttrib *attr, const char *text, 
     }
     return pos;
 }
-
-#define COMN_DEFINE_TEXT_(s)                                                                       \
-    COMN_CONV_ROUTINE(comn_##s##tochar) {                                                          \
-        return comn::to_char<comn::s##_source>(ctx, srcfmt, src, destfmt, dest, destlen);          \
-    }                                                                                              \
-    COMN_CONV_ROUTINE(comn_##s##tovarchar) {                                                       \
-        return comn::to_varchar<comn::s##_source>(ctx, srcfmt, src, destfmt, dest, destlen);       \
-    }
-COMN_DEFINE_TEXT_(char)
-COMN_DEFINE_TEXT_(varchar)
-#undef COMN_DEFINE_TEXT_
 }
+
+#define COMN_TEXT_TO_TEXT_(a) COMN_CONV_PAIR(a, char) COMN_CONV_PAIR(a, varchar)
+COMN_TEXT_TO_TEXT_(char)
+COMN_TEXT_TO_TEXT_(varchar)
