@@ -1,6 +1,7 @@
 // TDS datatype maps: the wire type code, fixed length, flag and length-prefix size of each
-// datatype, in both directions. The two maps by TDS code are laid out as the protocol tables
-// are read: (TDS code, datatype id, length, flag, prefix size); the two tables by datatype id
+// datatype, in both directions. The two maps by TDS code keep the protocol tables' rows in
+// their order, each row (TDS code, datatype id, length, flag, prefix size) written through the
+// maker of its form, which fixes the flag and the prefix size; the two tables by datatype id
 // are derived from them.
 #include "comnlib/tds.h"
 
@@ -31,55 +32,58 @@ int32_t get_tdstype(const ComTdsDatatype *table, int32_t datatype, int32_t *tdst
     return CS_SUCCEED;
 }
 
+// Row makers, each for a form of row, so that what the form fixes is stated once: the flag
+// (1: the type has a nullable or variable-length encoding) and the length-prefix size.
+// A fixed-length type: no flag, no prefix.
+constexpr ComTdsDatatype fixed(int32_t tdstype, int32_t datatype, int32_t length) {
+    return {tdstype, datatype, length, 0, 0};
+}
+// A variable-length type: no flag, a 1-byte length prefix.
+constexpr ComTdsDatatype prefixed(int32_t tdstype, int32_t datatype, int32_t length) {
+    return {tdstype, datatype, length, 0, 1};
+}
+// A variable-length or nullable type: flag 1, a 1-byte length prefix.
+constexpr ComTdsDatatype nullable(int32_t tdstype, int32_t datatype, int32_t length) {
+    return {tdstype, datatype, length, 1, 1};
+}
+// A long type: no flag, up to 2147483647 bytes behind a 4-byte length prefix.
+constexpr ComTdsDatatype long_type(int32_t tdstype, int32_t datatype) {
+    return {tdstype, datatype, kLong, 0, 4};
+}
+constexpr ComTdsDatatype kEnd{0, -1, 0, 0, 0};
+
 } // namespace
 
 extern "C" {
 
 // clang-format off
 constexpr ComTdsDatatype Com__tds_uniq_datatype_map[COM_TDS_UNIQ_ROWS + 1] = {
-    {0x2D, CS_BINARY,      255,   0, 1},
-    {0x25, CS_BINARY,      255,   1, 1},
-    {0x2F, CS_CHAR,        255,   1, 1},
-    {0x27, CS_CHAR,        255,   1, 1},
-    {0x30, CS_TINYINT,     1,     0, 0},
-    {0x34, CS_SMALLINT,    2,     0, 0},
-    {0x38, CS_INT,         4,     0, 0},
-    {0x3B, CS_REAL,        4,     0, 0},
-    {0x3E, CS_FLOAT,       8,     0, 0},
-    {0x3A, CS_DATETIME4,   4,     0, 0},
-    {0x3D, CS_DATETIME,    8,     0, 0},
-    {0x7A, CS_MONEY4,      4,     0, 0},
-    {0x3C, CS_MONEY,       8,     0, 0},
-    {0x32, CS_BIT,         1,     0, 0},
-    {0xAF, CS_LONGCHAR,    kLong, 0, 4},
-    {0xE1, CS_LONGBINARY,  kLong, 0, 4},
-    {0x23, CS_TEXT,        kLong, 0, 4},
-    {0x22, CS_IMAGE,       kLong, 0, 4},
-    {0x22, CS_IMAGE,       kLong, 0, 4}, // the image row stands twice
-    {0x6C, CS_NUMERIC,     33,    0, 1},
-    {0x6A, CS_DECIMAL,     33,    0, 1},
-    {0x67, CS_SENSITIVITY, 255,   1, 1},
-    {0x68, CS_BOUNDARY,    255,   1, 1},
-    {0,    -1,             0,     0, 0},
+    prefixed(0x2D, CS_BINARY, 255),  nullable(0x25, CS_BINARY, 255),
+    nullable(0x2F, CS_CHAR, 255),    nullable(0x27, CS_CHAR, 255),
+    fixed(0x30, CS_TINYINT, 1),      fixed(0x34, CS_SMALLINT, 2),     fixed(0x38, CS_INT, 4),
+    fixed(0x3B, CS_REAL, 4),         fixed(0x3E, CS_FLOAT, 8),
+    fixed(0x3A, CS_DATETIME4, 4),    fixed(0x3D, CS_DATETIME, 8),
+    fixed(0x7A, CS_MONEY4, 4),       fixed(0x3C, CS_MONEY, 8),
+    fixed(0x32, CS_BIT, 1),
+    long_type(0xAF, CS_LONGCHAR),    long_type(0xE1, CS_LONGBINARY),  long_type(0x23, CS_TEXT),
+    long_type(0x22, CS_IMAGE),       long_type(0x22, CS_IMAGE), // the image row stands twice
+    prefixed(0x6C, CS_NUMERIC, 33),  prefixed(0x6A, CS_DECIMAL, 33),
+    nullable(0x67, CS_SENSITIVITY, 255), nullable(0x68, CS_BOUNDARY, 255),
+    kEnd,
 };
 
-// TDS codes that stand for several datatypes, told apart by length.
+// TDS codes that stand for several datatypes, told apart by length, a line per code; every row
+// is of the nullable form.
 constexpr ComTdsDatatype Com__tds_dup_datatype_map[COM_TDS_DUP_ROWS + 1] = {
-    {0x25, CS_BINARY,    255, 1, 1},
-    {0x27, CS_CHAR,      255, 1, 1},
-    {0x26, CS_TINYINT,   1,   1, 1},
-    {0x26, CS_SMALLINT,  2,   1, 1},
-    {0x26, CS_INT,       4,   1, 1},
-    {0x6D, CS_REAL,      4,   1, 1},
-    {0x6D, CS_FLOAT,     8,   1, 1},
-    {0x6F, CS_DATETIME4, 4,   1, 1},
-    {0x6F, CS_DATETIME,  8,   1, 1},
-    {0x6E, CS_MONEY4,    4,   1, 1},
-    {0x6E, CS_MONEY,     8,   1, 1},
-    {0x1F, CS_VOID,      0,   1, 1},
-    {0,    -1,           0,   0, 0},
+    nullable(0x25, CS_BINARY, 255),
+    nullable(0x27, CS_CHAR, 255),
+    nullable(0x26, CS_TINYINT, 1),   nullable(0x26, CS_SMALLINT, 2),  nullable(0x26, CS_INT, 4),
+    nullable(0x6D, CS_REAL, 4),      nullable(0x6D, CS_FLOAT, 8),
+    nullable(0x6F, CS_DATETIME4, 4), nullable(0x6F, CS_DATETIME, 8),
+    nullable(0x6E, CS_MONEY4, 4),    nullable(0x6E, CS_MONEY, 8),
+    nullable(0x1F, CS_VOID, 0),
+    kEnd,
 };
-
 // clang-format on
 
 } // extern "C"
