@@ -1,11 +1,4 @@
 // The platform reader: file syntax, reading order, failures, home and environment.
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <fstream>
-#include <string>
-
-#include "comnlib.h"
 #include "intl/reader/reader_internal.h"
 #include "intl_test_util.h"
 
