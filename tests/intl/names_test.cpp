@@ -135,7 +135,9 @@ TEST(IntlNames, ForwardTranslationFailures) {
         int32_t rc = 0;
         lookup(&h.ctx, "default", &rc);
         EXPECT_EQ(rc, c.rc);
-        if (rc != 0) EXPECT_EQ(h.ctx.intl_status, c.status);
+        if (rc != 0) {
+            EXPECT_EQ(h.ctx.intl_status, c.status);
+        }
     }
     const std::string long_language = "[linux]\nlocale = default, " + std::string(400, 'l');
     Home h((long_language + ", iso_1\n").c_str());
@@ -166,7 +168,9 @@ TEST(IntlNames, ReverseTranslation) {
                                    c.sortorder, n(c.sortorder), name, c.room, &len),
                   c.rc)
             << c.language;
-        if (c.want) EXPECT_EQ(std::string(name, len), c.want);
+        if (c.want) {
+            EXPECT_EQ(std::string(name, len), c.want);
+        }
     }
 }
 
