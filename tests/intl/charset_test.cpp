@@ -1,66 +1,17 @@
 // The character set and sort order loaders over the bundled home and over broken files in
 // temporary homes.
-#include <gtest/gtest.h>
-
 #include <cstring>
 #include <iterator>
-#include <string>
 #include <utility>
 #include <vector>
 
-#include "comnlib.h"
 #include "intl/ctype/charset_internal.h"
 #include "intl_test_util.h"
 
 namespace {
 
-struct Ctx {
-    ComContext c{};
-    ~Ctx() { com__charset_drop_all(&c); }
-};
-
-TEST(CharsetLoader, EveryBundledSetLoadsWithItsTranslationId) {
-    EnvGuard veldar("VELDAR");
-    veldar.set(COMN_TEST_HOME);
-    Ctx ctx;
-    struct Row {
-        const char *set;
-        int xlate, level;
-    } rows[] = {{"ascii8", 0, 1},   {"iso_1", 1, 1},  {"cp850", 2, 1},
-                {"cp437", 3, 1},    {"roman8", 4, 1}, {"mac", 5, 1},
-                {"eucjis", 140, 3}, {"sjis", 141, 2}, {"deckanji", 142, 2}};
-    for (const auto &r : rows) {
-        ComCharsetDesc *d = nullptr;
-        ASSERT_EQ(com__charset_desc_get(&ctx.c, r.set, "binary", &d), 1) << r.set;
-        EXPECT_EQ(d->attr->xlate_id, r.xlate) << r.set;
-        EXPECT_EQ(d->attr->mb_level, r.level) << r.set;
-        EXPECT_EQ(std::string(d->attr->name, d->attr->namelen), r.set);
-        EXPECT_EQ(d->attr->widthmap != nullptr, r.level > 1) << r.set;
-        EXPECT_EQ(d->sort_size, COM_SORT_HEADER + 1024);
-        // The ASCII half of every set case-maps as ASCII.
-        for (int c = 0; c < 0x80; ++c) {
-            const char in[2] = {static_cast<char>(c), 0};
-            char up[4] = {}, low[4] = {};
-            comn_toupper(d->attr, in, up);
-            comn_tolower(d->attr, in, low);
-            EXPECT_EQ(up[0], c >= 'a' && c <= 'z' ? c - 32 : c) << r.set << " " << c;
-            EXPECT_EQ(low[0], c >= 'A' && c <= 'Z' ? c + 32 : c) << r.set << " " << c;
-        }
-    }
-    // The loaded iso_1 is the built-in record.
-    ComCharsetDesc *d = nullptr;
-    ASSERT_EQ(com__charset_desc_get(&ctx.c, "iso_1", "dict", &d), 1);
-    const CharAttrib *builtin = com_get_charattrib();
-    EXPECT_EQ(std::memcmp(d->attr->typemap, builtin->typemap, 1024), 0);
-    EXPECT_EQ(std::memcmp(d->attr->second, builtin->second, 256), 0);
-    EXPECT_EQ(std::memcmp(d->attr->flags, builtin->flags, 5), 0);
-    EXPECT_EQ(d->attr->asciimap, nullptr);
-}
-
 TEST(CharsetLoader, JapaneseSetsReduceFullWidthTextToAscii) {
-    EnvGuard veldar("VELDAR");
-    veldar.set(COMN_TEST_HOME);
-    Ctx ctx;
+    LocCtx ctx;
     struct Row {
         const char *set;
         std::string text; // full-width "１２．５Ａｂ", an ideographic space and a kanji (日)
@@ -72,9 +23,7 @@ TEST(CharsetLoader, JapaneseSetsReduceFullWidthTextToAscii) {
         {"sjis", "\x82\x50\x82\x51\x81\x44\x82\x54\x82\x60\x82\x82\x81\x40\x93\xfa", "\x93\xfa"},
     };
     for (const auto &r : rows) {
-        ComCharsetDesc *d = nullptr;
-        ASSERT_EQ(com__charset_desc_get(&ctx.c, r.set, "binary", &d), 1);
-        const CharAttrib *a = d->attr;
+        const CharAttrib *a = ctx.desc(r.set)->attr;
         char out[32];
         int32_t n = 0;
         comn_str_to_ascii(r.text.data(), static_cast<int32_t>(r.text.size()), out, &n, a);
@@ -90,31 +39,25 @@ TEST(CharsetLoader, JapaneseSetsReduceFullWidthTextToAscii) {
         EXPECT_EQ(comn_isupper(a, up), COM_CT_UPPER) << r.set;
         EXPECT_EQ(comn_to_ascii(a, up), 'B');
     }
-    ComCharsetDesc *euc = nullptr, *sjis = nullptr;
-    ASSERT_EQ(com__charset_desc_get(&ctx.c, "eucjis", "binary", &euc), 1);
-    ASSERT_EQ(com__charset_desc_get(&ctx.c, "sjis", "binary", &sjis), 1);
-    EXPECT_EQ(comn_char_width(euc->attr, "\x8f\xb0\xa1"), 3);
-    EXPECT_EQ(comn_disp_width(euc->attr, "\x8e\xb1"), 1); // half-width katakana
-    EXPECT_EQ(comn_char_width(sjis->attr, "\xb1"), 1);
+    const CharAttrib *euc = ctx.desc("eucjis")->attr;
+    EXPECT_EQ(comn_char_width(euc, "\x8f\xb0\xa1"), 3);
+    EXPECT_EQ(comn_disp_width(euc, "\x8e\xb1"), 1); // half-width katakana
+    EXPECT_EQ(comn_char_width(ctx.desc("sjis")->attr, "\xb1"), 1);
     char copy[4];
-    EXPECT_EQ(comn_toupper(euc->attr, "\x8f\xb0\xa1", copy), 3); // copied whole
+    EXPECT_EQ(comn_toupper(euc, "\x8f\xb0\xa1", copy), 3); // copied whole
     EXPECT_EQ(std::string(copy, 3), "\x8f\xb0\xa1");
 }
 
 // The header's inline tests must answer as the routines do, for every first byte and, behind a
 // lead byte, every second byte, in each bundled set (the multibyte ones reach the pages).
 TEST(CharsetLoader, InlineTestsAgreeWithTheRoutines) {
-    EnvGuard veldar("VELDAR");
-    veldar.set(COMN_TEST_HOME);
-    Ctx ctx;
+    LocCtx ctx;
     using ClassTest = int32_t (*)(const CharAttrib *, const char *);
     const ClassTest routines[] = {(comn_isalpha),  (comn_isupper), (comn_islower), (comn_isdigit),
                                   (comn_isxdigit), (comn_isspace), (comn_ispunct), (comn_isgraph)};
     for (const char *set : {"iso_1", "cp850", "roman8", "mac", "eucjis", "sjis", "deckanji"}) {
-        ComCharsetDesc *d = nullptr;
-        ASSERT_EQ(com__charset_desc_get(&ctx.c, set, "binary", &d), 1) << set;
-        for (const CharAttrib *a :
-             {static_cast<const CharAttrib *>(nullptr), static_cast<const CharAttrib *>(d->attr)})
+        const CharAttrib *const attrs[] = {nullptr, ctx.desc(set)->attr};
+        for (const CharAttrib *a : attrs)
             for (int b0 = 0; b0 < 256; ++b0)
                 for (int b1 = 0; b1 < 256; b1 += (b1 < 0x40 ? 0x1F : 1)) {
                     const char c[2] = {static_cast<char>(b0), static_cast<char>(b1)};
@@ -246,9 +189,9 @@ TEST(CharsetLoader, ImageHeaderFromFile) {
                    std::string("[typemap]\n80 = 01000080\n[typemap 1]\n41 = 41610151\n") +
                    width_rows() + "[second]\n0100 = AB\n");
     home.write("charsets/t/o.srt", good_sort());
-    Ctx ctx;
-    ComCharsetDesc *d = nullptr;
-    ASSERT_EQ(com__charset_desc_get(&ctx.c, "t", "o", &d), 1);
+    LocCtx ctx;
+    const ComCharsetDesc *d = ctx.desc("t", "o");
+    ASSERT_NE(d, nullptr);
     const CharAttrib *a = d->attr;
     EXPECT_EQ(a->image_id, 513);
     EXPECT_EQ(a->mb_level, 2);

@@ -7,6 +7,9 @@ ctypes over libcomn.so (VELDAR pointing at the bundled home):
     decoder with errors="replace", which gives one U+FFFD per maximal ill-formed subpart),
     and every destination size from 0 (expected: the longest run of whole characters that
     fits, with exact consumed and produced counts);
+  - translation among the Japanese sets and from them to ASCII, against a model of their
+    JIS X 0208 row and cell arithmetic that is itself held to Python's codecs: every code of
+    each set alone, random texts at every destination size, characters cut by the end;
   - the utf8 attribute record: class bits, case mapping, ASCII equivalents and widths of
     every two-byte character, and the safe defaults of the three- and four-byte ones.
 
@@ -23,6 +26,12 @@ JAPANESE = {"eucjis": "euc_jp", "sjis": "shift_jis", "deckanji": "euc_jp"}
 # Python's Japanese encoders turn these into ASCII bytes; the library's sets have ASCII
 # there, so the two have no counterpart.
 LOSSY = {"\u00a5", "\u203e"}
+# Converters among the Japanese sets and to ASCII, by (source, destination).
+JA_PAIRS = {("eucjis", "sjis"): "eucjis_to_sjis", ("eucjis", "deckanji"): "eucjis_to_deckanji",
+            ("eucjis", "ascii8"): "eucjis_to_ascii8", ("sjis", "eucjis"): "sjis_to_eucjis_deckanj",
+            ("sjis", "deckanji"): "sjis_to_eucjis_deckanj", ("sjis", "ascii8"): "sjis_to_ascii8",
+            ("deckanji", "eucjis"): "deckanji_to_eucjis", ("deckanji", "sjis"): "deckanji_to_sjis",
+            ("deckanji", "ascii8"): "deckanji_to_ascii8"}
 BADXLT, TRUNCATED = 1, 2
 
 failures = 0
@@ -48,6 +57,10 @@ class Lib:
                     f = getattr(self.lib, fn)
                     f.argtypes, f.restype = sig, ctypes.c_int32
                     self.conv[(a, b)] = f
+        for pair, fn in JA_PAIRS.items():
+            f = getattr(self.lib, "com__fou_" + fn)
+            f.argtypes, f.restype = sig, ctypes.c_int32
+            self.conv[pair] = f
 
     def xlate(self, a, b, src, room):
         out = ctypes.create_string_buffer(b"\xee" * (room + 8), room + 8)
@@ -87,10 +100,11 @@ def expect(units, room):
     outs = []
     bad = False
     for src, dst, b in units:
-        if len(b"".join(outs)) + len(dst) > room:
+        if made + len(dst) > room:
             return (TRUNCATED | (BADXLT if bad else 0)), took, b"".join(outs)
         outs.append(dst)
         took += len(src)
+        made += len(dst)
         bad |= b
     return (BADXLT if bad else 0), took, b"".join(outs)
 
@@ -298,6 +312,60 @@ def check_translation(lib, rng):
                     name, src, lib.xlate("utf8", name, src, 4 * len(src) + 4), want))
 
 
+# ---- the Japanese sets among themselves ----
+
+def jis_codes(name):
+    """Every two-byte code of a Japanese set: (bytes, (row, cell)) for the JIS X 0208 grid, and
+    (bytes, None) for the Shift-JIS pairs outside it (user leads F0-FC, bad second bytes)."""
+    if name != "sjis":
+        return [(bytes([0xA0 + r, 0xA0 + c]), (r, c)) for r in range(1, 95) for c in range(1, 95)]
+    out = []
+    for s1 in list(range(0x81, 0xA0)) + list(range(0xE0, 0xFD)):
+        for s2 in range(256):
+            rc = None
+            if s1 <= 0xEF and (0x40 <= s2 <= 0x7E or 0x80 <= s2 <= 0xFC):
+                row = 2 * (s1 - (0x81 if s1 <= 0x9F else 0xC1)) + 1 + (s2 >= 0x9F)
+                rc = (row, s2 - 0x9E if s2 >= 0x9F else s2 - 0x3F - (s2 >= 0x80))
+            out.append((bytes([s1, s2]), rc))
+    return out
+
+
+def check_japanese_pairs(lib, rng):
+    grid = {n: {rc: raw for raw, rc in jis_codes(n) if rc} for n in JAPANESE}
+    for rc, raw in grid["eucjis"].items():  # the model agrees with Python where both know
+        try:
+            if raw.decode("euc_jp").encode("shift_jis") != grid["sjis"][rc]:
+                fail("Shift-JIS model differs from Python's codec at %r" % (rc,))
+        except UnicodeError:
+            pass
+    for name in JAPANESE:
+        # A unit is (bytes, JIS row and cell or None): ASCII, the grid, and the set's other
+        # characters and stray bytes, which become one "?" per byte.
+        others = [(raw, None) for raw, ch in set_chars(name) if len(raw) > 1 or raw[0] > 0x7F]
+        others += [(raw, None) for raw in UNDEFINED[name]]
+        codes = jis_codes(name)
+        known = {raw for raw, _ in codes}
+        units = [(bytes([c]), None) for c in range(0x80)] + codes + [
+            u for u in others if u[0] not in known]
+        for (a, b) in [p for p in JA_PAIRS if p[0] == name]:
+            def out(u):
+                if u[0][0] < 0x80:
+                    return u[0], u[0], False
+                if u[1] is None or b == "ascii8":
+                    return u[0], b"?" * len(u[0]), True
+                return u[0], grid[b][u[1]], False
+            check_units(lib, a, b, [out(u) for u in units], "every code",
+                        [sum(len(u[0]) for u in units)])
+            for _ in range(40):
+                check_units(lib, a, b, [out(rng.choice(units)) for _ in range(rng.randrange(12))],
+                            "random text")
+            # a character cut by the end of the source waits for the next call
+            for cut in {raw[:n] for raw, _ in units for n in range(1, len(raw))}:
+                got = lib.xlate(a, b, b"ab" + cut, 16)
+                if got != (0, 2, 2, b"ab"):
+                    fail("%s->%s cut %r: %r" % (a, b, cut, got))
+
+
 # ---- the attribute record ----
 
 def check_attributes(lib):
@@ -372,6 +440,7 @@ def main():
     lib = Lib(sys.argv[1])
     rng = random.Random(int(sys.argv[2]) if len(sys.argv) > 2 else 18)
     check_translation(lib, rng)
+    check_japanese_pairs(lib, rng)
     check_attributes(lib)
     print("%d converters checked, %d mismatches" % (len(lib.conv), failures))
     return 1 if failures else 0

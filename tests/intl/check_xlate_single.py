@@ -3,9 +3,10 @@
 over libcomn.so: every byte through each of the twenty converters between iso_1, cp850,
 cp437, roman8 and mac must give what the codecs give with the generator's listed departures
 applied (tools/gen/gen_xlate_tables.py, rebuilt here in memory, not read from the committed
-header), with the substitution bit set exactly for the bytes written as "?"; and the ASCII
-converter must pass the bytes Python's ascii codec decodes and substitute the rest. The
-dispatch table Com_fou_xlt_map is walked as well: every cell's mode, and every converter it
+header), with the substitution bit set exactly for the bytes written as "?" and the
+truncation bit for short destinations; and the ASCII converter must pass the bytes Python's
+ascii codec decodes and substitute the rest. The test set's converter counts and writes
+nothing. The dispatch table Com_fou_xlt_map is walked as well: every cell's mode, and every converter it
 names translating as the pair of sets it stands for (the Japanese pairs over JIS X 0208 text
 encoded by Python's codecs).
 
@@ -14,7 +15,7 @@ usage: check_xlate_single.py <path to libcomn.so> <tools/gen directory>
 import ctypes
 import sys
 
-BADCHAR = 1
+BADCHAR, TRUNCATED = 1, 2
 # Rows and cells of the dispatch table, and the mode of each cell (0 none, 1 copy, 2 through
 # the ASCII converter, 3 through a dedicated one).
 IDS = [(0, "ascii8"), (1, "iso1"), (2, "cp850"), (3, "cp437"), (4, "roman8"), (5, "mac"),
@@ -60,10 +61,12 @@ def main():
                                        for b in range(256)]
     failures = 0
 
-    def run(f, src):
-        out = ctypes.create_string_buffer(len(src))
+    def run(f, src, room=None, srclen=None):
+        room = len(src) if room is None else room
+        out = ctypes.create_string_buffer(b"\xee" * max(room, 0), max(room, 0))
         c, p = ctypes.c_int32(-1), ctypes.c_int32(-1)
-        bits = f(src, len(src), out, len(src), ctypes.byref(c), ctypes.byref(p))
+        bits = f(src, len(src) if srclen is None else srclen, out, room, ctypes.byref(c),
+                 ctypes.byref(p))
         return bits, c.value, p.value, out.raw
 
     for name, want in expected.items():
@@ -80,6 +83,26 @@ def main():
         if list(out) != want or (consumed, produced) != (256, 256):
             failures += 1
             print("%s: whole buffer differs from byte by byte" % name)
+        # A short destination takes what fits and says so; negative lengths take nothing.
+        src = bytes(range(0x7C, 0x84))
+        for room, srclen in [(r, 8) for r in range(9)] + [(8, -1), (-1, 8)]:
+            n = max(0, min(room, srclen))
+            bad = any(want[b] == ord("?") and b >= 0x80 for b in src[:n])
+            expect = ((TRUNCATED if room < srclen else 0) | (BADCHAR if bad else 0), n, n,
+                      bytes(want[b] for b in src[:n]) + b"\xee" * (max(room, 0) - n))
+            if run(f, src, room, srclen) != expect:
+                failures += 1
+                print("%s: room %d of %d: %r" % (name, room, srclen, run(f, src, room, srclen)))
+    # The test set's converter writes nothing and counts the text up to its first NUL.
+    f = lib.com__fou_caseswap
+    f.argtypes, f.restype = sig, ctypes.c_int32
+    for src, room in ((b"ab\0c", 8), (b"abc", 8), (b"abcd", 2), (b"\0x", 1), (b"abc", -1)):
+        n = src.find(b"\0") % (len(src) + 1)
+        expect = (TRUNCATED if room < len(src) else 0, n, max(0, min(n, room)),
+                  b"\xee" * max(room, 0))
+        if run(f, src, room) != expect:
+            failures += 1
+            print("caseswap %r room %d: %r" % (src, room, run(f, src, room)))
     # The dispatch table: ids, modes, and what each converter it names does.
     sig_t = ctypes.CFUNCTYPE(ctypes.c_int32, *sig)
     kanji = jis_x0208_text()

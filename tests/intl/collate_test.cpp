@@ -1,30 +1,21 @@
 // Collation: padding, ligatures, expansions, secondary tie-breaks and tertiary order, over the
 // bundled sort orders and a small hand-made weight table; differential checks of the binary
 // and nocase orders against memcmp and strcasecmp.
-#include <gtest/gtest.h>
 #include <strings.h>
 
 #include <cstring>
 #include <random>
-#include <string>
 #include <vector>
 
-#include "comnlib.h"
 #include "intl_test_util.h"
 
 namespace {
 
-struct Orders {
-    EnvGuard veldar{"VELDAR"};
-    ComContext ctx{};
-    Orders() { veldar.set(COMN_TEST_HOME); }
-    ~Orders() { com__charset_drop_all(&ctx); }
-    const uint8_t *table(const char *set, const char *order) {
-        ComCharsetDesc *d = nullptr;
-        EXPECT_EQ(com__charset_desc_get(&ctx, set, order, &d), 1) << set << " " << order;
-        return d ? d->sort_table : nullptr;
-    }
-};
+// The weight table of a bundled sort order.
+const uint8_t *table(LocCtx &ctx, const char *set, const char *order) {
+    const ComCharsetDesc *d = ctx.desc(set, order);
+    return d ? d->sort_table : nullptr;
+}
 
 int32_t cmp(const uint8_t *t, const std::string &a, const std::string &b) {
     return com__ps_dl_sqlhilo(t, a.data(), static_cast<int32_t>(a.size()), b.data(),
@@ -35,9 +26,9 @@ int32_t sgn(int32_t v) {
 }
 
 TEST(Collate, DictionaryLigaturesExpansionsAndSecondaryTieBreaks) {
-    Orders o;
+    LocCtx ctx;
     for (const char *set : {"iso_1", "cp850"}) {
-        const uint8_t *t = o.table(set, "dict");
+        const uint8_t *t = table(ctx, set, "dict");
         ASSERT_NE(t, nullptr);
         // The dictionary letters of the set, spelled in its own bytes.
         const bool iso = std::strcmp(set, "iso_1") == 0;
@@ -126,22 +117,30 @@ TEST(Collate, SpecialListResolution) {
     EXPECT_EQ(com__ps_dl_sqlhilo(t.data(), "xa", 2, "qb", 2), 'a' - 'b');
 }
 
-// Random strings, some sharing a prefix and some padded with blanks, compare as strcmp and
-// strcasecmp compare them with the trailing blanks removed.
-TEST(Collate, DifferentialAgainstStrcmpAndStrcasecmp) {
-    Orders o;
-    const uint8_t *binary = o.table("iso_1", "binary");
-    const uint8_t *nocase = o.table("iso_1", "nocase");
-    ASSERT_TRUE(binary && nocase);
+// Random strings: plain letters, some sharing a prefix and some padded with blanks, compare
+// in the binary and nocase orders as strcmp and strcasecmp compare them without the blanks;
+// in the dictionary order a shared plain prefix never changes the answer, however long the
+// common run of bytes that follows it (which the comparison skips up to its last plain
+// character).
+TEST(Collate, RandomStringsAgainstStrcmpAndUnderACommonPrefix) {
+    LocCtx ctx;
+    const uint8_t *binary = table(ctx, "iso_1", "binary"), *nocase = table(ctx, "iso_1", "nocase"),
+                  *dict = table(ctx, "iso_1", "dict");
+    ASSERT_TRUE(binary && nocase && dict);
     std::mt19937 rng(7);
-    const std::string alphabet = "abcABCxyzXYZ019";
+    auto word = [&rng](const std::string &alphabet, int max) {
+        std::string s;
+        for (int n = rng() % max; n > 0; --n)
+            s += alphabet[rng() % alphabet.size()];
+        return s;
+    };
+    auto len = [](const std::string &s) { return static_cast<int32_t>(s.size()); };
+    const std::string plain = "abcABCxyzXYZ019", letters = "cChHa \xe6\xdf\xe9"
+                                                           "e";
     for (int i = 0; i < 20000; ++i) {
-        std::string a, b;
-        for (int n = rng() % 6; n > 0; --n)
-            a += alphabet[rng() % alphabet.size()];
-        b = rng() % 3 ? a.substr(0, rng() % (a.size() + 1)) : "";
-        for (int n = rng() % 6; n > 0; --n)
-            b += alphabet[rng() % alphabet.size()];
+        const std::string a = word(plain, 6);
+        const std::string b =
+            (rng() % 3 ? a.substr(0, rng() % (a.size() + 1)) : "") + word(plain, 6);
         const std::string pa = a + std::string(rng() % 3, ' '),
                           pb = b + std::string(rng() % 3, ' ');
         for (const uint8_t *t : {binary, nocase}) {
@@ -149,35 +148,13 @@ TEST(Collate, DifferentialAgainstStrcmpAndStrcasecmp) {
                 t == binary ? std::strcmp(a.c_str(), b.c_str()) : strcasecmp(a.c_str(), b.c_str());
             EXPECT_EQ(sgn(cmp(t, pa, pb)), sgn(want)) << "'" << pa << "' '" << pb << "'";
             // The public form answers exactly -1, 0 or 1.
-            EXPECT_EQ(com_ps_dl_sqlhilo(t, pa.data(), static_cast<int32_t>(pa.size()), pb.data(),
-                                        static_cast<int32_t>(pb.size())),
-                      sgn(want));
+            EXPECT_EQ(com_ps_dl_sqlhilo(t, pa.data(), len(pa), pb.data(), len(pb)), sgn(want));
         }
-    }
-}
-
-// A shared plain prefix never changes the answer, however long the common run of bytes that
-// follows it (which the comparison skips up to its last plain character).
-TEST(Collate, CommonPrefixIsNeutral) {
-    Orders o;
-    const uint8_t *t = o.table("iso_1", "dict");
-    ASSERT_NE(t, nullptr);
-    std::mt19937 rng(11);
-    const std::string alphabet = "cChHa \xe6\xdf\xe9"
-                                 "e";
-    auto word = [&](int max) {
-        std::string s;
-        for (int n = rng() % max; n > 0; --n)
-            s += alphabet[rng() % alphabet.size()];
-        return s;
-    };
-    for (int i = 0; i < 20000; ++i) {
-        const std::string a = word(6), b = word(6), x = word(8) + "a";
-        EXPECT_EQ(cmp(t, x + a, x + b), cmp(t, a, b)) << x << "|" << a << "|" << b;
-        EXPECT_EQ(com__spec_tord(t, (x + a).data(), static_cast<int32_t>(x.size() + a.size()),
-                                 (x + b).data(), static_cast<int32_t>(x.size() + b.size())),
-                  com__spec_tord(t, a.data(), static_cast<int32_t>(a.size()), b.data(),
-                                 static_cast<int32_t>(b.size())));
+        const std::string c = word(letters, 6), d = word(letters, 6), x = word(letters, 8) + "a";
+        const std::string xc = x + c, xd = x + d;
+        EXPECT_EQ(cmp(dict, xc, xd), cmp(dict, c, d)) << x << "|" << c << "|" << d;
+        EXPECT_EQ(com__spec_tord(dict, xc.data(), len(xc), xd.data(), len(xd)),
+                  com__spec_tord(dict, c.data(), len(c), d.data(), len(d)));
     }
 }
 

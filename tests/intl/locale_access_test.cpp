@@ -1,25 +1,17 @@
 // Reading locales: accessor fallbacks, handle strings and comparisons, handle lists under a
 // counting lock, a French date through the date code, and a locale load whose allocations
 // fail one after another.
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 #include <cstring>
 
-#include "comnlib.h"
 #include "intl/locale/locale_internal.h"
-#include "locale_test_util.h"
+#include "intl_test_util.h"
 
 namespace {
 
 // A context with a default handle (every category on one locale) and its loaded records.
 struct Loaded : LocCtx {
     LocaleHandle def{};
-    LocaleRecord *load(const char *name) {
-        LocaleRecord *r = nullptr;
-        EXPECT_EQ(com_intl_load(get(), name, -1, &r), 1) << name;
-        return r;
-    }
     void set_default(LocaleRecord *r) {
         def.collate = def.ctype = def.message = def.monetary = def.numeric = def.time = r;
         ctx.conv.default_locale = &def;

@@ -1,10 +1,5 @@
 // Installation paths, the locale name of a category, the locales file translations and the
 // readability checks, over temporary installation homes.
-#include <gtest/gtest.h>
-
-#include <string>
-
-#include "comnlib.h"
 #include "intl_test_util.h"
 
 namespace {
@@ -126,46 +121,57 @@ TEST(IntlNames, ForwardTranslation) {
 }
 
 TEST(IntlNames, ForwardTranslationFailures) {
+    struct Case {
+        const char *locales; // none: no locales file
+        int32_t rc, status;
+    } cases[] = {
+        {nullptr, COM_INTL_ERROR, INTL_E_OPEN},
+        {"[unix]\nlocale = default, us_english, iso_1\n", 0, 0},
+        {"[linux]\nlocale = x, y, z\nbroken line\nlocale = default, a, b\n", COM_INTL_ERROR,
+         INTL_E_SYNTAX},
+    };
+    for (const auto &c : cases) {
+        Home h(c.locales);
+        int32_t rc = 0;
+        lookup(&h.ctx, "default", &rc);
+        EXPECT_EQ(rc, c.rc);
+        if (rc != 0) {
+            EXPECT_EQ(h.ctx.intl_status, c.status);
+        }
+    }
+    const std::string long_language = "[linux]\nlocale = default, " + std::string(400, 'l');
+    Home h((long_language + ", iso_1\n").c_str());
     int32_t rc = 0;
-    {
-        Home h(nullptr); // no locales file at all
-        lookup(&h.ctx, "default", &rc);
-        EXPECT_EQ(rc, COM_INTL_ERROR);
-        EXPECT_EQ(h.ctx.intl_status, INTL_E_OPEN);
-    }
-    {
-        Home h("[unix]\nlocale = default, us_english, iso_1\n");
-        lookup(&h.ctx, "default", &rc);
-        EXPECT_EQ(rc, 0);
-    }
-    {
-        Home h("[linux]\nlocale = x, y, z\nbroken line\nlocale = default, a, b\n");
-        lookup(&h.ctx, "default", &rc);
-        EXPECT_EQ(rc, COM_INTL_ERROR);
-        EXPECT_EQ(h.ctx.intl_status, INTL_E_SYNTAX);
-    }
-    {
-        Home h(("[linux]\nlocale = default, " + std::string(400, 'l') + ", iso_1\n").c_str());
-        lookup(&h.ctx, "default", &rc);
-        EXPECT_EQ(rc, 0);
-    }
+    lookup(&h.ctx, "default", &rc);
+    EXPECT_EQ(rc, 0);
 }
 
 TEST(IntlNames, ReverseTranslation) {
     Home h;
-    char name[64];
-    int32_t len = -1;
-    EXPECT_EQ(com_intl_locname(&h.ctx, "", 0, nullptr, 0, nullptr, 0, name, 64, &len), 1);
-    EXPECT_EQ(std::string(name, len), "default");
-    EXPECT_EQ(com_intl_locname(&h.ctx, "french", 6, "iso_1", 5, "dict", 4, name, 64, &len), 1);
-    EXPECT_EQ(std::string(name, len), "french");
-    EXPECT_EQ(com_intl_locname(&h.ctx, "japanese", 8, "eucjis", 6, nullptr, 0, name, 64, &len), 1);
-    EXPECT_EQ(std::string(name, len), "ja");
-    EXPECT_EQ(com_intl_locname(&h.ctx, "us_english", 10, "cp850", 5, "nocase", 6, name, 5, &len),
-              CS_CONV_OVERFLOW);
-    EXPECT_EQ(std::string(name, len), "us_en");
-    EXPECT_EQ(com_intl_locname(&h.ctx, "german", 6, "iso_1", 5, nullptr, 0, name, 64, &len), 0);
-    EXPECT_EQ(com_intl_locname(&h.ctx, "french", 6, "iso_1", 5, nullptr, 0, name, 64, &len), 0);
+    struct Case {
+        const char *language, *charset, *sortorder; // charset and sortorder may be null
+        int32_t room, rc;
+        const char *want;
+    } cases[] = {
+        {"", nullptr, nullptr, 64, 1, "default"},
+        {"french", "iso_1", "dict", 64, 1, "french"},
+        {"japanese", "eucjis", nullptr, 64, 1, "ja"},
+        {"us_english", "cp850", "nocase", 5, CS_CONV_OVERFLOW, "us_en"},
+        {"german", "iso_1", nullptr, 64, 0, nullptr}, // behind an entry with another key
+        {"french", "iso_1", nullptr, 64, 0, nullptr}, // french comes with dict only
+    };
+    for (const auto &c : cases) {
+        char name[64];
+        int32_t len = -1;
+        const auto n = [](const char *s) { return s ? static_cast<int32_t>(strlen(s)) : 0; };
+        EXPECT_EQ(com_intl_locname(&h.ctx, c.language, n(c.language), c.charset, n(c.charset),
+                                   c.sortorder, n(c.sortorder), name, c.room, &len),
+                  c.rc)
+            << c.language;
+        if (c.want) {
+            EXPECT_EQ(std::string(name, len), c.want);
+        }
+    }
 }
 
 TEST(IntlVerify, LocaleFilesInOrder) {
@@ -176,18 +182,13 @@ TEST(IntlVerify, LocaleFilesInOrder) {
         return com_intl_verify_locfiles(&h.ctx, "french", "iso_1", "dict", path,
                                         COM_INTL_PATH_SIZE);
     };
-    EXPECT_EQ(verify(), 0);
-    EXPECT_EQ(path, p + "/locales/french/iso_1/common.loc");
-    h.home.write("locales/french/iso_1/common.loc", "");
-    EXPECT_EQ(verify(), 0);
-    EXPECT_EQ(path, p + "/locales/french/iso_1/cslib.loc");
-    h.home.write("locales/french/iso_1/cslib.loc", "");
-    EXPECT_EQ(verify(), 0);
-    EXPECT_EQ(path, p + "/charsets/iso_1/dict.srt");
-    h.home.write("charsets/iso_1/dict.srt", "");
-    EXPECT_EQ(verify(), 0);
-    EXPECT_EQ(path, p + "/charsets/iso_1/charset.loc");
-    h.home.write("charsets/iso_1/charset.loc", "");
+    // Each missing file is named in turn until all are there.
+    for (const char *rel : {"locales/french/iso_1/common.loc", "locales/french/iso_1/cslib.loc",
+                            "charsets/iso_1/dict.srt", "charsets/iso_1/charset.loc"}) {
+        EXPECT_EQ(verify(), 0);
+        EXPECT_EQ(path, p + "/" + rel);
+        h.home.write(rel, "");
+    }
     EXPECT_EQ(verify(), 1);
     h.ctx.flags = COM_CTX_CLIENT_LAYER;
     EXPECT_EQ(verify(), 0);
@@ -243,17 +244,16 @@ TEST(IntlVerify, ContextDiagnosticForEveryFailure) {
     all.set("default");
     const std::string all_line = "Using locale name \"default\" defined in environment variable "
                                  "LC_ALL\n";
-    const std::string missing = "Cannot access " + p +
-                                "/locales/us_english/iso_1/common.loc file\n" + "Cannot access " +
-                                p + "/locales/us_english/iso_1/cslib.loc file\n" +
-                                "Cannot access " + p + "/charsets/iso_1/binary.srt file\n" +
-                                "Cannot access " + p + "/charsets/iso_1/charset.loc file\n";
+    const char *files[] = {"locales/us_english/iso_1/common.loc",
+                           "locales/us_english/iso_1/cslib.loc", "charsets/iso_1/binary.srt",
+                           "charsets/iso_1/charset.loc"};
+    std::string missing;
+    for (const char *f : files)
+        missing += "Cannot access " + p + "/" + f + " file\n";
     EXPECT_EQ(diagnose(&h.ctx), head + homeline + all_line + missing);
     all.unset();
-    h.home.write("locales/us_english/iso_1/common.loc", "");
-    h.home.write("locales/us_english/iso_1/cslib.loc", "");
-    h.home.write("charsets/iso_1/binary.srt", "");
-    h.home.write("charsets/iso_1/charset.loc", "");
+    for (const char *f : files)
+        h.home.write(f, "");
     EXPECT_EQ(diagnose(&h.ctx), head + homeline + "Using default locale name: \"default\"\n");
 
     h.home.write("locales/locales.dat", "[linux]\nlocale = \"default\n");

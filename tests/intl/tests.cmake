@@ -1,7 +1,7 @@
 # Differential checks against Python's codecs (and unicodedata): the loaded single-byte
 # character sets, and the utf8 set (translation both ways with every other set, ill-formed
-# input, short destinations, the attribute record). They load the shared library, so they
-# stay out of sanitizer builds.
+# input, short destinations, the attribute record) with the Japanese sets among themselves.
+# They load the shared library, so they stay out of sanitizer builds.
 if(NOT COMN_SANITIZE)
   comn_add_python_test(intl_charsets_vs_python intl ${CMAKE_CURRENT_LIST_DIR}/check_charsets.py
     $<TARGET_FILE:comn>)
@@ -9,8 +9,8 @@ if(NOT COMN_SANITIZE)
     $<TARGET_FILE:comn>)
 endif()
 
-# Differential check of the twenty single-byte translations, byte for byte, against Python's
-# codecs and the departures listed by their generator.
+# Differential check of the twenty single-byte translations, byte for byte and into short
+# destinations, against Python's codecs and the departures listed by their generator.
 if(NOT COMN_SANITIZE)
   comn_add_python_test(intl_xlate_single_vs_python intl ${CMAKE_CURRENT_LIST_DIR}/check_xlate_single.py
     $<TARGET_FILE:comn> ${PROJECT_SOURCE_DIR}/tools/gen)

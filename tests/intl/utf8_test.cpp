@@ -2,23 +2,11 @@
 // attribute record's answers that the text conversions rely on. Translation and the record's
 // tables are checked exhaustively against Python by check_utf8.py, translation through the
 // locales in xlate_dispatch_test.cpp.
-#include <comnlib.h>
-
-#include <gtest/gtest.h>
-
 #include <cstring>
-#include <string>
 
 #include "intl_test_util.h"
-#include "locale_test_util.h"
 
 namespace {
-
-LocaleRecord *load(LocCtx &c, const char *name) {
-    LocaleRecord *r = nullptr;
-    EXPECT_EQ(com_intl_load(c.get(), name, -1, &r), 1) << name;
-    return r;
-}
 
 struct DateCase {
     const char *locale, *text;
@@ -28,8 +16,6 @@ struct DateCase {
 };
 
 TEST(Utf8Locale, DatesReadAndPrintWithTheLocaleNames) {
-    EnvGuard veldar{"VELDAR"};
-    veldar.set(COMN_TEST_HOME);
     const DateCase cases[] = {
         {"fr_FR.UTF-8", "15 février 1999", 1999, 1, 15, 106, "15 févr 1999"},
         {"fr_FR.UTF-8", "3 DÉCEMBRE 2001", 2001, 11, 3, 106, "03 déc 2001"},
@@ -43,7 +29,7 @@ TEST(Utf8Locale, DatesReadAndPrintWithTheLocaleNames) {
     for (const DateCase &t : cases) {
         SCOPED_TRACE(t.text);
         LocCtx c;
-        LocaleRecord *r = load(c, t.locale);
+        LocaleRecord *r = c.load(t.locale);
         ASSERT_NE(r, nullptr);
         ASSERT_STREQ(r->charset, "utf8");
         DateTimeValue v{};
@@ -68,11 +54,7 @@ TEST(Utf8Locale, DatesReadAndPrintWithTheLocaleNames) {
 // reduces to ASCII, so "1é5" or full-width digits never read as a number.
 TEST(Utf8Locale, AttributesKeepCharactersWhole) {
     LocCtx c;
-    ComCharsetDesc *d = nullptr;
-    EnvGuard veldar{"VELDAR"};
-    veldar.set(COMN_TEST_HOME);
-    ASSERT_EQ(com__charset_desc_get(c.get(), "utf8", "binary", &d), 1);
-    const CharAttrib *a = d->attr;
+    const CharAttrib *a = c.desc("utf8")->attr;
     EXPECT_EQ(a->xlate_id, COM_XLT_UTF8);
     struct Cut {
         const char *text;

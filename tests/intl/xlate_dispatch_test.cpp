@@ -1,22 +1,19 @@
 // Translation through locales: character sets loaded from the bundled home, hung on locale
 // handles as the locale cache does, and the context's default handle for formats without one;
-// the driver's statuses, state words and CS_VARCHAR framing, where lengths change with utf8.
-#include <comnlib.h>
-
-#include <gtest/gtest.h>
-
+// the driver's statuses, state words and CS_VARCHAR framing, where lengths change with utf8,
+// and its plain copy of CS_VARCHAR records and damaged length words.
 #include <cstring>
 #include <map>
-#include <string>
+#include <utility>
 
-#include "locale_test_util.h"
+#include "intl/xlate/xlate_dispatch.h"
+#include "intl_test_util.h"
 
 namespace {
 
 class XlateLocales : public testing::Test {
   protected:
     void SetUp() override {
-        veldar.set(COMN_TEST_HOME);
         for (const char *set : {"ascii8", "iso_1", "cp850", "cp437", "roman8", "mac", "eucjis",
                                 "sjis", "deckanji", "utf8"}) {
             ComCharsetDesc *d = nullptr;
@@ -56,7 +53,6 @@ class XlateLocales : public testing::Test {
         return m;
     }
 
-    EnvGuard veldar{"VELDAR"};
     ComContext ctx{};
     CharAttrib swap_attr{}, other_attr{};
     ComCharsetDesc swap_desc{}, other_desc{};
@@ -65,37 +61,39 @@ class XlateLocales : public testing::Test {
     LocaleHandle bare{};
 };
 
-TEST_F(XlateLocales, CharacterSetIdsComeFromTheCtypeAttributes) {
-    EXPECT_EQ(com__intl_get_csid(&records["cp437"]), COM_XLT_CP437);
-    EXPECT_EQ(com__intl_get_csid(&records["sjis"]), COM_XLT_SJIS);
-    EXPECT_EQ(com__intl_get_csid(&records["caseswap"]), COM_XLT_CASESWAP);
-    EXPECT_EQ(com__intl_get_csid(nullptr), COM_XLT_ISO1);
-}
-
-TEST_F(XlateLocales, ModesOfPairs) {
-    struct {
-        const char *from, *to;
-        int32_t mode;
-        ComXlateFunc func;
-    } cases[] = {
-        {"cp850", "cp850", COM_XLT_MODE_COPY, nullptr},
-        {"iso_1", "cp437", COM_XLT_MODE_CONVERT, com__fou_iso1_to_cp437},
-        {"iso_1", "sjis", COM_XLT_MODE_ASCII, com__fou_ascii8_tofrom_1byte},
-        {"eucjis", "sjis", COM_XLT_MODE_CONVERT, com__fou_eucjis_to_sjis},
-        {"sjis", "deckanji", COM_XLT_MODE_CONVERT, com__fou_sjis_to_eucjis_deckanj},
-        {"iso_1", "caseswap", COM_XLT_MODE_CONVERT, com__fou_caseswap},
-        {"cp850", "caseswap", COM_XLT_MODE_NONE, nullptr},
-        {"caseswap", "iso_1", COM_XLT_MODE_ASCII, com__fou_ascii8_tofrom_1byte},
-        {"other", "iso_1", COM_XLT_MODE_NONE, nullptr}, // no row
-        {"iso_1", "other", COM_XLT_MODE_NONE, nullptr}, // no cell
-        {"other", "other", COM_XLT_MODE_COPY, nullptr}, // same handle
+// Every pair of sets resolves through the locales to the mode and converter of the exported
+// table's cell; utf8's row and column to its own converters; an unknown set to none.
+TEST_F(XlateLocales, EveryPairResolvesAsTheTableSays) {
+    const char *names[COM_XLT_NSETS] = {"ascii8", "iso_1",  "cp850", "cp437",    "roman8",
+                                        "mac",    "eucjis", "sjis",  "deckanji", "caseswap"};
+    const ComXlateFunc to_utf8[COM_XLT_NSETS] = {
+        com__fou_ascii8_tofrom_1byte, com__fou_iso1_to_utf8,   com__fou_cp850_to_utf8,
+        com__fou_cp437_to_utf8,       com__fou_roman8_to_utf8, com__fou_mac_to_utf8,
+        com__fou_eucjis_to_utf8,      com__fou_sjis_to_utf8,   com__fou_deckanji_to_utf8};
+    const ComXlateFunc from_utf8[COM_XLT_NSETS] = {
+        com__fou_utf8_to_ascii8, com__fou_utf8_to_iso1,   com__fou_utf8_to_cp850,
+        com__fou_utf8_to_cp437,  com__fou_utf8_to_roman8, com__fou_utf8_to_mac,
+        com__fou_utf8_to_eucjis, com__fou_utf8_to_sjis,   com__fou_utf8_to_deckanji};
+    auto check = [&](const char *from, const char *to, int32_t want, ComXlateFunc func) {
+        SCOPED_TRACE(std::string(from) + " -> " + to);
+        EXPECT_EQ(mode(from, to), want);
+        DataFormat s = fmt(from, CS_CHAR, 1), d = fmt(to, CS_CHAR, 1);
+        EXPECT_EQ(com__intl_get_xlate(&ctx, &s, &d), func);
     };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(std::string(c.from) + " -> " + c.to);
-        EXPECT_EQ(mode(c.from, c.to), c.mode);
-        DataFormat s = fmt(c.from, CS_CHAR, 1), d = fmt(c.to, CS_CHAR, 1);
-        EXPECT_EQ(com__intl_get_xlate(&ctx, &s, &d), c.func);
+    const int32_t NONE = COM_XLT_MODE_NONE, CONV = COM_XLT_MODE_CONVERT;
+    for (int r = 0; r < COM_XLT_NSETS; ++r) {
+        const ComXltRow &row = Com_fou_xlt_map[r];
+        EXPECT_EQ(com__intl_get_csid(&records[names[r]]), row.src_id);
+        for (int c = 0; c < COM_XLT_NSETS; ++c)
+            check(names[r], names[c], row.cells[c].mode, row.cells[c].func);
+        check("utf8", names[r], from_utf8[r] ? CONV : NONE, from_utf8[r]);
+        check(names[r], "utf8", r == 0 ? COM_XLT_MODE_ASCII : to_utf8[r] ? CONV : NONE, to_utf8[r]);
+        check("other", names[r], NONE, nullptr); // no row
+        check(names[r], "other", NONE, nullptr); // no cell
     }
+    check("utf8", "utf8", COM_XLT_MODE_COPY, nullptr);
+    check("other", "other", COM_XLT_MODE_COPY, nullptr); // same handle
+    EXPECT_EQ(com__intl_get_csid(nullptr), COM_XLT_ISO1);
 }
 
 TEST_F(XlateLocales, FormatsWithoutLocaleTakeTheContextDefault) {
@@ -174,33 +172,41 @@ TEST_F(XlateLocales, DriverTranslatesThroughTheLocales) {
     }
 }
 
-// utf8's row and column of the dispatch, and the converter each cell names: "é" goes out to
-// every set as iconv encodes it and comes back, or becomes "?" where the set has no é.
-TEST_F(XlateLocales, Utf8ReachesEverySet) {
-    struct Cell {
-        const char *set, *iconv; // null: the set has no é
-        int32_t to_mode, from_mode;
-    } cells[] = {
-        {"ascii8", nullptr, 3, 2},   {"iso_1", "ISO-8859-1", 3, 3}, {"cp850", "CP850", 3, 3},
-        {"cp437", "CP437", 3, 3},    {"roman8", "HP-ROMAN8", 3, 3}, {"mac", "MACINTOSH", 3, 3},
-        {"eucjis", "EUC-JP", 3, 3},  {"sjis", nullptr, 3, 3},       {"deckanji", nullptr, 3, 3},
-        {"caseswap", nullptr, 0, 0},
-    };
-    for (const Cell &c : cells) {
-        SCOPED_TRACE(c.set);
-        EXPECT_EQ(mode("utf8", c.set), c.to_mode);
-        EXPECT_EQ(mode(c.set, "utf8"), c.from_mode);
-        if (c.to_mode == 0) continue;
-        const std::string e = "\xc3\xa9", want = c.iconv ? encode(e, c.iconv) : "?";
-        DataFormat u = fmt("utf8", CS_CHAR, 2), o = fmt(c.set, CS_CHAR, 8);
-        char out[8], back[8];
-        int32_t len = -1, back_len = -1, state[2];
-        com_intl_xlate(&ctx, &u, const_cast<char *>(e.data()), &o, out, &len, state);
-        EXPECT_EQ(std::string(out, static_cast<size_t>(len)), want);
-        o.maxlength = len;
-        u.maxlength = sizeof back;
-        com_intl_xlate(&ctx, &o, out, &u, back, &back_len, state);
-        EXPECT_EQ(std::string(back, static_cast<size_t>(back_len)), c.iconv ? e : "?");
+// The plain copy of a CS_VARCHAR starts at the record's length word (and leaves a record
+// copied onto itself alone); a damaged length word is kept within the record.
+struct VarChar {
+    int16_t len;
+    char text[256];
+};
+static_assert(sizeof(VarChar) == 258);
+
+TEST(XlateDriver, VarCharCopyAndDamagedLengths) {
+    VarChar in{5, "hello"}, out{};
+    int32_t len = 0, state[2] = {};
+    DataFormat s{}, d{};
+    s.datatype = d.datatype = CS_VARCHAR;
+    s.maxlength = d.maxlength = 258;
+    EXPECT_EQ(comn::xlate_run(COM_XLT_MODE_COPY, nullptr, &s, &in, &d, &out, &len, state),
+              CS_SUCCEED);
+    EXPECT_EQ(len, 5);
+    EXPECT_EQ(out.len, 5);
+    // The five bytes copied are the source's length word and its first three characters.
+    EXPECT_EQ(std::memcmp(out.text, &in, 5), 0);
+    EXPECT_EQ(comn::xlate_run(COM_XLT_MODE_COPY, nullptr, &s, &in, &d, &in, &len, state),
+              CS_SUCCEED);
+    EXPECT_EQ(std::string(in.text, 5), "hello");
+    EXPECT_EQ(in.len, 5);
+
+    // A length word beyond the record reads 256 bytes; a negative one reads none.
+    char text[300] = {};
+    d.datatype = CS_CHAR;
+    d.maxlength = sizeof text;
+    for (const auto &[word, want] : {std::pair<int16_t, int32_t>{3000, 256}, {-5, 0}}) {
+        in.len = word;
+        EXPECT_EQ(comn::xlate_run(COM_XLT_MODE_CONVERT, com__fou_iso1_to_cp850, &s, &in, &d, text,
+                                  &len, state),
+                  CS_SUCCEED);
+        EXPECT_EQ(len, want);
     }
 }
 

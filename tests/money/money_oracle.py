@@ -5,8 +5,8 @@ Feeds fixed-seed random cases to the oracle driver (one operation per line) and 
 every answer with the result computed here from integers, fractions and decimal with
 ROUND_HALF_UP (half away from zero): add, subtract, multiply, divide, negate, increment,
 decrement and compare on 8-byte and 4-byte money (every layer of each, which must agree),
-printing with 1 to 4 places with and without separators, parsing of generated texts, money
-to double and double to money, money to integer.
+printing with 1 to 4 places with and without separators into buffers that fit or not,
+parsing of generated texts, money to double and double to money, money to integer.
 
 usage: money_oracle.py DRIVER
 """
@@ -152,9 +152,11 @@ def main():
 
     for _ in range(20000):
         v = rand_money()
-        flags = (rng.randrange(6) << 8) | rng.choice([0, 1, 1, 2])
-        lines.append(f"print {v} {flags}")
-        checks.append(("exact", expect_print(v, flags)))
+        flags = (rng.randrange(-1, 6) << 8) | rng.choice([0, 1, 1, 2])
+        text = expect_print(v, flags)
+        size = rng.choice([40, len(text), len(text) - 1, rng.randrange(len(text))])
+        lines.append(f"print {v} {flags} {size}")
+        checks.append(("exact", text if len(text) <= size else "<null>"))
 
     for _ in range(20000):
         v = rand_money()

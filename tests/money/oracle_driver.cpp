@@ -6,7 +6,7 @@
 //                   not the mapped internal code, the old form's not the internal one, or
 //                   their results differ. The destination starts as 77.
 //   cmp|cmp4 A B  -> the comparison (-1, 0, 1) of both forms, or "layers disagree"
-//   print V FLAGS -> the text, or <null>
+//   print V FLAGS LEN -> the text in a buffer of LEN bytes, or <null>
 //   parse HEX     -> "code result"   (HEX: the text's bytes in hexadecimal)
 //   todbl V       -> the double in %a form
 //   fromdbl HEXFLOAT -> "rc result"
@@ -17,6 +17,7 @@
 #include <cstring>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "comnlib/money.h"
 #include "money/money_internal.h"
@@ -121,10 +122,10 @@ int main() {
     const auto ops8 = operations<MoneyValue>();
     const auto ops4 = operations<Money4Value>();
     char line[8192];
-    char op[16], a[4096], b[64];
+    char op[16], a[4096], b[64], c[64];
     while (std::fgets(line, sizeof line, stdin)) {
-        a[0] = b[0] = 0;
-        if (std::sscanf(line, "%15s %4095s %63s", op, a, b) < 1) continue;
+        a[0] = b[0] = c[0] = 0;
+        if (std::sscanf(line, "%15s %4095s %63s %63s", op, a, b, c) < 1) continue;
         const std::string o = op;
         if (run(ops8, o, arg(a), arg(b)) || run(ops4, o, arg(a), arg(b))) {
         } else if (o == "cmp") {
@@ -133,12 +134,13 @@ int main() {
             compare<Money4Value>(comn_mny4cmp, com_mny4cmp, arg(a), arg(b));
         } else if (o == "print") {
             const MoneyValue x = comn::mny_make(arg(a));
-            char buf[40];
-            const char *p = com__mnytochar(&x, buf, sizeof buf, static_cast<int32_t>(arg(b)));
+            const int32_t len = static_cast<int32_t>(arg(c));
+            std::vector<char> buf(static_cast<size_t>(len)); // exactly sized for the sanitizer
+            const char *p = com__mnytochar(&x, buf.data(), len, static_cast<int32_t>(arg(b)));
             if (p == nullptr)
                 std::printf("<null>\n");
             else
-                std::printf("%.*s\n", static_cast<int>(buf + sizeof buf - p), p);
+                std::printf("%.*s\n", static_cast<int>(buf.data() + len - p), p);
         } else if (o == "parse") {
             std::string text;
             for (size_t i = 0; a[i] && a[i + 1]; i += 2)

@@ -1,10 +1,9 @@
 // Money text beyond the well-formed values money_oracle.py prints and parses: the printer's
-// refusal on short buffers and its wrappers, the parser's grammar errors and corners, reading
+// wrappers, the parser's grammar errors and corners, reading
 // through a multibyte attribute record, and bounded reads of long or stray input.
 #include <cstring>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -21,27 +20,8 @@ std::string text(const char *p, const char *end) {
     return p ? std::string(p, static_cast<size_t>(end - p)) : "<null>";
 }
 
-TEST(MoneyPrint, ShortBuffersNegativeFlagsAndWrappers) {
-    struct {
-        int64_t v;
-        int32_t flags, len;
-        const char *text;
-    } const cases[] = {
-        {120000, 0, 3, "<null>"},
-        {120000, 0, 5, "12.00"},
-        {-120000, 0, 5, "<null>"},
-        {0, 0, 0, "<null>"},
-        {1234560, 0x0001, 6, "123.46"},  // exactly filled by a full group: no comma needed
-        {12345600, 0x0001, 7, "<null>"}, // digits remain after a comma with no room
-        {12345600, 0x0001, 8, "1,234.56"},
-        {12355, -1, 40, "1.24"}, // a negative word asks for no places: 2
-    };
-    for (const auto &c : cases) {
-        std::vector<char> buf(static_cast<size_t>(c.len));
-        const MoneyValue m = mny_make(c.v);
-        const char *end = buf.data() + c.len;
-        EXPECT_EQ(text(com__mnytochar(&m, buf.data(), c.len, c.flags), end), c.text) << c.v;
-    }
+// Short buffers and the places word are compared with Python by money_oracle.py.
+TEST(MoneyPrint, Wrappers) {
     const MoneyValue m = mny_make(12345678912);
     char buf[32];
     char *const end = buf + sizeof buf;
