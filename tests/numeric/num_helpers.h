@@ -51,6 +51,21 @@ inline i128 pow10(int k) {
     return v;
 }
 
+// A client value holding units at (precision, scale), and the units a client value holds.
+inline NumericValue numeric_of(i128 units, int precision, int scale) {
+    Num n(units, precision, scale);
+    NumericValue v{};
+    v.precision = static_cast<uint8_t>(precision);
+    v.scale = static_cast<uint8_t>(scale);
+    std::memcpy(v.array, n.buf, static_cast<size_t>(n->length));
+    return v;
+}
+inline i128 units_of(const NumericValue &v) {
+    Num n(0, v.precision, v.scale);
+    std::memcpy(n.buf, v.array, static_cast<size_t>(n->length));
+    return n.units();
+}
+
 // num / den rounded half away from zero.
 inline i128 div_round(i128 num, i128 den) {
     const bool neg = (num < 0) != (den < 0);
