@@ -1,6 +1,6 @@
 // Test support for the asynchronous manager: a callback table whose mutexes and events are
 // plain counters (so a single thread can check lock balance and signals, and make a lock
-// fail on demand), an access-lock routine that logs, and a scripted state function.
+// fail on demand), and an access-lock routine that fails on demand.
 #pragma once
 
 #include <comnlib/async.h>
@@ -33,7 +33,6 @@ struct Fakes {
     int signals = 0;                          // over all events
     std::function<void(FakeMutex *)> on_lock; // runs inside a take
     std::function<void(FakeEvent *)> on_wait; // runs inside a wait
-    std::vector<std::string> access_log;
     bool fail_access = false;
 };
 inline Fakes fakes;
@@ -92,29 +91,9 @@ inline const ComThreadCallbacks fake_callbacks = {create_mutex,  delete_mutex, t
                                                   release_mutex, create_event, delete_event,
                                                   signal_event,  wait_event};
 
-inline int32_t logging_access(ComAsyncManager *m, int32_t action) {
-    if (fakes.fail_access) return 0;
-    fakes.access_log.push_back((action == COM_ASYNC_ENTER ? "enter " : "leave ") +
-                               std::to_string(reinterpret_cast<uintptr_t>(m) % 100000));
-    return CS_SUCCEED;
-}
-inline std::string tag(ComAsyncManager *m) {
-    return std::to_string(reinterpret_cast<uintptr_t>(m) % 100000);
-}
-
-// A scripted operation: each state function appends its name and the status it received,
-// then returns what the script says (or status + 1 by default).
-struct Script {
-    std::vector<std::string> trace;
-    std::function<int32_t(ComAsyncHandle *, const char *, int32_t)> step;
-};
-
-template <char Name>
-int32_t traced(ComAsyncHandle *h, void *u1, void *, int32_t status) {
-    auto *s = static_cast<Script *>(u1);
-    s->trace.push_back(std::string(1, Name) + ":" + std::to_string(status));
-    const char name[2] = {Name, 0};
-    return s->step ? s->step(h, name, status) : status + 1;
+// The access lock of a manager: fails (0) on demand.
+inline int32_t failing_access(ComAsyncManager *, int32_t) {
+    return fakes.fail_access ? 0 : CS_SUCCEED;
 }
 
 inline int32_t state_of(ComAsyncHandle *h) {

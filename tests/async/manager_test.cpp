@@ -110,60 +110,56 @@ TEST_F(Managers, HooksStartChooserAndAccessTest) {
     EXPECT_EQ(com_async_shut(a, 1), CS_SUCCEED);
 }
 
-TEST_F(Managers, AssocAndExitMoveHandlesUnderBothAccessLocks) {
-    ComAsyncManager *home = nullptr, *away = nullptr;
-    ASSERT_EQ(com_async_init(&home, nullptr, logging_access, 0, &fake_callbacks), CS_SUCCEED);
-    ASSERT_EQ(com_async_init(&away, nullptr, logging_access, 0, &fake_callbacks), CS_SUCCEED);
-    ComAsyncHandle *h = nullptr, *stay = nullptr;
-    ASSERT_EQ(com_async_alloc(home, &h, 1), CS_SUCCEED);
-    ASSERT_EQ(com_async_alloc(away, &stay, 1), CS_SUCCEED);
-    com_async_push(h, done_now);
-    com_async_start(h);
-    fakes.access_log.clear();
-    ASSERT_EQ(com_async_assoc(h, away), CS_SUCCEED);
-    EXPECT_EQ(fakes.access_log,
-              (std::vector<std::string>{"enter " + tag(home), "enter " + tag(away),
-                                        "leave " + tag(home), "leave " + tag(away)}));
-    com_async_restart(h, CS_SUCCEED);
-    EXPECT_EQ(com_async_poll(home, nullptr, 0, 0, nullptr), CS_QUIET);
-    ComAsyncHandle *found = nullptr;
-    EXPECT_EQ(com_async_poll(away, nullptr, 0, 0, &found), CS_SUCCEED);
-    EXPECT_EQ(found, h);
-
-    // Exit sends h home and frees the handle that was born in the manager.
-    ASSERT_EQ(com_async_exit(away), CS_SUCCEED);
-    EXPECT_EQ(com_async_get_hndl_by_func(home, 0, nullptr, &found, 7), 1);
-    EXPECT_EQ(found, h);
-    EXPECT_EQ(com_async_shut(home, 0), CS_SUCCEED);
+int32_t wait_calls = 0;
+std::vector<int32_t> wait_answers;
+ComAsyncHandle *post_on_wait = nullptr;
+int32_t scripted_wait(ComAsyncManager *, ComAsyncHandle *, int32_t timeout) {
+    EXPECT_GT(timeout, -1);
+    int32_t r = wait_answers.at(wait_calls++);
+    if (r == CS_SUCCEED && post_on_wait) com_async_iopost(post_on_wait, 3);
+    return r;
 }
 
-TEST_F(Managers, FindCompletionByCodeAndUserValue) {
-    ComAsyncManager *m = nullptr;
-    ASSERT_EQ(com_async_init(&m, nullptr, nullptr, 0, nullptr), CS_SUCCEED);
-    ComAsyncHandle *hs[3];
-    int users[3];
-    const int32_t codes[3] = {7, 8, 8};
-    for (int i = 0; i < 3; ++i) {
-        ASSERT_EQ(com_async_alloc(m, &hs[i], 1), CS_SUCCEED);
-        void *u = &users[i == 2 ? 1 : i];
-        com_async_props(hs[i], COM_ASYNC_SET, COM_ASYNC_PROP_USER1, &u);
-        com_async_start(hs[i]);
-        com_async_complete(hs[i], codes[i], CS_SUCCEED, COM_ASYNC_COMP_KEEP);
+TEST_F(Managers, TimeoutsAndTheWaitRoutine) {
+    ComAsyncManager *m = nullptr, *w = nullptr;
+    ComAsyncHandle *h = nullptr;
+    ASSERT_EQ(com_async_init(&m, nullptr, nullptr, 0, &fake_callbacks), CS_SUCCEED);
+    ASSERT_EQ(com_async_alloc(m, &h, 2), CS_SUCCEED);
+    com_async_push(h, done_now);
+    com_async_push(h,
+                   [](ComAsyncHandle *, void *, void *, int32_t) -> int32_t { return CS_PENDING; });
+    com_async_start(h);
+    com__async_runstack(h);
+    // No wait routine: a pending poll times out whatever the timeout.
+    EXPECT_EQ(com_async_poll(m, nullptr, 100, 0, nullptr), CS_TIMED_OUT);
+
+    ASSERT_EQ(com_async_init(&w, scripted_wait, nullptr, 0, &fake_callbacks), CS_SUCCEED);
+    ASSERT_EQ(com_async_assoc(h, w), CS_SUCCEED);
+    struct Case {
+        int32_t timeout;
+        uint32_t flags;
+        std::vector<int32_t> answers;
+        int32_t result;
+        int waits;
+    };
+    const Case cases[] = {
+        {0, 0, {}, CS_TIMED_OUT, 0},                               // zero timeout never waits
+        {0, COM_ASYNC_F_POLLRUN, {CS_TIMED_OUT}, CS_TIMED_OUT, 1}, // unless a poll-run handle
+        {50, 0, {CS_INTERRUPT, CS_INTERRUPT, CS_QUIET}, CS_QUIET, 3},
+        {50, 0, {CS_INTERRUPT, CS_SUCCEED}, CS_SUCCEED, 2}, // the wait delivers the post
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.result);
+        wait_calls = 0;
+        wait_answers = c.answers;
+        post_on_wait = c.result == CS_SUCCEED ? h : nullptr;
+        uint32_t f = c.flags;
+        com_async_props(h, COM_ASYNC_SET, COM_ASYNC_PROP_FLAGS, &f);
+        EXPECT_EQ(com_async_poll(w, nullptr, c.timeout, 0, nullptr), c.result);
+        EXPECT_EQ(wait_calls, c.waits);
     }
-    ComAsyncHandle *ref = hs[1], *found = nullptr;
-    EXPECT_EQ(com_async_get_hndl_by_func(m, 0, nullptr, &found, 9), 0);
-    EXPECT_EQ(found, nullptr);
-    EXPECT_EQ(com_async_get_hndl_by_func(m, 0, nullptr, &found, 7), 1);
-    EXPECT_EQ(found, hs[0]);
-    // Both remaining code-8 handles share user value 1; take them one by one.
-    for (int round = 0; round < 2; ++round) {
-        EXPECT_EQ(com_async_get_hndl_by_func(m, COM_ASYNC_MATCH_USER1 | COM_ASYNC_MATCH_TAKE, ref,
-                                             &found, 8),
-                  1);
-        EXPECT_EQ(state_of(found), COM_ASYNC_IDLE);
-    }
-    EXPECT_EQ(com_async_get_hndl_by_func(m, COM_ASYNC_MATCH_USER1, ref, &found, 8), 0);
-    EXPECT_EQ(com_async_get_hndl_by_func(m, COM_ASYNC_MATCH_USER1, hs[0], &found, 7), 1);
+    EXPECT_EQ(com_async_exit(w), CS_SUCCEED);
+    EXPECT_EQ(state_of(h), COM_ASYNC_DONE) << "the handle went home with exit";
     EXPECT_EQ(com_async_shut(m, 0), CS_SUCCEED);
 }
 
@@ -231,9 +227,25 @@ TEST_F(Managers, RestartSeenWhileReleasingRunsUnderTheMutex) {
     EXPECT_EQ(com_async_shut(m, 0), CS_SUCCEED);
 }
 
+// A manager poll from inside a run finds the handle ready but busy, and times out.
+TEST_F(Managers, PollDuringARunFindsTheHandleBusy) {
+    static ComAsyncManager *m = nullptr;
+    ASSERT_EQ(com_async_init(&m, nullptr, nullptr, 0, nullptr), CS_SUCCEED);
+    ComAsyncHandle *h = nullptr;
+    ASSERT_EQ(com_async_alloc(m, &h, 1), CS_SUCCEED);
+    com_async_push(h, [](ComAsyncHandle *hh, void *, void *, int32_t) -> int32_t {
+        com_async_restart(hh, CS_SUCCEED);
+        EXPECT_EQ(com_async_poll(m, nullptr, 0, 0, nullptr), CS_TIMED_OUT);
+        return CS_PENDING;
+    });
+    com_async_start(h);
+    EXPECT_EQ(com__async_runstack(h), CS_SUCCEED);
+    EXPECT_EQ(com_async_shut(m, 1), CS_SUCCEED);
+}
+
 TEST_F(Managers, FailingLocksAreReportedAndLeaveStateAlone) {
     ComAsyncManager *m = nullptr;
-    ASSERT_EQ(com_async_init(&m, nullptr, logging_access, 0, &fake_callbacks), CS_SUCCEED);
+    ASSERT_EQ(com_async_init(&m, nullptr, failing_access, 0, &fake_callbacks), CS_SUCCEED);
     ComAsyncHandle *h = nullptr;
     ASSERT_EQ(com_async_alloc(m, &h, 1), CS_SUCCEED);
     com_async_push(h, done_now);
@@ -324,13 +336,7 @@ TEST_F(Managers, StackDepthAndProperties) {
     com_async_state(h, nullptr, &stacked);
     EXPECT_EQ(stacked, 32);
 
-    uint32_t f = COM_ASYNC_F_INLINE;
     int32_t got = 0;
-    com_async_props(h, COM_ASYNC_SET, COM_ASYNC_PROP_FLAGS, &f);
-    f = COM_ASYNC_F_POLLRUN;
-    com_async_props(h, COM_ASYNC_SET, COM_ASYNC_PROP_FLAGS, &f);
-    com_async_props(h, COM_ASYNC_GET, COM_ASYNC_PROP_FLAGS, &got);
-    EXPECT_EQ(got, COM_ASYNC_F_INLINE | COM_ASYNC_F_POLLRUN) << "a set ORs the bits in";
     void *u = &got, *back = nullptr;
     EXPECT_EQ(com_async_props(h, COM_ASYNC_SET, COM_ASYNC_PROP_USER2, &u), CS_SUCCEED);
     EXPECT_EQ(com_async_props(h, COM_ASYNC_GET, COM_ASYNC_PROP_USER2, &back), CS_SUCCEED);

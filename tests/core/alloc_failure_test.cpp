@@ -5,34 +5,14 @@
 // must have run once for every allocation that successful run made.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <functional>
 #include <string>
 
 #include "comnlib.h"
 #include "core/alloc.h"
+#include "intl/intl_test_util.h"
 
 namespace {
-
-// Sets an environment variable for the lifetime of the object, then restores it.
-class ScopedEnv {
-  public:
-    ScopedEnv(const char *name, const char *value) : name_(name) {
-        if (const char *old = std::getenv(name)) old_ = old, had_ = true;
-        setenv(name, value, 1);
-    }
-    ~ScopedEnv() {
-        if (had_)
-            setenv(name_, old_.c_str(), 1);
-        else
-            unsetenv(name_);
-    }
-
-  private:
-    const char *name_;
-    std::string old_;
-    bool had_ = false;
-};
 
 struct Scenario {
     const char *name;
@@ -120,7 +100,8 @@ Scenario locale_load(const char *name, const char *preload) {
 
 TEST(AllocationFailure, ContextStartUp) {
     for (const char *locale : {"fr_FR", "default"}) {
-        ScopedEnv env("LC_ALL", locale);
+        EnvGuard env("LC_ALL");
+        env.set(locale);
         const char *language = std::string(locale) == "fr_FR" ? "french" : "us_english";
         run({locale, nullptr, comn_ctx_setup,
              [language](ComContext *ctx) { expect_started(ctx, language); }});
@@ -135,7 +116,8 @@ TEST(AllocationFailure, LocaleLoad) {
 }
 
 TEST(AllocationFailure, MessageLoad) {
-    ScopedEnv env("LC_ALL", "fr_FR");
+    EnvGuard env("LC_ALL");
+    env.set("fr_FR");
     run({"cslib.loc",
          [](ComContext *ctx) {
              ASSERT_EQ(comn_ctx_setup(ctx), CS_SUCCEED);

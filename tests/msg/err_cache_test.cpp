@@ -94,27 +94,6 @@ TEST(ErrCache, PreloadsAndOnDemandLoads) {
     expect_consistent(h);
 }
 
-TEST(ErrCache, HundredEntriesThenTheFirstLoadedIsEvictedAndReloaded) {
-    MsgHome h;
-    h.write(numbered_section("fallback", 1, 1) + numbered_section("msgs", 1, 101));
-    ComErrKey pre[100];
-    for (int i = 0; i < 100; ++i)
-        pre[i] = {7, i + 1};
-    ASSERT_EQ(com_err_init(&h.ctx, &h.ec, kSections, 2, pre, 100), CS_SUCCEED);
-    EXPECT_EQ(h.count(), 100);
-    EXPECT_EQ(msg(h, 7, 50), "text 50"); // a lookup does not reorder
-    EXPECT_EQ(msg(h, 7, 101), "text 101");
-    EXPECT_EQ(h.count(), 100);
-    EXPECT_EQ(h.cached(7, 1), nullptr);
-    EXPECT_NE(h.cached(7, 2), nullptr);
-    // Asking for message 1 again reads the file: change the file to see it.
-    h.write(numbered_section("fallback", 1, 1) + numbered_section("msgs", 1, 101, "new"));
-    EXPECT_EQ(msg(h, 7, 1), "new 1");
-    EXPECT_EQ(h.cached(7, 2), nullptr); // the next oldest made room
-    EXPECT_EQ(msg(h, 7, 3), "text 3");
-    expect_consistent(h);
-}
-
 TEST(ErrCache, EscapesAreResolvedInPlace) {
     struct Case {
         const char *in, *out;
@@ -195,21 +174,6 @@ TEST(ErrCache, EveryAllocationFailingInTurnDuringInit) {
         EXPECT_EQ(msg(h, 7, 6), "text 6");
     }
     EXPECT_GT(total, 10);
-}
-
-TEST(ErrCache, FailingAllocationDuringOnDemandLoadKeepsTheCache) {
-    MsgHome h;
-    h.write(numbered_section("fallback", 1, 1) + numbered_section("msgs", 1, 3));
-    const ComErrKey pre[] = {{7, 1}};
-    ASSERT_EQ(com_err_init(&h.ctx, &h.ec, kSections, 2, pre, 1), CS_SUCCEED);
-    for (long n = 0; n < 2; ++n) {
-        FailingAlloc fail(n);
-        ComErrEntry *e;
-        EXPECT_EQ(com__err_getcache(&h.ctx, &h.ec, 2, 7, &e), CS_MEM_ERROR);
-    }
-    EXPECT_EQ(h.count(), 1);
-    EXPECT_EQ(msg(h, 7, 2), "text 2");
-    expect_consistent(h);
 }
 
 } // namespace

@@ -1,6 +1,5 @@
-// Client operations on NumericValue and the numeric-to-numeric conversion where
-// decimal_oracle.py does not reach: operands and formats outside the domain,
-// raw magnitudes beyond their precision, and the source-value marker.
+// Client operations and text reads where decimal_oracle.py does not reach: raw magnitudes
+// beyond their precision, and texts with more digits than the value keeps.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -9,25 +8,13 @@
 
 using namespace numtest;
 
-namespace {
-
-using Op = int32_t (*)(NumericValue *, NumericValue *, NumericValue *);
-
-} // namespace
-
-TEST(NumericClient, OperandsOutsideTheDomain) {
-    NumericValue good = value_of("1", 5, 0), bad = good, r{};
-    r.precision = 99;
-    for (auto [p, s] : {std::pair{0, 0}, std::pair{78, 0}, std::pair{5, 78}}) {
-        bad.precision = static_cast<uint8_t>(p);
-        bad.scale = static_cast<uint8_t>(s);
-        for (Op op : {comn_numadd, comn_numsub, comn_nummul, comn_numdivide}) {
-            EXPECT_EQ(op(&good, &bad, &r), CS_CONV_DOMAIN);
-            EXPECT_EQ(op(&bad, &good, &r), CS_CONV_DOMAIN);
-        }
-        EXPECT_EQ(comn_numcmp(&good, &bad), CS_CONV_DOMAIN);
-    }
-    EXPECT_EQ(r.precision, 99); // nothing written
+// Digits past those kept (the scale's and one more) are dropped in mode 1, the first of them
+// rounding what was kept before the value is brought to its scale: 1.0045 reads as 1.005
+// and becomes 1.01. Far more digits than a value holds are dropped the same way.
+TEST(NumericParse, DroppedDigitsRoundWhatWasKept) {
+    EXPECT_EQ(text_of(value_of("1.0045", 9, 2)), "1.01");
+    EXPECT_EQ(text_of(value_of("1.0044", 9, 2)), "1.00");
+    EXPECT_EQ(text_of(value_of(("0." + std::string(2000, '7')).c_str(), 77, 10)), "0.7777777778");
 }
 
 // An operand whose magnitude exceeds its precision is taken as it stands while no other
@@ -74,37 +61,4 @@ TEST(NumericClient, SumsOfRawMagnitudes) {
         a.array[i] = 0xff;
     EXPECT_EQ(comn_numadd(&a, &a, &r), CS_SUCCEED);
     EXPECT_EQ(text_of(r), "680564733841876926926749214863536422910"); // 2 * (2^128 - 1)
-}
-
-TEST(NumericClient, NumericToNumericFormats) {
-    struct Case {
-        int dp, ds;
-        int rc;
-        const char *value;
-    } cases[] = {
-        {CS_SRC_VALUE, CS_SRC_VALUE, CS_SUCCEED, "42.5"},
-        {0, 0, CS_CONV_PRECISION, nullptr},
-        {78, 0, CS_CONV_PRECISION, nullptr},
-        {5, 78, CS_CONV_SCALE, nullptr},
-        {5, -1, CS_CONV_SCALE, nullptr},
-    };
-    for (const auto &c : cases) {
-        NumericValue src = value_of("42.5", 5, 1), dst{};
-        DataFormat sf{}, df{};
-        sf.datatype = df.datatype = CS_NUMERIC;
-        df.precision = c.dp;
-        df.scale = c.ds;
-        int32_t len = 0;
-        EXPECT_EQ(comn_numtonum(nullptr, &sf, &src, &df, &dst, &len), c.rc) << c.dp << "," << c.ds;
-        EXPECT_EQ(len, 35);
-        if (c.value) {
-            EXPECT_EQ(text_of(dst), c.value);
-        }
-    }
-    NumericValue bad{};
-    DataFormat sf{}, df{};
-    df.precision = df.scale = 5;
-    int32_t len = -7;
-    EXPECT_EQ(comn_numtonum(nullptr, &sf, &bad, &df, &bad, &len), CS_CONV_DOMAIN);
-    EXPECT_EQ(len, -7);
 }

@@ -4,7 +4,8 @@
 Random values at precisions 1, 9, 18, 19, 38, 39 and 77 with mixed scales (fixed seed) are
 sent to the driver named on the command line; every answer is checked against decimal
 arithmetic rounded half away from zero (ROUND_HALF_UP on magnitudes) with enough precision
-to be exact. Covers parse -> print, add, subtract, multiply, divide, compare and rescale.
+to be exact. Covers parse -> print (exponents included), add, subtract, multiply, divide,
+compare and rescale.
 """
 import random
 import subprocess
@@ -142,6 +143,23 @@ def parse_from_text_case():
     cases.append(("P 1 255 255 %s" % text, check, "parse from text %r" % text))
 
 
+def parse_exponent_case():
+    """Precision from the text, with an exponent beyond the fraction: the value becomes whole
+    (scale 0) and must fit as many digits as the mantissa has."""
+    total = rng.randint(1, 30)
+    fdig = rng.randint(0, total - 1)
+    digits = "".join(rng.choice("0123456789") for _ in range(total))
+    exp = fdig + rng.randint(1, 4)
+    text = digits[: total - fdig] + ("." + digits[total - fdig :] if fdig else "") + "e%d" % exp
+    units = int(digits) * 10 ** (exp - fdig)
+    want = "0 %d 0 %d" % (total, units) if fits(units, total) else None
+
+    def check(answer, want=want):
+        return answer == want if want else answer.split()[0] == "1"
+
+    cases.append(("P 1 255 255 %s" % text, check, "parse with exponent %r" % text))
+
+
 def arith_case():
     op = rng.choice(["add", "sub", "mul", "div", "cmp"])
     pa, pb = rng.choice(PRECS), rng.choice(PRECS)
@@ -225,6 +243,8 @@ def main():
         parse_given_case()
     for _ in range(3000):
         parse_from_text_case()
+    for _ in range(500):
+        parse_exponent_case()
     for _ in range(20000):
         arith_case()
     for _ in range(6000):
