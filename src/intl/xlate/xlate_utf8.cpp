@@ -73,16 +73,27 @@ inline Ucs utf8_read(const uint8_t *p, int32_t left) {
 // A character is usually of two or three bytes: read here from a little-endian word of the
 // next four bytes with one mask test for the lead and continuation bits, and the code point's
 // range for overlong forms and surrogates. 0 for anything else, which utf8_read sorts out.
+// The fast loop lets surrogates through (Lax) to a lookup in a writer's table, which has no
+// character for them, so it sees no counterpart and leaves the bytes to utf8_read; and it tests
+// first for the length (First) that the text of the destination set mostly has.
+template <bool Lax = false, int First = 2>
 constexpr int utf8_usual(uint32_t u, uint32_t &cp) {
-    if ((u & 0xC0E0) == 0x80C0) {
+    auto two = [&] {
         cp = (u & 0x1F) << 6 | (u >> 8 & 0x3F);
-        return cp >= 0x80 ? 2 : 0;
-    }
-    if ((u & 0xC0C0F0) == 0x8080E0) {
+        return (u & 0xC0E0) == 0x80C0 && cp >= 0x80 ? 2 : 0;
+    };
+    auto three = [&] {
         cp = (u & 0x0F) << 12 | (u >> 2 & 0xFC0) | (u >> 16 & 0x3F);
-        return cp >= 0x800 && (cp & 0xF800) != 0xD800 ? 3 : 0;
+        return (u & 0xC0C0F0) == 0x8080E0 && cp >= 0x800 && (Lax || (cp & 0xF800) != 0xD800) ? 3
+                                                                                             : 0;
+    };
+    if constexpr (First == 3) {
+        if (const int len = three(); len != 0) return len;
+        return two();
+    } else {
+        if (const int len = two(); len != 0) return len;
+        return three();
     }
-    return 0;
 }
 
 // The UTF-8 bytes of a code point (at most 10FFFF, no surrogate) into out; their count.
@@ -268,9 +279,22 @@ constexpr auto Jis0208_packed = [] {
     return t;
 }();
 
-inline uint32_t packed0208(unsigned c1, unsigned c2) { // c1, c2 in A1-FE
-    return Jis0208_packed[static_cast<size_t>(jis_index(c1, c2))];
-}
+// A byte's part of a JIS X 0208 index as the first and as the second byte of an eucjis pair:
+// for A1-FE its row times 94 and its cell, for any other byte a value that takes the sum of
+// the two beyond the grid. So a pair is checked and indexed with one comparison.
+constexpr uint32_t k_off_grid = 0x8000;
+constexpr auto Euc_rows = [] {
+    std::array<uint16_t, 256> t{};
+    for (unsigned b = 0; b < 256; ++b)
+        t[b] = static_cast<uint16_t>(jis::euc_byte(b) ? (b - 0xA1) * 94 : k_off_grid);
+    return t;
+}();
+constexpr auto Euc_cells = [] {
+    std::array<uint16_t, 256> t{};
+    for (unsigned b = 0; b < 256; ++b)
+        t[b] = static_cast<uint16_t>(jis::euc_byte(b) ? b - 0xA1 : k_off_grid);
+    return t;
+}();
 
 // The code of a code point from 80 in the inverse above.
 inline unsigned jis_code(uint32_t cp) {
@@ -282,7 +306,8 @@ struct Euc {
     // A pair gives three bytes of utf8; a two-byte utf8 character may give a JIS X 0212 triple.
     static constexpr int to_utf8_x2 = 3, from_utf8_x2 = 3;
     static uint32_t packed(const uint8_t *p) {
-        return jis::euc_byte(p[0]) && jis::euc_byte(p[1]) ? packed0208(p[0], p[1]) : 0;
+        const uint32_t at = uint32_t{Euc_rows[p[0]]} + Euc_cells[p[1]];
+        return at < Jis0208_packed.size() ? Jis0208_packed[at] : 0;
     }
     static Ucs read(const uint8_t *p, int32_t left) {
         const unsigned b0 = p[0];
@@ -361,9 +386,10 @@ constexpr auto Sjis_packed = [] {
     return t;
 }();
 
-// The Shift-JIS bytes of each BMP code point (first byte high; a half-width kana is one byte,
-// 0 none), as the inverse above gives them: one lookup per character. (The tables are built
-// by loops over the characters, not the code points, to keep compile-time work small.)
+// The Shift-JIS bytes of each BMP code point in their order, first byte low (a half-width
+// kana is one byte, 0 none), as the inverse above gives them: one lookup per character. (The
+// tables are built by loops over the characters, not the code points, to keep compile-time
+// work small.)
 constexpr auto Sjis_of = [] {
     std::array<uint16_t, 0x10000> t{};
     for (int i = 0; i < 94 * 94; ++i) { // in the order Jis_of was written, so the same cell wins
@@ -371,7 +397,7 @@ constexpr auto Sjis_of = [] {
         if (cp < 0x80) continue;
         unsigned c1 = 0xA1 + i / 94, c2 = 0xA1 + i % 94;
         jis::jis_to_sjis(c1, c2);
-        t[cp] = static_cast<uint16_t>(c1 << 8 | c2);
+        t[cp] = static_cast<uint16_t>(c2 << 8 | c1);
     }
     for (unsigned b = 0xA1; b <= 0xDF; ++b)
         t[kana_ucs(b)] = static_cast<uint16_t>(b);
@@ -395,13 +421,15 @@ struct Sjis {
     }
     static int put(uint32_t cp, uint8_t *out) {
         const unsigned v = cp <= 0xFFFF ? Sjis_of[cp] : 0;
-        if (v < 0x100) { // a half-width kana byte, or none
-            out[0] = static_cast<uint8_t>(v);
-            return v != 0;
-        }
-        out[0] = static_cast<uint8_t>(v >> 8);
-        out[1] = static_cast<uint8_t>(v);
-        return 2;
+        out[0] = static_cast<uint8_t>(v);
+        if (v > 0xFF) out[1] = static_cast<uint8_t>(v >> 8);
+        return (v != 0) + (v > 0xFF); // a pair, a half-width kana byte, or none
+    }
+    // The same storing both bytes whatever it counts (the fast loop, little-endian hosts).
+    static int put_over(uint32_t cp, uint8_t *out) { // cp in [80, FFFF]
+        const uint16_t v = Sjis_of[cp];
+        std::memcpy(out, &v, sizeof v);
+        return v > 0xFF ? 2 : v != 0;
     }
 };
 
@@ -435,32 +463,48 @@ inline int ascii_prefix(uint64_t high_bits) {
         return std::countl_zero(high_bits) >> 3;
 }
 
+// The same for a word whose first byte is ASCII, [1, 8], without a test for a word all ASCII:
+// a bit past the other bytes stands for a byte from 80 after them.
+inline int ascii_run(uint64_t high_bits) {
+    if constexpr (std::endian::native == std::endian::little)
+        return 1 + (std::countr_zero(high_bits >> 8 | uint64_t{1} << 63) >> 3);
+    else
+        return 1 + (std::countl_zero(high_bits << 8 | 1) >> 3);
+}
+
 // The fast loop of both directions, from src[i] while i < stop and o < o_lim. ASCII goes a word
 // at a time, stored whole and kept up to the first byte from 80 (so a run may end up to 7
-// bytes past stop); step(at, to) translates the character at src[at] (a byte from 80) into
-// dst[to], advances to, and gives the source bytes it took, or 0 for a character cut by the
-// end of the source, which ends the loop.
-template <class Step>
+// bytes past stop). Any other character goes first to usual(p, q, i, o), which translates
+// the usual characters from p = src + i to q = dst + o with one lookup, advancing i and o,
+// and gives false for the others; those go to step(at, to), which translates the character
+// at src[at] into dst[to], advances to, and gives the source bytes it took, or 0 for a
+// character cut by the end of the source, which ends the loop.
+template <class Usual, class Step>
 [[gnu::always_inline]] inline void blocks(const uint8_t *src, int32_t stop, uint8_t *dst,
-                                          int32_t o_lim, int32_t &at, int32_t &to, Step step) {
-    int32_t i = at, o = to; // locals: stores to dst could otherwise alias them
+                                          int32_t o_lim, int32_t &at, int32_t &to, Usual usual,
+                                          Step step) {
+    // Locals, since stores to dst could otherwise alias them, and as wide as a pointer, so
+    // that no index is widened at each character.
+    ptrdiff_t i = at, o = to;
     while (i < stop && o < o_lim) {
         if (src[i] < 0x80) {
             uint64_t w;
             std::memcpy(&w, src + i, sizeof w);
             std::memcpy(dst + o, &w, sizeof w);
-            const uint64_t high = w & 0x8080808080808080ULL;
-            const int32_t k = high == 0 ? 8 : ascii_prefix(high);
+            const int k = ascii_run(w & 0x8080808080808080ULL);
             i += k;
             o += k;
             continue;
         }
-        const int32_t len = step(i, o);
+        if (usual(src + i, dst + o, i, o)) continue;
+        auto o32 = static_cast<int32_t>(o);
+        const int32_t len = step(static_cast<int32_t>(i), o32);
         if (len == 0) break;
         i += len;
+        o = o32;
     }
-    at = i;
-    to = o;
+    at = static_cast<int32_t>(i);
+    to = static_cast<int32_t>(o);
 }
 
 // Copies k bytes, k in [0, 8], with at most two stores of each width: the ASCII ahead of a
@@ -616,25 +660,35 @@ template <auto Block>
 // From set From to utf8.
 template <class From>
 struct ToUtf8 {
+    // The fast loop's usual character (see blocks()): its packed translation, the word
+    // stored whole. A pair's second byte may be read past the source, where bytes that no set
+    // reads as part of a character follow it.
+    [[gnu::always_inline]] static bool usual(const uint8_t *p, uint8_t *q, ptrdiff_t &i,
+                                             ptrdiff_t &o) {
+        const uint32_t v = From::packed(p);
+        if (v == 0) return false;
+        std::memcpy(q, &v, sizeof v);
+        i += From::pair_len;
+        o += v >> 24;
+        return true;
+    }
+
     // The step over the character at src[i] (a byte from 80); see careful() and fast().
     template <bool Exact>
     [[gnu::always_inline]] static int32_t step(const uint8_t *src, int32_t n, int32_t i,
                                                uint8_t *dst, int32_t m, int32_t &o, At &a) {
-        // The usual character through its packed translation: the word stored whole where
-        // the bytes after the character may be written, else byte by byte.
-        if (const uint32_t v = n - i >= From::pair_len ? From::packed(src + i) : 0; v != 0) {
-            const int32_t len = static_cast<int32_t>(v >> 24 & 3);
-            if constexpr (Exact) {
-                if (len > m - o) {
-                    a.full = true;
-                    return 0;
-                }
-                dst[o] = static_cast<uint8_t>(v);
-                if (len > 1) dst[o + 1] = static_cast<uint8_t>(v >> 8);
-                if (len > 2) dst[o + 2] = static_cast<uint8_t>(v >> 16);
-            } else {
-                std::memcpy(dst + o, &v, sizeof v);
+        // The careful loop takes the usual character through its packed translation too,
+        // byte by byte (the fast loop has tried it before the step).
+        if (const uint32_t v = Exact && n - i >= From::pair_len ? From::packed(src + i) : 0;
+            v != 0) {
+            const auto len = static_cast<int32_t>(v >> 24);
+            if (len > m - o) {
+                a.full = true;
+                return 0;
             }
+            dst[o] = static_cast<uint8_t>(v);
+            if (len > 1) dst[o + 1] = static_cast<uint8_t>(v >> 8);
+            if (len > 2) dst[o + 2] = static_cast<uint8_t>(v >> 16);
             o += len;
             return From::pair_len;
         }
@@ -657,9 +711,42 @@ struct ToUtf8 {
     }
 };
 
+// No set has a character for a surrogate code point, so the fast loop's lookups see none
+// for the bytes of one (ill-formed UTF-8) and leave them to the step.
+static_assert([] {
+    for (unsigned cp = 0xD800; cp <= 0xDFFF; ++cp)
+        if (Jis_of[cp] != 0 || Sjis_of[cp] != 0) return false;
+    for (const SbInverse &inv : Sb_inverse)
+        for (unsigned page = 0xD8; page <= 0xDF; ++page)
+            if (inv.page_of[page] != 0) return false;
+    return true;
+}());
+
 // From utf8 to set To.
 template <class To>
 struct FromUtf8 {
+    // The fast loop's usual character (see blocks()): two or three bytes read from one word
+    // (the loop has at least four bytes there) and a counterpart from one lookup, which may
+    // store a few bytes beyond those it counts.
+    [[gnu::always_inline]] static bool usual(const uint8_t *p, uint8_t *q, ptrdiff_t &i,
+                                             ptrdiff_t &o) {
+        uint32_t u = 0, cp = 0;
+        std::memcpy(&u, p, sizeof u);
+        // A set of pairs has its characters mostly among utf8's three-byte ones (kana, kanji).
+        constexpr int first = To::pair_len == 2 ? 3 : 2;
+        const int len = utf8_usual<true, first>(u, cp);
+        if (len == 0) return false;
+        int put = 0;
+        if constexpr (requires { To::put_over(cp, q); })
+            put = To::put_over(cp, q);
+        else
+            put = To::put(cp, q);
+        if (put == 0) return false;
+        i += len;
+        o += put;
+        return true;
+    }
+
     // Like ToUtf8's, the step reading one character of utf8.
     template <bool Exact>
     [[gnu::always_inline]] static int32_t step(const uint8_t *src, int32_t n, int32_t i,
@@ -691,11 +778,9 @@ struct FromUtf8 {
 // The fast loop of a converter over src[0..n), characters starting before stop (see blocks()).
 template <class Dir>
 void fast(const uint8_t *src, int32_t n, int32_t stop, uint8_t *dst, int32_t o_lim, At &a) {
-    blocks(
-        src, stop, dst, o_lim, a.i,
-        a.o, [&](int32_t at, int32_t & to) __attribute__((always_inline))->int32_t {
-            return Dir::template step<false>(src, n, at, dst, 0, to, a);
-        });
+    blocks(src, stop, dst, o_lim, a.i, a.o, Dir::usual, [&](int32_t at, int32_t &to) {
+        return Dir::template step<false>(src, n, at, dst, 0, to, a);
+    });
 }
 
 // Longest translation of a direction, in half bytes per byte.
