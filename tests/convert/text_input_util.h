@@ -7,7 +7,7 @@
 #include <string>
 
 #include "comnlib.h"
-#include "intl/locale_test_util.h"
+#include "intl/intl_test_util.h"
 
 // A context whose locales stay loaded until scope end; locale("ja_JP.SJIS") hands out a
 // handle with every category on that locale.
