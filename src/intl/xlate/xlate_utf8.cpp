@@ -852,6 +852,80 @@ void careful(const uint8_t *src, int32_t n, uint8_t *dst, int32_t m, At &a) {
     a = t;
 }
 
+// Copies k bytes, k in [0, k_short * 3], with loads and stores that stay within both ranges
+// (16 bytes at a time, the last ones ending at the k-th byte, so they may overlap), and gives
+// the OR of the bytes copied: its bits 0x80 tell whether a byte from 80 was among them. A
+// value of 8 to 32 bytes takes no loop and no call.
+[[gnu::always_inline]] inline uint64_t copy_short(const uint8_t *from, uint8_t *to, int32_t k) {
+    using Word2 = uint64_t __attribute__((vector_size(16)));
+    if (k < 16) {
+        uint64_t lo = 0, hi = 0;
+        if (k < 8) {
+            copy_upto8(from, to, k);
+            for (int32_t j = 0; j < k; ++j)
+                lo |= from[j];
+            return lo;
+        }
+        std::memcpy(&lo, from, sizeof lo);
+        std::memcpy(&hi, from + k - 8, sizeof hi);
+        std::memcpy(to, &lo, sizeof lo);
+        std::memcpy(to + k - 8, &hi, sizeof hi);
+        return lo | hi;
+    }
+    Word2 any{}, v;
+    auto copy16 = [&](int32_t at) {
+        std::memcpy(&v, from + at, sizeof v);
+        std::memcpy(to + at, &v, sizeof v);
+        any |= v;
+    };
+    if (k > 32)
+        for (int32_t j = 16; j < k - 16; j += 16)
+            copy16(j);
+    copy16(0);
+    copy16(k - 16);
+    return any[0] | any[1];
+}
+
+// A short value whose longest translation fits the room (n in [1, k_short]), in local
+// buffers: a value of ASCII alone is the same in every set and is copied once; between
+// iso_1 and utf8 the blocks run over the value and bytes 00 after it (ASCII, so they come
+// last and give a byte each, and no character reaches into them: a lead byte before them is
+// a cut character, which the blocks leave), and the bytes of the 00s are taken back; the
+// fast loop, over the value followed by bytes FF, does the rest. The translation is then
+// copied out exactly.
+template <class Dir>
+[[gnu::always_inline]] inline void short_value(const uint8_t *src, int32_t n, uint8_t *dst, At &a) {
+    uint8_t in[k_short + k_pad], out[k_short * 3 + k_pad];
+    if ((copy_short(src, in, n) & 0x8080808080808080ULL) == 0) {
+        copy_short(in, dst, n);
+        a.i = a.o = n;
+        return;
+    }
+    At t;
+#ifdef COMN_XLT_SHUFFLE
+    if constexpr (iso1_block<Dir> != nullptr) {
+        if (has_shuffle()) {
+            std::memset(in + n, 0, k_block);
+            iso1_blocks<iso1_block<Dir>>(in, n + k_block - 1, out, INT32_MAX, t.i, t.o);
+            if (t.i >= n) {
+                t.o -= t.i - n;
+                t.i = n;
+            }
+        }
+    }
+#endif
+    if (t.i < n) {
+        std::memset(in + n, 0xFF, 16); // the fast loop reads at most 8 bytes past the end
+        blocks(
+            in, n, out, INT32_MAX, t.i,
+            t.o, [&](int32_t at, int32_t & to) __attribute__((always_inline))->int32_t {
+                return Dir::template step<false>(in, n, at, out, 0, to, t);
+            });
+    }
+    copy_short(out, dst, t.o);
+    a = t;
+}
+
 // A converter: a short value through local buffers when the room takes its longest
 // translation, else the fast loop while far from both ends, then the careful loop.
 template <class Dir>
@@ -860,11 +934,7 @@ int32_t translate(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstl
     const int32_t n = std::max(srclen, 0), m = std::max(dstlen, 0);
     At a;
     if (k_packed && n > 0 && n <= k_short && int64_t{m} * 2 >= int64_t{n} * growth_x2<Dir>) {
-        uint8_t in[k_short + k_pad], out[k_short * 3 + k_pad];
-        std::memcpy(in, src, static_cast<size_t>(n));
-        std::memset(in + n, 0xFF, k_pad);
-        run_fast<Dir>(in, n, n, out, INT32_MAX, a);
-        if (a.o > 0) std::memcpy(dst, out, static_cast<size_t>(a.o));
+        short_value<Dir>(src, n, dst, a);
     } else {
         if (k_packed && n > k_src_margin && m > k_dst_margin)
             run_fast<Dir>(src, n, n - k_src_margin, dst, m - k_dst_margin, a);
