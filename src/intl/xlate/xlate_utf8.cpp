@@ -916,11 +916,7 @@ template <class Dir>
 #endif
     if (t.i < n) {
         std::memset(in + n, 0xFF, 16); // the fast loop reads at most 8 bytes past the end
-        blocks(
-            in, n, out, INT32_MAX, t.i,
-            t.o, [&](int32_t at, int32_t & to) __attribute__((always_inline))->int32_t {
-                return Dir::template step<false>(in, n, at, out, 0, to, t);
-            });
+        fast<Dir>(in, n, n, out, INT32_MAX, t);
     }
     copy_short(out, dst, t.o);
     a = t;
