@@ -7,7 +7,7 @@
 #include <cstring>
 #include <vector>
 
-#include "comnlib/datetime.h"
+#include "comnlib.h"
 
 namespace {
 
@@ -130,11 +130,19 @@ void answer_ops() {
             std::sscanf(line + 1, "%ld %ld %n", &v[0], &v[1], &at);
             const char *text = line + 1 + at;
             const auto len = static_cast<int32_t>(std::strcspn(text, "\n"));
-            DateTimeValue out{7, 7};
-            const int32_t rc = com__datefromchar_mb(&out, text, len, static_cast<int32_t>(v[0]),
-                                                    static_cast<int32_t>(v[1]), com__get_months(),
-                                                    com__get_shortmonths(), nullptr);
-            std::printf("%d %d %u\n", rc, out.days, out.ticks);
+            // Without an attribute record bare packed digits skip the tokenizer; with the
+            // built-in record everything goes through it. Both must agree.
+            DateTimeValue out[2] = {{7, 7}, {8, 8}};
+            int32_t rc[2];
+            for (int k = 0; k < 2; ++k)
+                rc[k] = com__datefromchar_mb(
+                    &out[k], text, len, static_cast<int32_t>(v[0]), static_cast<int32_t>(v[1]),
+                    com__get_months(), com__get_shortmonths(), k ? com_get_charattrib() : nullptr);
+            if (rc[0] != rc[1] || (rc[0] <= 0 && std::memcmp(&out[0], &out[1], sizeof out[0])))
+                std::printf("paths differ: %d %d %u, %d %d %u\n", rc[0], out[0].days, out[0].ticks,
+                            rc[1], out[1].days, out[1].ticks);
+            else
+                std::printf("%d %d %u\n", rc[0], out[0].days, out[0].ticks);
         } else {
             std::printf("?\n");
         }

@@ -63,36 +63,6 @@ TEST(DateParse, AcceptedForms) {
     }
 }
 
-// Bare packed dates skip the tokenizer when no attribute record is given; with the built-in
-// record they go through it. Both must give the same code and value, valid or not.
-TEST(DateParse, BarePackedDatesMatchTheTokenizer) {
-    std::vector<std::string> texts = {"19990115", "990115",   "000101",   "491231",   "500101",
-                                      "17530101", "17521231", "99991231", "00000000", "19990230",
-                                      "19991301", "20000229", "19000229", "0000000",  "123456789"};
-    uint64_t x = 88172645463325252ull;
-    for (int i = 0; i < 3000; ++i) {
-        x ^= x << 13, x ^= x >> 7, x ^= x << 17;
-        const int len = i % 2 ? 8 : 6;
-        std::string t;
-        for (int k = 0; k < len; ++k)
-            t += static_cast<char>('0' + (x >> (4 * k)) % 10);
-        texts.push_back(t);
-    }
-    for (const auto &t : texts)
-        for (const int32_t style : {0, 12, 999}) {
-            DateTimeValue fast{1, 2}, slow{3, 4};
-            const int32_t rf =
-                com__datefromchar_mb(&fast, t.data(), static_cast<int32_t>(t.size()), style, 1,
-                                     com__get_months(), com__get_shortmonths(), nullptr);
-            const int32_t rs = com__datefromchar_mb(&slow, t.data(), static_cast<int32_t>(t.size()),
-                                                    style, 1, com__get_months(),
-                                                    com__get_shortmonths(), com_get_charattrib());
-            ASSERT_EQ(rf, rs) << t << " style " << style;
-            ASSERT_EQ(fast.days, slow.days) << t;
-            ASSERT_EQ(fast.ticks, slow.ticks) << t;
-        }
-}
-
 TEST(DateParse, RejectedFormsAndTheirCodes) {
     struct {
         const char *text;
