@@ -2,10 +2,11 @@
 
 Every day from 1753-01-01 to 9999-12-31 is cracked (year, month, day, day of year, weekday,
 ISO year, week and weekday, quarter, Sunday-based week, weekday from Sunday and from Monday);
-every (year, month, day 1..31) is made; fixed-seed random pairs exercise differences and
-additions by every part, with times of day (ticks of 1/300 s) at the 32-bit limits; random
-datetimes are printed in every style, and written in the accepted text forms for the parser.
-The library's answers come from the helper program named on the command line."""
+every (year, month, day) is made, with each field one beyond its range; fixed-seed random
+pairs exercise differences and additions by every part, with times of day (ticks of 1/300 s)
+at the 32-bit limits; random datetimes are printed in every style, and written in the
+accepted text forms for the parser. The library's answers come from the helper program
+named on the command line."""
 import calendar
 import datetime
 import random
@@ -84,12 +85,15 @@ def check_make():
     data = run("make")
     expected = bytearray()
     pack = rec.pack
-    for y in range(1753, 10000):
-        for m in range(1, 13):
+    for y in range(1752, 10001):  # one year and one month beyond each end, and day 0
+        for m in range(0, 14):
+            if not (1753 <= y <= 9999 and 1 <= m <= 12):
+                expected += pack(1 if not 1753 <= y <= 9999 else 2, 0) * 32
+                continue
             length = calendar.monthrange(y, m)[1]
             base = datetime.date(y, m, 1).toordinal() - EPOCH - 1
-            for d in range(1, 32):
-                expected += pack(0, base + d) if d <= length else pack(3, 0)
+            for d in range(0, 32):
+                expected += pack(0, base + d) if 1 <= d <= length else pack(3, 0)
     if data != expected:
         fail("make differs at byte %d" % next(
             i for i in range(min(len(data), len(expected))) if data[i] != expected[i]))

@@ -44,19 +44,7 @@ TEST(Calendar, CracksDaysOutsideTheRange) {
     }
 }
 
-TEST(Calendar, MakeRejectsEachFieldWithItsCode) {
-    struct {
-        int y, m, d, rc;
-    } cases[] = {{1752, 0, 1, 1}, {10000, 0, 1, 1}, {1999, 12, 1, 2}, {1999, -1, 1, 2},
-                 {1999, 0, 0, 3}, {1900, 1, 29, 3}, {2000, 1, 29, 0}, {1800, 1, 29, 3}};
-    for (auto c : cases) {
-        DateRec r{};
-        r.year = c.y;
-        r.month = c.m;
-        r.day_of_month = c.d;
-        DateTimeValue dt{7, 0};
-        EXPECT_EQ(com__datemake(&dt, &r), c.rc) << c.y << "-" << c.m << "-" << c.d;
-    }
+TEST(Calendar, LeapDayCount) {
     // The exported leap-day count before the n-th year of the range (the oracle checks the
     // calendar built on it): none before the range, 1800 and 1900 skipped, 2000 counted.
     EXPECT_EQ((std::vector{com__leapcnt(-5), com__leapcnt(148), com__leapcnt(248)}),

@@ -1,6 +1,6 @@
 // Answers the Python calendar oracle (calendar_oracle.py) with the library's results.
 //   days   every day of the valid range, cracked, as fixed binary records
-//   make   every (year, month, day 1..31) of the valid years, made, as binary records
+//   make   every (year 1752..10000, month -1..12, day 0..31), made, as binary records
 //   ops    one line per query on stdin, one answer line each (listed at answer_ops)
 #include <cstdint>
 #include <cstdio>
@@ -47,12 +47,12 @@ void dump_days() {
     flush(out);
 }
 
-// Per (year, month, day 1..31): result code u8, then days i32 (0 unless made).
+// Per (year, month, day): result code u8, then days i32 (0 unless made).
 void dump_make() {
     std::vector<uint8_t> out;
-    for (int32_t y = 1753; y <= 9999; ++y)
-        for (int32_t m = 0; m < 12; ++m)
-            for (int32_t d = 1; d <= 31; ++d) {
+    for (int32_t y = 1752; y <= 10000; ++y)
+        for (int32_t m = -1; m <= 12; ++m)
+            for (int32_t d = 0; d <= 31; ++d) {
                 DateRec r{};
                 r.year = y;
                 r.month = m;

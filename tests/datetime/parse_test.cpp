@@ -1,5 +1,6 @@
-// The date parser: accepted forms in every style and date order, rejected forms with their
-// codes, hostile byte strings, and classification through a character attribute record.
+// The date parser beside the Python oracle (which writes random datetimes in the accepted
+// forms): the forms it does not generate, rejected forms with their codes, hostile byte
+// strings, and classification through a character attribute record.
 #include <gtest/gtest.h>
 
 #include <cstring>
