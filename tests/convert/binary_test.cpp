@@ -16,22 +16,8 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-std::string hex(const Bytes &b) {
-    static const char d[] = "0123456789abcdef";
-    std::string s;
-    for (uint8_t x : b) {
-        s += d[x >> 4];
-        s += d[x & 15];
-    }
-    return s;
-}
-
-// A varbinary record holding b (at most 256 bytes).
-std::vector<uint8_t> varbin(const Bytes &b, int16_t word) {
-    std::vector<uint8_t> v(258, 0xEE);
-    std::memcpy(v.data(), &word, 2);
-    if (!b.empty()) std::memcpy(v.data() + 2, b.data(), std::min<size_t>(b.size(), 256));
-    return v;
+std::string varbin(const Bytes &b, int16_t word) {
+    return length_record(std::string(b.begin(), b.end()), word);
 }
 
 // (A negative maxlength is a destination of no bytes.)
@@ -62,7 +48,7 @@ TEST(BinaryOutput, TextAndBinaryDestinationsMatchTheModel) {
         DataFormat vf = text_format(CS_VARBINARY, 258);
         for (int32_t m = -1; m <= 2 * s + 3; ++m)
             for (uint32_t flags = 0; flags < 8; ++flags) {
-                const Outcome hexed = model_text(hex(b), m, flags, Short::HexPairs);
+                const Outcome hexed = model_text(to_hex(b), m, flags, Short::HexPairs);
                 ASSERT_EQ(run_conv(comn_bintochar, nullptr, bf, b.data(), CS_CHAR, m, flags), hexed)
                     << s << " " << m << " " << flags;
                 ASSERT_EQ(run_conv(comn_varbintochar, nullptr, vf, vb.data(), CS_CHAR, m, flags),
@@ -74,7 +60,7 @@ TEST(BinaryOutput, TextAndBinaryDestinationsMatchTheModel) {
                           copied);
             }
     }
-    EXPECT_EQ(hex({0x0a, 0xff}), "0aff");
+    EXPECT_EQ(to_hex(Bytes{0x0a, 0xff}), "0aff");
 }
 
 TEST(BinaryOutput, VarcharAndVarbinaryDestinationsKeepTheFrame) {
@@ -84,7 +70,7 @@ TEST(BinaryOutput, VarcharAndVarbinaryDestinationsKeepTheFrame) {
             b[static_cast<size_t>(i)] = static_cast<uint8_t>(i * 7);
         DataFormat bf = text_format(CS_BINARY, s);
         EXPECT_EQ(run_conv(comn_bintovarchar, nullptr, bf, b.data(), CS_VARCHAR, 258, 0),
-                  framed(hex(b), s > 128 ? CS_CONV_TRUNCATED : CS_SUCCEED));
+                  framed(to_hex(b), s > 128 ? CS_CONV_TRUNCATED : CS_SUCCEED));
         EXPECT_EQ(
             run_conv(comn_bintovarbin, nullptr, bf, b.data(), CS_VARBINARY, 258, 0),
             framed(std::string(b.begin(), b.end()), s > 256 ? CS_CONV_TRUNCATED : CS_SUCCEED));

@@ -61,22 +61,15 @@ TEST(NumberText, IntegersMatchPrintf) {
 }
 
 std::vector<double> float_values() {
-    const double inf = std::numeric_limits<double>::infinity();
     using lim = std::numeric_limits<double>;
-    std::vector<double> v = {0.0,        -0.0,
-                             0.5,        0.25,
-                             -0.25,      2,
-                             3,          1e20,
-                             1e16,       1e17,
-                             -1e17,      1e-5,
-                             1e-4,       0.1,
-                             123456.5,   inf,
-                             -inf,       NAN,
-                             -NAN,       lim::max(),
-                             lim::min(), lim::denorm_min()};
+    // clang-format off
+    std::vector<double> v = {0.0, -0.0, 0.5, 0.25, -0.25, 2, 3, 1e20, 1e16, 1e17, -1e17, 1e-5, 1e-4,
+                             0.1, 123456.5, lim::infinity(), -lim::infinity(), NAN, -NAN,
+                             lim::max(), lim::min(), lim::denorm_min()};
+    // clang-format on
     std::mt19937_64 rng(2026);
     for (int i = 0; i < 1500; ++i) {
-        uint64_t bits = rng();
+        const uint64_t bits = rng();
         double d;
         std::memcpy(&d, &bits, sizeof d);
         v.push_back(d);

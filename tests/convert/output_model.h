@@ -126,6 +126,26 @@ inline Outcome framed(const std::string &payload, int32_t rc) {
     return {rc, out, 258};
 }
 
+// Bytes as lower-case hexadecimal pairs.
+template <typename Bytes>
+std::string to_hex(const Bytes &bytes) {
+    std::string s;
+    for (const auto b : bytes) {
+        const auto u = static_cast<uint8_t>(b);
+        s += "0123456789abcdef"[u >> 4];
+        s += "0123456789abcdef"[u & 15];
+    }
+    return s;
+}
+
+// A varchar or varbinary source: the length word, then the bytes (at most 256), then filler.
+inline std::string length_record(const std::string &bytes, int16_t word) {
+    std::string v(258, '\xEE');
+    std::memcpy(v.data(), &word, 2);
+    v.replace(2, std::min<size_t>(bytes.size(), 256), bytes, 0, 256);
+    return v;
+}
+
 // Runs a conversion into a fresh destination of maxlength m (and the given precision).
 inline Outcome run_conv(ComConvFunc f, ComContext *ctx, DataFormat &sf, const void *src,
                         int32_t desttype, int32_t m, uint32_t flags, int32_t precision = 0) {

@@ -14,14 +14,6 @@
 
 namespace {
 
-std::vector<uint8_t> varchar_of(const std::string &s) {
-    std::vector<uint8_t> v(258, 0xEE);
-    const auto w = static_cast<int16_t>(s.size());
-    std::memcpy(v.data(), &w, 2);
-    std::memcpy(v.data() + 2, s.data(), s.size());
-    return v;
-}
-
 TEST(TextToText, PlainCopyFollowsTheLengthAndFlagRules) {
     std::mt19937 rng(3);
     for (int s = 0; s <= 40; ++s) {
@@ -31,7 +23,7 @@ TEST(TextToText, PlainCopyFollowsTheLengthAndFlagRules) {
         // The same text as maxlength bytes, as a null-terminated source with junk after the
         // terminator, and as a varchar.
         std::string nt = text + '\0' + "junk";
-        const auto vc = varchar_of(text);
+        const auto vc = length_record(text, static_cast<int16_t>(s));
         DataFormat plain = text_format(CS_CHAR, s);
         DataFormat term = text_format(CS_CHAR, static_cast<int32_t>(nt.size()), CS_FMT_NULLTERM);
         DataFormat var = text_format(CS_VARCHAR, 258);

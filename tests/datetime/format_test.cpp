@@ -1,4 +1,4 @@
-// Formatting in every style, truncation and errors; the datetime conversions through the
+// Formatting outside the range, truncation and errors; the datetime conversions through the
 // conversion table; the clock text with a pinned clock; the built-in date settings.
 #include <gtest/gtest.h>
 
@@ -18,55 +18,14 @@ std::string fmt(const DateTimeValue &dt, int32_t style, int32_t max = -1,
     return n > 0 ? std::string(buf, static_cast<size_t>(n)) : "<" + std::to_string(n) + ">";
 }
 
-TEST(DateFormat, EveryStyleClockHoursPaddingAndYears) {
-    // Styles 0 to 15, and 100 to 112, which print four-digit years.
-    const DateTimeValue dt = make(1999, 1, 15, 22, 30, 15, 500);
-    const char *const short_year[] = {"Jan 15 1999 10:30PM",
-                                      "01/15/99",
-                                      "99.01.15",
-                                      "15/01/99",
-                                      "15.01.99",
-                                      "15-01-99",
-                                      "15 Jan 99",
-                                      "Jan 15, 99",
-                                      "22:30:15",
-                                      "Jan 15 1999 10:30:15:500PM",
-                                      "01-15-99",
-                                      "99/01/15",
-                                      "990115",
-                                      "99/15/01",
-                                      "01/99/15",
-                                      "15/99/01"};
-    const char *const long_year[] = {"Jan 15 1999 10:30PM",
-                                     "01/15/1999",
-                                     "1999.01.15",
-                                     "15/01/1999",
-                                     "15.01.1999",
-                                     "15-01-1999",
-                                     "15 Jan 1999",
-                                     "Jan 15, 1999",
-                                     "22:30:15",
-                                     "Jan 15 1999 10:30:15:500PM",
-                                     "01-15-1999",
-                                     "1999/01/15",
-                                     "19990115"};
-    for (int32_t style = 0; style < 16; ++style)
-        EXPECT_EQ(fmt(dt, style), short_year[style]) << style;
-    for (int32_t style = 0; style < 13; ++style)
-        EXPECT_EQ(fmt(dt, 100 + style), long_year[style]) << 100 + style;
+// The Python oracle prints random datetimes of the range in every style; these are values
+// outside the range and names longer than a field.
+TEST(DateFormat, OutOfRangeValuesAndLongNames) {
     struct {
         DateTimeValue dt;
         int32_t style;
         const char *text;
     } cases[] = {
-        {{0, 0}, 0, "Jan  1 1900 12:00AM"},
-        {make(1999, 1, 15, 12, 5), 0, "Jan 15 1999 12:05PM"},
-        {make(1999, 1, 15, 11, 59), 100, "Jan 15 1999 11:59AM"},
-        {make(1999, 1, 15, 0, 0, 0, 3), 109, "Jan 15 1999 12:00:00:003AM"},
-        {make(1999, 1, 15, 23, 59, 59, 999), 9, "Jan 15 1999 11:59:59:996PM"},
-        {make(2005, 3, 4), 1, "03/04/05"},
-        {make(1753, 1, 1), 112, "17530101"},
-        {make(9999, 12, 31), 107, "Dec 31, 9999"},
         // Values outside the valid range: a year keeps its low digits, and ticks past the end
         // of the day run the clock on (to hour 31 at most).
         {{0, 25920000}, 109, "Jan  1 1900 12:00:00:000PM"},
@@ -90,12 +49,9 @@ TEST(DateFormat, TruncationAndErrors) {
     EXPECT_EQ(com__datetochar(&dt, buf, 5, 101, nullptr), 0);
     EXPECT_EQ(std::string(buf, 5), "01/15");
     EXPECT_EQ(com__datetochar(&dt, buf, 10, 101, nullptr), 10);
-    struct {
-        int32_t style, rc;
-    } bad[] = {{16, -1}, {99, -1},  {113, -1}, {-1, -1},  {0, -2}, {6, -2},
-               {7, -2},  {106, -2}, {107, -2}, {109, -2}, {9, -2}, {100, -2}};
-    for (auto b : bad)
-        EXPECT_EQ(com__datetochar(&dt, buf, 16, b.style, nullptr), b.rc) << b.style;
+    // Styles that print month names fail without them.
+    for (int32_t style : {0, 6, 7, 9, 100, 106, 107, 109})
+        EXPECT_EQ(com__datetochar(&dt, buf, 16, style, nullptr), -2) << style;
 
     const DateTime4Value small{0, 30};
     EXPECT_EQ(com_cvtdate4tochar(&small, buf, -1, 9, com__get_shortmonths()), 26);

@@ -4,5 +4,5 @@ comn_add_test_driver(comn_datetime_oracle_helper ${CMAKE_CURRENT_LIST_DIR}/oracl
 comn_add_python_test(datetime_python_oracle datetime ${CMAKE_CURRENT_LIST_DIR}/calendar_oracle.py
   $<TARGET_FILE:comn_datetime_oracle_helper>)
 if(TEST datetime_python_oracle)
-  set_tests_properties(datetime_python_oracle PROPERTIES TIMEOUT 120)
+  set_tests_properties(datetime_python_oracle PROPERTIES TIMEOUT 300)
 endif()
