@@ -98,9 +98,10 @@ def main():
         getattr(lib, fn).argtypes = [ctypes.c_void_p, ctypes.c_char_p, ctypes.c_char_p]
 
     def case(fn, attr, raw):
+        """The mapped character, and nothing if the mapping wrote another number of bytes."""
         out = ctypes.create_string_buffer(b"\xee" * 8, 8)
-        getattr(lib, fn)(attr, raw + b"\0\0\0", out)
-        return out.raw[:len(raw)]
+        n = getattr(lib, fn)(attr, raw + b"\0\0\0", out)
+        return out.raw[:len(raw)] if n == len(raw) and out.raw[n] == 0xEE else None
 
     records = []
     for name, codec in SETS.items():
