@@ -1,23 +1,90 @@
 #!/usr/bin/env python3
-"""Differential check of the loaded single-byte character sets against Python's codecs:
-loads each set through the library (ctypes over libcomn.so, VELDAR pointing at the bundled
-home) and compares, for every byte, comn_isupper/comn_islower with str.isupper/str.islower
-and comn_toupper/comn_tolower with str.upper/str.lower of the decoded character (when the
-result is one character of the same code page); the Japanese sets over their ASCII half.
-iso_1 must equal the built-in record, whose documented deviations (sharp s upper case;
-feminine/masculine ordinals and micro sign without case) are listed below.
+"""Differential check of the character attribute records against Python's codecs and
+unicodedata, through ctypes over libcomn.so (VELDAR pointing at the bundled home): every
+class test, both case mappings, the ASCII equivalent and both widths of every character of
+each loaded set (Japanese sets: what Python's codec decodes; utf8: every one- and two-byte
+character and a sample of the longer ones) and of the built-in iso_1 record. Expected: ASCII
+as the C locale classifies it (0E and 0F also space); above it case from str.isupper and
+str.islower, digits from category Nd, space from Zs, punctuation from P* and S*; case
+mapping as str.upper/str.lower when the result is a character of the same length and lead
+byte; longer characters copied whole, without class; iso_1's departures as listed.
 
 usage: check_charsets.py <path to libcomn.so>
 """
 import ctypes
+import string
 import sys
+import unicodedata
+
+import check_xlate
+from check_xlate import fail, set_chars
 
 SETS = {"iso_1": "latin-1", "ascii8": "ascii", "cp850": "cp850", "cp437": "cp437",
-        "roman8": "hp-roman8", "mac": "mac-roman"}
-# The multibyte sets, whose single bytes are their ASCII half.
-ASCII_HALF = {"eucjis": "ascii", "sjis": "ascii", "deckanji": "ascii"}
-# Bytes of iso_1 whose built-in classes differ from Python's on purpose.
-ISO1_DEVIATIONS = {0xDF: "upper", 0xAA: "none", 0xBA: "none", 0xB5: "none"}
+        "roman8": "hp-roman8", "mac": "mac-roman", "eucjis": "euc_jp", "sjis": "shift_jis",
+        "deckanji": "euc_jp", "utf8": "utf-8"}
+JAPANESE = ("eucjis", "sjis", "deckanji")
+# Bytes of iso_1 whose classes differ from Unicode's on purpose: sharp s is upper case; the
+# ordinals and the micro sign have no case; they, the superscripts and the fractions count as
+# punctuation; 8E, 8F and the soft hyphen count as space.
+ISO1_DEVIATIONS = {0xDF: dict(comn_isupper=True, comn_islower=False)}
+ISO1_DEVIATIONS.update({c: dict(comn_islower=False, comn_ispunct=True) for c in (0xAA, 0xB5, 0xBA)})
+ISO1_DEVIATIONS.update({c: dict(comn_ispunct=True) for c in (0xB2, 0xB3, 0xB9, 0xBC, 0xBD, 0xBE)})
+ISO1_DEVIATIONS.update({c: dict(comn_isspace=True) for c in (0x8E, 0x8F, 0xAD)})
+FULL_WIDTH_HEX = "０１２３４５６７８９ＡＢＣＤＥＦａｂｃｄｅｆ"
+TESTS = ["comn_isupper", "comn_islower", "comn_isdigit", "comn_isxdigit", "comn_isspace",
+         "comn_ispunct", "comn_to_ascii", "comn_char_width", "comn_disp_width"]
+
+def characters(name, codec):
+    """(bytes, character or None) of what is checked in a set."""
+    if name == "utf8":
+        return [(chr(u).encode("utf-8"), chr(u)) for u in list(range(0x800)) + [
+            u for u in range(0x800, 0x110000, 257) if not 0xD800 <= u <= 0xDFFF]]
+    if name in JAPANESE:
+        return set_chars(name, codec)
+    known = dict(set_chars(name, codec))
+    return [(bytes([c]), known.get(bytes([c]))) for c in range(256)]
+
+
+def expected_case(ch, raw, codec, conv):
+    """What a case mapping of the character should write: the mapped character when it is
+    one of the set's characters of the same length and lead byte, else the character."""
+    try:
+        enc = conv(ch).encode(codec) if ch else raw
+    except UnicodeEncodeError:
+        return raw
+    return enc if len(enc) == len(raw) and (len(raw) == 1 or enc[0] == raw[0]) else raw
+
+
+def expected(name, raw, ch, codec):
+    """The record's answers for one character: {test: answer} and the two case mappings."""
+    if len(raw) == 1 and raw[0] < 0x80:
+        ch, codec = chr(raw[0]), "ascii"
+        want = dict(comn_isupper=ch.isupper(), comn_islower=ch.islower(),
+                    comn_isdigit=ch in string.digits, comn_isxdigit=ch in string.hexdigits,
+                    comn_isspace=ch in "\t\n\v\f\r\x0e\x0f ",
+                    comn_ispunct=ch in string.punctuation, comn_to_ascii=raw[0])
+    elif ch is None or len(raw) > 2:  # no class, copied whole
+        ch, want = None, {t: False for t in TESTS[:6]}
+        want["comn_to_ascii"] = 0
+    else:
+        cat = unicodedata.category(ch)
+        folded = "-" if ch == "\u2212" else unicodedata.normalize("NFKC", ch)
+        want = dict(comn_isupper=ch.isupper(), comn_islower=ch.islower(), comn_isdigit=cat == "Nd",
+                    comn_isxdigit=name in JAPANESE and ch in FULL_WIDTH_HEX,
+                    comn_isspace=cat == "Zs", comn_ispunct=cat[0] in "PS",
+                    # Japanese sets reduce what NFKC makes one ASCII character (the full-width
+                    # minus is U+2212, which it keeps); utf8 only the no-break space
+                    comn_to_ascii=ord(folded) if name in JAPANESE and len(folded) == 1 and
+                    " " <= folded <= "~" else 0x20 if name == "utf8" and ch == "\xa0" else 0)
+    if name not in JAPANESE + ("utf8",):
+        del want["comn_to_ascii"]  # single-byte sets: the lower-case byte stands in
+    if "iso_1" in name:
+        want.update(ISO1_DEVIATIONS.get(raw[0], {}))
+    want["comn_char_width"] = len(raw)
+    if len(raw) <= 2:  # two-byte Japanese characters take two columns, half-width kana one
+        wide = name in JAPANESE and len(raw) == 2 and (name, raw[0]) != ("eucjis", 0x8E)
+        want["comn_disp_width"] = 2 if wide else 1
+    return want, expected_case(ch, raw, codec, str.upper), expected_case(ch, raw, codec, str.lower)
 
 
 def main():
@@ -25,51 +92,47 @@ def main():
     ctx = ctypes.create_string_buffer(4096)  # a zeroed context record, larger than its size
     lib.com__charset_desc_get.argtypes = [ctypes.c_void_p, ctypes.c_char_p, ctypes.c_char_p,
                                           ctypes.POINTER(ctypes.c_void_p)]
-    for fn in ("comn_isupper", "comn_islower"):
+    for fn in TESTS:
         getattr(lib, fn).argtypes = [ctypes.c_void_p, ctypes.c_char_p]
     for fn in ("comn_toupper", "comn_tolower"):
         getattr(lib, fn).argtypes = [ctypes.c_void_p, ctypes.c_char_p, ctypes.c_char_p]
-    failures = 0
-    for name, codec in list(SETS.items()) + list(ASCII_HALF.items()):
+
+    def case(fn, attr, raw):
+        """The mapped character, and nothing if the mapping wrote another number of bytes."""
+        out = ctypes.create_string_buffer(b"\xee" * 8, 8)
+        n = getattr(lib, fn)(attr, raw + b"\0\0\0", out)
+        return out.raw[:len(raw)] if n == len(raw) and out.raw[n] == 0xEE else None
+
+    records = []
+    for name, codec in SETS.items():
         desc = ctypes.c_void_p()
         rc = lib.com__charset_desc_get(ctx, name.encode(), b"binary", ctypes.byref(desc))
         if rc != 1:
-            print("%s: load failed with %d" % (name, rc))
-            return 1
-        attr = ctypes.c_void_p.from_address(desc.value + 2 * ctypes.sizeof(ctypes.c_void_p)).value
-        for c in range(0x80 if name in ASCII_HALF else 256):
-            raw = bytes([c])
-            try:
-                ch = raw.decode(codec)
-            except UnicodeDecodeError:
-                ch = None
-            want_up = ch is not None and ch.isupper()
-            want_low = ch is not None and ch.islower()
-            if name == "iso_1" and c in ISO1_DEVIATIONS:
-                want_up = ISO1_DEVIATIONS[c] == "upper"
-                want_low = False
-            got_up = lib.comn_isupper(attr, raw) != 0
-            got_low = lib.comn_islower(attr, raw) != 0
-            out = ctypes.create_string_buffer(4)
-            expect = {}
-            for fn, conv in (("comn_toupper", str.upper), ("comn_tolower", str.lower)):
-                mapped = c
-                if ch is not None:
-                    try:
-                        enc = conv(ch).encode(codec)
-                        mapped = enc[0] if len(enc) == 1 else c
-                    except UnicodeEncodeError:
-                        pass
-                getattr(lib, fn)(attr, raw, out)
-                expect[fn] = (out.raw[0], mapped)
-            bad = [k for k, (g, w) in expect.items() if g != w]
-            if got_up != want_up or got_low != want_low or bad:
-                failures += 1
-                print("%s byte %02X (%r): upper %s/%s lower %s/%s %s" % (
-                    name, c, ch, got_up, want_up, got_low, want_low, expect))
+            fail("%s: load failed with %d" % (name, rc))
+            continue
+        attr = ctypes.c_void_p.from_address(desc.value + 2 * ctypes.sizeof(ctypes.c_void_p))
+        records.append((name, codec, attr.value))
+    records.append(("built-in iso_1", "latin-1", None))
+
+    for name, codec, attr in records:
+        for raw, ch in characters(name, codec):
+            want, up, low = expected(name, raw, ch, codec)
+            got = {t: getattr(lib, t)(attr, raw + b"\0\0\0") for t in want}
+            bad = [t for t, w in want.items() if (got[t] != 0 if w is True or w is False
+                                                  else got[t]) != w]
+            for fn, w in (("comn_toupper", up), ("comn_tolower", low)):
+                if case(fn, attr, raw) != w:
+                    bad.append("%s %r" % (fn, case(fn, attr, raw)))
+            if bad:
+                fail("%s %r (%r): %s" % (name, raw, ch, bad))
+    # East Asian wide characters take two columns in utf8
+    attr = records[list(SETS).index("utf8")][2]
+    for text, cols in (("日", 2), ("カ", 2), ("한", 2), ("é", 1), ("€", 1), ("ｶ", 1), ("😀", 1)):
+        if lib.comn_disp_width(attr, text.encode("utf-8")) != cols:
+            fail("utf8 display width of %s" % text)
     lib.com__charset_drop_all(ctx)
-    print("checked %d sets, %d mismatches" % (len(SETS) + len(ASCII_HALF), failures))
-    return 1 if failures else 0
+    print("checked %d records, %d mismatches" % (len(records), check_xlate.failures))
+    return 1 if check_xlate.failures else 0
 
 
 if __name__ == "__main__":

@@ -1,7 +1,7 @@
-// The built-in "iso_1" attributes where they are a choice rather than the character's Unicode
-// class (case and the loaded sets are compared with Python by check_charsets.py), the older
-// global map beside the record, soundex codes, widths without a width map, and record building
-// from a bare type map.
+// The older global map beside the built-in "iso_1" record, soundex codes, widths without a
+// width map, and record building from a bare type map. (Every record's classes and case
+// mappings, the built-in one's deliberate departures included, are compared with Python by
+// check_charsets.py.)
 #include <gtest/gtest.h>
 
 #include <string>
@@ -11,14 +11,8 @@
 
 namespace {
 
-TEST(Iso1Attrib, DeliberateMembersAndTheGlobalMap) {
-    // Sharp s counts as upper case; 0E, 0F, 8E, 8F and the soft hyphen count as space.
-    EXPECT_NE(comn_isupper(nullptr, "\xdf"), 0);
-    for (const char *space : {"\x0e", "\x0f", "\x8e", "\x8f", "\xad"})
-        EXPECT_NE(comn_isspace(nullptr, space), 0) << static_cast<int>(space[0]);
+TEST(Iso1Attrib, TheGlobalMapAgreesWithTheRecord) {
     char out[2] = {};
-    comn_toupper(nullptr, "\xff", out); // ÿ has no upper case in the set
-    EXPECT_EQ(out[0], '\xff');
     EXPECT_EQ(Com_charmap, Com_Iso1_charmap);
     for (int c = 0; c < 256; ++c) {
         const char ch = static_cast<char>(c);
@@ -52,8 +46,6 @@ TEST(Iso1Attrib, SoundexCodesRecordFieldsAndWidths) {
     EXPECT_EQ(a->mb_level, 1);
 
     const char text[] = "Ab\xe9 1";
-    EXPECT_EQ(comn_char_width(nullptr, text), 1);
-    EXPECT_EQ(comn_disp_width(nullptr, text), 1);
     EXPECT_EQ(comn_inc_char(nullptr, text), text + 1);
     EXPECT_EQ(comn_get_widthmap(nullptr), nullptr);
     // Without an ASCII map the type map's lower-case byte stands for the character.

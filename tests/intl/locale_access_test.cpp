@@ -1,8 +1,6 @@
-// Reading locales: accessor fallbacks, handle strings and comparisons, handle lists under a
-// counting lock, a French date through the date code, and a locale load whose allocations
-// fail one after another.
+// Reading locales: accessor fallbacks, handle strings and comparisons, the first-day
+// arithmetic, and handle lists under a counting lock.
 #include <cstdlib>
-#include <cstring>
 
 #include "intl/locale/locale_internal.h"
 #include "intl_test_util.h"
@@ -146,37 +144,6 @@ TEST(LocaleAccess, HandleListUnderACountingLock) {
     EXPECT_EQ(c->current_locale, nullptr);
     EXPECT_EQ(c->loc_buffer, nullptr);
     EXPECT_EQ(g_unlocks, 7);
-}
-
-TEST(LocaleAccess, DateCodeReadsTheFrenchLocale) {
-    EnvGuard all("LC_ALL");
-    all.set("fr_FR");
-    ComContext ctx{};
-    ASSERT_EQ(comn_ctx_setup(&ctx), 1);
-    DateTimeValue v{};
-    // "15 février 1999" in iso_1, and a numeric date in the locale's day-month-year order.
-    const char text[] = "15 f\xe9vrier 1999";
-    ASSERT_EQ(
-        com__datefromchar_mb(&v, text, sizeof text - 1, 0, com_intl_dateorder_id(&ctx, nullptr),
-                             com_intl_months(&ctx, nullptr), com_intl_shortmonths(&ctx, nullptr),
-                             com_intl_charattr(&ctx, nullptr)),
-        0);
-    DateRec rec{};
-    com__datecrack(&v, &rec);
-    EXPECT_EQ(rec.year, 1999);
-    EXPECT_EQ(rec.month, 1);
-    EXPECT_EQ(rec.day_of_month, 15);
-    // Through the conversion: the default style of dmy is 3 (dd/mm/yy).
-    DataFormat src{}, dest{};
-    src.datatype = CS_DATETIME;
-    dest.datatype = CS_CHAR;
-    dest.maxlength = 8;
-    char out[8];
-    int32_t outlen = 0;
-    EXPECT_EQ(comn_get_datetochar_fmt(&ctx, &dest), 3);
-    ASSERT_EQ(comn_datetochar(&ctx, &src, &v, &dest, out, &outlen), CS_SUCCEED);
-    EXPECT_EQ(std::string(out, outlen), "15/02/99");
-    comn_ctx_teardown(&ctx);
 }
 
 } // namespace

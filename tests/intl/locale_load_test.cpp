@@ -1,66 +1,68 @@
-// Loading locales: every shipped locale against names encoded by iconv, sharing within the
-// cache, loading by parts, the start-up pair, and refused "common.loc" files.
+// Loading locales: every entry of the bundled locales file against names encoded by iconv, sharing
+// within the cache, loading by parts, the start-up pair, and refused "common.loc" files.
+#include <algorithm>
+#include <cstdio>
 #include <cstring>
+#include <fstream>
 #include <map>
 
 #include "intl_test_util.h"
 
 namespace {
 
-struct Shipped {
-    const char *name, *language, *charset, *iconv;
-    const char *february, *december_short, *first_listed_day; // UTF-8
+// What each language's common.loc holds: March, the short December and the first listed day
+// (in UTF-8, at least one of them beyond ASCII where the language has such a name), the first
+// day, the date order id, the 12-hour clock and the date style.
+struct Language {
+    const char *name, *march, *december_short, *first_listed_day;
     int32_t firstday, order_id, is12, dtfmt;
 };
-
-constexpr const char *kEn[] = {"February", "Dec", "Sun"};
-constexpr const char *kFr[] = {"février", "déc", "lun"};
-constexpr const char *kDe[] = {"Februar", "Dez", "Mo"};
-constexpr const char *kJa[] = {"2月", "12月", "日"};
-#define EN_(n, cs, cv)                                                                             \
-    { n, "us_english", cs, cv, kEn[0], kEn[1], kEn[2], 7, 1, 1, 9 }
-#define FR_(n, cs, cv)                                                                             \
-    { n, "french", cs, cv, kFr[0], kFr[1], kFr[2], 1, 2, 0, 3 }
-#define DE_(n, cs, cv)                                                                             \
-    { n, "german", cs, cv, kDe[0], kDe[1], kDe[2], 1, 2, 0, 3 }
-#define JA_(n, cs, cv)                                                                             \
-    { n, "japanese", cs, cv, kJa[0], kJa[1], kJa[2], 7, 3, 0, 11 }
-const Shipped kShipped[] = {
-    EN_("default", "iso_1", "ISO-8859-1"),       EN_("en_US.UTF-8", "utf8", "UTF-8"),
-    EN_("en_US.cp850", "cp850", "CP850"),        EN_("en_US.cp437", "cp437", "CP437"),
-    EN_("en_US.roman8", "roman8", "HP-ROMAN8"),  EN_("en_US.mac", "mac", "MACINTOSH"),
-    EN_("en_US.ascii8", "ascii8", "ASCII"),      EN_("en_US.eucjis", "eucjis", "EUC-JP"),
-    EN_("en_US.sjis", "sjis", "SHIFT_JIS"),      EN_("en_US.deckanji", "deckanji", "EUC-JP"),
-    FR_("fr_FR", "iso_1", "ISO-8859-1"),         FR_("fr_FR.cp850", "cp850", "CP850"),
-    FR_("fr_FR.cp437", "cp437", "CP437"),        FR_("fr_FR.roman8", "roman8", "HP-ROMAN8"),
-    FR_("fr_FR.mac", "mac", "MACINTOSH"),        DE_("de_DE", "iso_1", "ISO-8859-1"),
-    DE_("de_DE.cp850", "cp850", "CP850"),        DE_("de_DE.cp437", "cp437", "CP437"),
-    DE_("de_DE.roman8", "roman8", "HP-ROMAN8"),  DE_("de_DE.mac", "mac", "MACINTOSH"),
-    JA_("ja_JP.eucJP", "eucjis", "EUC-JP"),      JA_("ja_JP.SJIS", "sjis", "SHIFT_JIS"),
-    JA_("ja_JP.deckanji", "deckanji", "EUC-JP"), EN_("C.UTF-8", "utf8", "UTF-8"),
-    FR_("fr_FR.UTF-8", "utf8", "UTF-8"),         FR_("fr_CA.utf8", "utf8", "UTF-8"),
-    DE_("de_DE.utf8", "utf8", "UTF-8"),          JA_("ja_JP.UTF-8", "utf8", "UTF-8"),
+const Language kLanguages[] = {
+    {"us_english", "March", "Dec", "Sun", 7, 1, 1, 9},
+    {"french", "mars", "déc", "lun", 1, 2, 0, 3},
+    {"german", "März", "Dez", "Mo", 1, 2, 0, 3},
+    {"japanese", "3月", "12月", "日", 7, 3, 0, 11},
 };
+// iconv's name of each character set.
+const std::map<std::string, const char *> kIconvName = {
+    {"iso_1", "ISO-8859-1"}, {"utf8", "UTF-8"},     {"cp850", "CP850"},  {"cp437", "CP437"},
+    {"roman8", "HP-ROMAN8"}, {"mac", "MACINTOSH"},  {"ascii8", "ASCII"}, {"eucjis", "EUC-JP"},
+    {"sjis", "SHIFT_JIS"},   {"deckanji", "EUC-JP"}};
 
+// Every entry of the bundled locales file loads as itself (so no shorter name ahead of it
+// takes its place) with its language's names encoded in its character set.
 TEST(LocaleLoad, EveryShippedLocaleHasItsNamesInItsOwnEncoding) {
-    for (const Shipped &s : kShipped) {
-        SCOPED_TRACE(s.name);
+    std::ifstream in(std::string(COMN_TEST_HOME) + "/locales/locales.dat");
+    int entries = 0;
+    for (std::string line; std::getline(in, line);) {
+        char name[64], language[32], charset[32];
+        if (std::sscanf(line.c_str(), "locale = %63[^,], %31[^,], %31[^,\n]", name, language,
+                        charset) != 3)
+            continue;
+        SCOPED_TRACE(name);
+        ++entries;
+        const Language *l =
+            std::find_if(std::begin(kLanguages), std::end(kLanguages),
+                         [&](const Language &x) { return x.name == std::string(language); });
+        ASSERT_NE(l, std::end(kLanguages));
+        const char *iconv_name = kIconvName.at(charset);
         LocCtx c;
-        LocaleRecord *r = nullptr;
-        ASSERT_EQ(com_intl_load(c.get(), s.name, -1, &r), 1);
-        EXPECT_STREQ(r->name, s.name);
-        EXPECT_STREQ(r->language, s.language);
-        EXPECT_STREQ(r->charset, s.charset);
+        LocaleRecord *r = c.load(name);
+        ASSERT_NE(r, nullptr);
+        EXPECT_STREQ(r->name, name);
+        EXPECT_STREQ(r->language, language);
+        EXPECT_STREQ(r->charset, charset);
         EXPECT_STREQ(r->sortorder, "binary");
         ASSERT_NE(r->charset_desc, nullptr);
-        EXPECT_EQ(r->common->months[1], encode(s.february, s.iconv));
-        EXPECT_EQ(r->common->shortmonths[11], encode(s.december_short, s.iconv));
-        EXPECT_EQ(r->common->days[0], encode(s.first_listed_day, s.iconv));
-        EXPECT_EQ(r->common->firstday, s.firstday);
-        EXPECT_EQ(r->dateorder_id, s.order_id);
-        EXPECT_EQ(r->common->is12hour, s.is12);
-        EXPECT_EQ(r->common->dtfmt, s.dtfmt);
+        EXPECT_EQ(r->common->months[2], encode(l->march, iconv_name));
+        EXPECT_EQ(r->common->shortmonths[11], encode(l->december_short, iconv_name));
+        EXPECT_EQ(r->common->days[0], encode(l->first_listed_day, iconv_name));
+        EXPECT_EQ(r->common->firstday, l->firstday);
+        EXPECT_EQ(r->dateorder_id, l->order_id);
+        EXPECT_EQ(r->common->is12hour, l->is12);
+        EXPECT_EQ(r->common->dtfmt, l->dtfmt);
     }
+    EXPECT_GT(entries, 40);
 }
 
 TEST(LocaleLoad, CacheSharesDescriptionsAndCopiesCommonInfo) {

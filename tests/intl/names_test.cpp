@@ -1,5 +1,7 @@
 // Installation paths, the locale name of a category, the locales file translations and the
 // readability checks, over temporary installation homes.
+#include <vector>
+
 #include "intl_test_util.h"
 
 namespace {
@@ -69,11 +71,9 @@ TEST(IntlNames, EnvironmentLocaleOfEachCategory) {
     ComContext ctx{};
     const char *vars[] = {"LC_COLLATE", "LC_CTYPE", "LC_MESSAGE", "LC_MONETARY",
                           "LC_NUMERIC", "LC_TIME",  "LC_ALL",     "LANG"};
-    EnvGuard guards[] = {EnvGuard(vars[0]), EnvGuard(vars[1]), EnvGuard(vars[2]),
-                         EnvGuard(vars[3]), EnvGuard(vars[4]), EnvGuard(vars[5]),
-                         EnvGuard(vars[6]), EnvGuard(vars[7])};
+    const std::vector<EnvGuard> guards(std::begin(vars), std::end(vars));
     EnvGuard messages("LC_MESSAGES");
-    for (auto &g : guards)
+    for (const auto &g : guards)
         g.unset();
     messages.set("not_this_one");
     char buf[64];

@@ -1,18 +1,12 @@
-# Differential checks against Python's codecs (and unicodedata): the loaded single-byte
-# character sets, and the utf8 set (translation both ways with every other set, ill-formed
-# input, short destinations, the attribute record) with the Japanese sets among themselves.
-# They load the shared library, so they stay out of sanitizer builds.
+# Differential checks against Python's codecs and unicodedata: the character attribute records
+# of the loaded sets and the translation converters with the dispatch table (single-byte
+# tables against their generator's, utf8 both ways with every other set, ill-formed input and
+# short destinations, the Japanese sets among themselves). They load the shared library, so
+# they stay out of sanitizer builds.
 if(NOT COMN_SANITIZE)
   comn_add_python_test(intl_charsets_vs_python intl ${CMAKE_CURRENT_LIST_DIR}/check_charsets.py
     $<TARGET_FILE:comn>)
-  comn_add_python_test(intl_utf8_vs_python intl ${CMAKE_CURRENT_LIST_DIR}/check_utf8.py
-    $<TARGET_FILE:comn>)
-endif()
-
-# Differential check of the twenty single-byte translations, byte for byte and into short
-# destinations, against Python's codecs and the departures listed by their generator.
-if(NOT COMN_SANITIZE)
-  comn_add_python_test(intl_xlate_single_vs_python intl ${CMAKE_CURRENT_LIST_DIR}/check_xlate_single.py
+  comn_add_python_test(intl_xlate_vs_python intl ${CMAKE_CURRENT_LIST_DIR}/check_xlate.py
     $<TARGET_FILE:comn> ${PROJECT_SOURCE_DIR}/tools/gen)
 endif()
 

@@ -1,7 +1,7 @@
 // The utf8 set in use: dates read and printed with the names of the UTF-8 locales, and the
 // attribute record's answers that the text conversions rely on. Translation and the record's
-// tables are checked exhaustively against Python by check_utf8.py, translation through the
-// locales in xlate_dispatch_test.cpp.
+// tables are checked exhaustively against Python by check_xlate.py and check_charsets.py,
+// translation through the locales in xlate_dispatch_test.cpp.
 #include <cstring>
 
 #include "intl_test_util.h"

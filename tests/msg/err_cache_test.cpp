@@ -1,8 +1,12 @@
-// Message files and the error cache: loading once, sections, preloads, on-demand loading,
-// the bound of 100 entries, escapes, SQL states, bad files and failing allocations.
+// Message files and the error cache: loading once, preloads and on-demand loading against a
+// model of the cache, odd keys, SQL states, escapes, bad files and failing allocations.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <deque>
+#include <random>
 #include <string>
+#include <utility>
 
 #include "msg_test_util.h"
 
@@ -68,21 +72,46 @@ TEST(ErrCache, FileLoadsOnceOrFailsLeavingNothing) {
     EXPECT_EQ(h.loc.msgcache->files->next, nullptr);
 }
 
-TEST(ErrCache, PreloadsAndOnDemandLoads) {
+// The cache against a model of it: a list of at most COM_ERR_CACHE_MAX entries that drops the
+// first loaded when a new one comes. After preloads, random lookups over a file of 150
+// messages (and numbers and a section it lacks) answer the file's text, load on a miss and
+// read an evicted message again.
+TEST(ErrCache, RandomLookupsFollowAFirstInFirstOutModel) {
+    MsgHome h;
+    h.write(numbered_section("fallback", 1, 4) + numbered_section("msgs", 1, 150));
+    const ComErrKey pre[] = {{1, 2}, {7, 3}, {7, 150}};
+    ASSERT_EQ(com_err_init(&h.ctx, &h.ec, kSections, 2, pre, 3), CS_SUCCEED);
+    std::deque<std::pair<int32_t, int32_t>> model = {{1, 2}, {7, 3}, {7, 150}}; // oldest first
+    std::mt19937 rng(11);
+    for (int i = 0; i < 2000; ++i) {
+        const int32_t section = rng() % 10 == 0 ? 1 + 4 * (rng() % 2) : 7;
+        const int32_t number = 1 + static_cast<int32_t>(rng() % 160);
+        const bool known = section == 7 ? number <= 150 : section == 1 && number <= 4;
+        ASSERT_EQ(msg(h, section, number), known ? "text " + std::to_string(number) : "<none>")
+            << section << " " << number;
+        if (known &&
+            std::find(model.begin(), model.end(), std::pair(section, number)) == model.end()) {
+            model.emplace_back(section, number);
+            if (model.size() > COM_ERR_CACHE_MAX) model.pop_front();
+        }
+        ASSERT_EQ(h.count(), static_cast<int32_t>(model.size()));
+        for (const auto &[s, n] : model)
+            ASSERT_NE(h.cached(s, n), nullptr) << s << " " << n;
+    }
+    expect_consistent(h);
+}
+
+// Unknown sections and keys that are not numbers are skipped; SQL states are cut to seven
+// characters.
+TEST(ErrCache, OddKeysAndSqlStates) {
     MsgHome h;
     h.write("; unknown sections and odd keys are skipped\n[junk]\n1 = X, \"junk\"\n" +
             numbered_section("fallback", 1, 4) + "[msgs]\nabc = X, \"not a number\"\n" +
             "12x = X, \"not a number\"\n3 = 22003, \"three\"\n 9 = S9, \"nine\"\n" +
             "10 = ABCDEFGHIJ, \"ten\"\n");
-    const ComErrKey pre[] = {{1, 2}, {7, 3}};
-    ASSERT_EQ(com_err_init(&h.ctx, &h.ec, kSections, 2, pre, 2), CS_SUCCEED);
-    EXPECT_EQ(h.count(), 2);
-    EXPECT_NE(h.cached(1, 2), nullptr);
-    EXPECT_EQ(h.cached(7, 9), nullptr);
-    EXPECT_EQ(msg(h, 7, 9), "nine"); // read on demand
-    EXPECT_EQ(h.count(), 3);
-    EXPECT_EQ(msg(h, 7, 4), "<none>");
-    EXPECT_EQ(msg(h, 5, 1), "<none>"); // a section the caller never named
+    ASSERT_EQ(com_err_init(&h.ctx, &h.ec, kSections, 2, nullptr, 0), CS_SUCCEED);
+    EXPECT_EQ(msg(h, 7, 9), "nine");
+    EXPECT_EQ(msg(h, 7, 12), "<none>");
     char state[8];
     int32_t len = -1;
     EXPECT_EQ(com_err_sqlstate(&h.ctx, &h.ec, 3, 7, state, 8, &len), CS_SUCCEED);
