@@ -1,7 +1,7 @@
 // Text sources into binary, exact numerics, money and dates: hexadecimal input and its
 // padding, truncation and length words; the -2562 markers and the deliberate differences of
-// the varchar twin; the parsers' outcomes as result codes; month names from the source's
-// locale; multibyte text in each Japanese set; and degenerate sources of every kind.
+// the varchar twin; the parsers' outcomes as result codes; degenerate sources of every kind;
+// and the reduction of text to ASCII through each kind of character table.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -216,26 +216,6 @@ TEST(TextInput, ParserOutcomesBecomeResultCodes) {
         EXPECT_EQ(r.rc, c.rc) << c.text;
         EXPECT_EQ(r.len, c.len) << c.text;
     }
-}
-
-// Month names and date order come from the source format's locale.
-TEST(TextToDate, SourceLocale) {
-    TextCtx c;
-    LocaleHandle *fr = c.locale("fr_FR");
-    ASSERT_NE(fr, nullptr);
-    DateTimeValue v{};
-    int32_t len = 0;
-    EXPECT_EQ(convert_text(comn_chartodatetime, "15 f\xe9vrier 1999", &v, &len, c.get(), fr),
-              CS_SUCCEED);
-    DateRec rec{};
-    com__datecrack(&v, &rec);
-    EXPECT_EQ((std::vector<int>{rec.year, rec.month, rec.day_of_month}),
-              (std::vector<int>{1999, 1, 15}));
-    EXPECT_EQ(convert_text(comn_chartodatetime, "03/02/1999", &v, &len, c.get(), fr), CS_SUCCEED);
-    com__datecrack(&v, &rec);
-    EXPECT_EQ(rec.month, 1); // day-month-year
-    EXPECT_EQ(convert_text(comn_chartodatetime, "15 f\xe9vrier 1999", &v, &len, c.get()),
-              CS_CONV_SYNTAX);
 }
 
 TEST(TextInput, EmptyAndNegativeLengthSources) {
