@@ -10,6 +10,7 @@
 #include <random>
 #include <vector>
 
+#include "numeric/num_helpers.h"
 #include "output_model.h"
 
 namespace {
@@ -125,22 +126,16 @@ Bytes random_value(const Fixed &t, std::mt19937_64 &rng) {
             DateTime4Value{static_cast<uint16_t>(r), static_cast<uint16_t>((r >> 16) % 1440)});
     case CS_NUMERIC:
     case CS_DECIMAL: {
-        NumericValue n{};
-        n.precision = static_cast<uint8_t>(1 + r % 77);
-        n.scale = static_cast<uint8_t>((r >> 8) % (n.precision + 1u));
-        const int len = comn_num_getlen(n.precision);
-        bool nonzero = false;
-        for (int d = static_cast<int>((r >> 16) % (n.precision + 1u)); d > 0; --d) {
-            unsigned carry =
-                static_cast<unsigned>(rng() % 10); // magnitude = magnitude * 10 + digit
-            nonzero |= carry != 0;
-            for (int i = len - 1; i >= 1; --i) {
-                carry += n.array[i] * 10u;
-                n.array[i] = static_cast<uint8_t>(carry);
-                carry >>= 8;
-            }
-        }
-        n.array[0] = nonzero && (r >> 40) % 2;
+        // A magnitude below 10^precision, its digits with the point scale places from the
+        // right; negative only when it is not zero.
+        const auto p = static_cast<int>(1 + r % 77), scale = static_cast<int>((r >> 8) % (p + 1u));
+        std::string text(static_cast<size_t>(scale + 1), '0');
+        for (int d = static_cast<int>((r >> 16) % (p + 1u)); d > 0; --d)
+            text += static_cast<char>('0' + rng() % 10);
+        if (scale > 0) text.insert(text.size() - static_cast<size_t>(scale), ".");
+        if ((r >> 40) % 2 && text.find_first_of("123456789") != std::string::npos)
+            text.insert(0, "-");
+        const NumericValue n = numtest::value_of(text.c_str(), p, scale, 0);
         return image(n);
     }
     default: {

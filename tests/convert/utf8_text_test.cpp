@@ -36,16 +36,15 @@ TEST(Utf8Text, NumbersReadThroughTheAsciiMap) {
         {"7\xc3", CS_CONV_SYNTAX, 0}, // a lead byte cut by the end of the text
     };
     for (const Case &k : cases) {
-        int32_t v = 0, len = -1;
-        EXPECT_EQ(convert_text(comn_chartoi4, k.text, &v, &len, c.get(), u), k.rc) << k.text;
+        const Outcome o = convert(comn_chartoi4, k.text, {}, c.get(), u);
+        EXPECT_EQ(o.rc, k.rc) << k.text;
         if (k.rc == CS_SUCCEED) {
-            EXPECT_EQ(v, k.value) << k.text;
+            EXPECT_EQ(value_in<int32_t>(o), k.value) << k.text;
         }
     }
-    double d = 0;
-    int32_t len = 0;
-    EXPECT_EQ(convert_text(comn_chartoflt8, "-1.5e3\xc2\xa0", &d, &len, c.get(), u), CS_SUCCEED);
-    EXPECT_EQ(d, -1500.0);
+    const Outcome o = convert(comn_chartoflt8, "-1.5e3\xc2\xa0", {}, c.get(), u);
+    EXPECT_EQ(o.rc, CS_SUCCEED);
+    EXPECT_EQ(value_in<double>(o), -1500.0);
 }
 
 // Month names and the order of day and month come from the source format's locale, in its
@@ -68,10 +67,9 @@ TEST(Utf8Text, DatesUseTheSourceLocale) {
     for (const Case &k : cases) {
         LocaleHandle *loc = c.locale(k.locale);
         ASSERT_NE(loc, nullptr) << k.locale;
-        DateTimeValue v{};
-        int32_t len = 0;
-        ASSERT_EQ(convert_text(comn_chartodatetime, k.text, &v, &len, c.get(), loc), CS_SUCCEED)
-            << k.locale;
+        const Outcome o = convert(comn_chartodatetime, k.text, {}, c.get(), loc);
+        ASSERT_EQ(o.rc, CS_SUCCEED) << k.locale;
+        DateTimeValue v = value_in<DateTimeValue>(o);
         DateRec r{};
         com__datecrack(&v, &r);
         EXPECT_EQ((std::vector<int>{r.year, r.month, r.day_of_month}),
@@ -86,12 +84,11 @@ TEST(Utf8Text, DatesUseTheSourceLocale) {
         df.locale = loc;
         ASSERT_EQ(com_intl_set_dtfmt(c.get(), &df, 0), 1);
         char out[64];
+        int32_t len = 0;
         ASSERT_EQ(comn_datetochar(c.get(), &sf, &v, &df, out, &len), CS_SUCCEED);
         EXPECT_EQ(std::string(out, static_cast<size_t>(len)), k.style0);
     }
-    DateTimeValue v{};
-    int32_t len = 0;
-    EXPECT_EQ(convert_text(comn_chartodatetime, cases[1].text, &v, &len, c.get()), CS_CONV_SYNTAX);
+    EXPECT_EQ(convert(comn_chartodatetime, cases[1].text, {}, c.get()).rc, CS_CONV_SYNTAX);
 }
 
 } // namespace
