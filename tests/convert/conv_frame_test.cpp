@@ -84,7 +84,8 @@ TEST(ConvFrame, InstallsAndResetsFollowAModelPerContext) {
         ASSERT_EQ(rc, !user && (s < 0 || d < 0) ? CS_FAIL : CS_SUCCEED) << s << " " << d;
         const bool known = model[k].count({s, d}) != 0;
         if (user && install && !known) first_installed[k].emplace_back(s, d);
-        if (install || !user || known) model[k][{s, d}] = install ? f : builtin(s, d);
+        if (rc == CS_SUCCEED && (install || !user || known))
+            model[k][{s, d}] = install ? f : builtin(s, d);
         check(0);
         check(1);
     }
