@@ -1,6 +1,12 @@
 // The conversion frame: per-context table copies, lookups, installs and user conversions.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstring>
+#include <map>
+#include <random>
+#include <vector>
+
 #include "comnlib.h"
 
 namespace {
@@ -18,94 +24,88 @@ struct Ctx {
     ~Ctx() { com_conv_free(&c); }
 };
 
-TEST(ConvFrame, InstallIsPerContextAndDefaultRestores) {
-    Ctx a, b;
-    ASSERT_EQ(com_conv_install(&a.c, CS_INT, CS_SMALLINT, user_conv), CS_SUCCEED);
-    EXPECT_EQ(com_conv_func(&a.c, CS_INT, CS_SMALLINT), user_conv);
-    EXPECT_EQ(com_conv_func(&b.c, CS_INT, CS_SMALLINT), comn_i4toi2);
-    EXPECT_EQ(Com__cnvrt_array[CS_INT * 24 + CS_SMALLINT], comn_i4toi2);
-    ASSERT_EQ(com_conv_install(&a.c, CS_INT, CS_SMALLINT, nullptr), CS_SUCCEED);
-    EXPECT_EQ(com_conv_func(&a.c, CS_INT, CS_SMALLINT), nullptr);
-    ASSERT_EQ(com_conv_default(&a.c, CS_INT, CS_SMALLINT), CS_SUCCEED);
-    EXPECT_EQ(com_conv_func(&a.c, CS_INT, CS_SMALLINT), comn_i4toi2);
+// The user list of a context as (source, destination) pairs, heads first.
+std::vector<std::pair<int32_t, int32_t>> user_list(const ComContext &c) {
+    std::vector<std::pair<int32_t, int32_t>> out;
+    for (const UserConvEntry *h = c.conv.user_convs; h; h = h->next_src)
+        for (const UserConvEntry *e = h; e; e = e->next_dest)
+            out.emplace_back(e->src_type, e->dest_type);
+    return out;
 }
 
-TEST(ConvFrame, UserListKeepsTwoLevelsInInstallOrder) {
-    Ctx a;
-    ASSERT_EQ(com_conv_install(&a.c, 30, 0, user_conv), CS_SUCCEED);
-    ASSERT_EQ(com_conv_install(&a.c, 30, 8, user_conv), CS_SUCCEED);
-    ASSERT_EQ(com_conv_install(&a.c, 31, 0, other_conv), CS_SUCCEED);
-    UserConvEntry *head = a.c.conv.user_convs;
-    ASSERT_NE(head, nullptr);
-    EXPECT_EQ(head->src_type, 30);
-    EXPECT_EQ(head->dest_type, 0);
-    ASSERT_NE(head->next_dest, nullptr);
-    EXPECT_EQ(head->next_dest->dest_type, 8);
-    EXPECT_EQ(head->next_dest->next_dest, nullptr);
-    ASSERT_NE(head->next_src, nullptr);
-    EXPECT_EQ(head->next_src->src_type, 31);
-    EXPECT_EQ(head->next_src->next_src, nullptr);
-
-    // Reinstalling replaces the routine without a new entry.
-    UserConvEntry *e = com__conv_usr_struct(&a.c, 30, 8);
-    ASSERT_EQ(com_conv_install(&a.c, 30, 8, other_conv), CS_SUCCEED);
-    EXPECT_EQ(com__conv_usr_struct(&a.c, 30, 8), e);
-    EXPECT_EQ(com_conv_func(&a.c, 30, 8), other_conv);
-    EXPECT_EQ(com_conv_func(&a.c, 31, 0), other_conv);
-    EXPECT_EQ(com_conv_func(&a.c, 31, 8), nullptr);
-    EXPECT_EQ(com_conv_func(&a.c, 0, 30), nullptr);
-
-    // Reset to default: the entry stays but looks up as no conversion.
-    EXPECT_EQ(com_conv_default(&a.c, 30, 8), CS_SUCCEED);
-    EXPECT_EQ(com__conv_usr_struct(&a.c, 30, 8), e);
-    EXPECT_EQ(com_conv_func(&a.c, 30, 8), nullptr);
-    EXPECT_EQ(com_conv_default(&a.c, 77, 78), CS_SUCCEED);
-}
-
-// The header's inline lookup against the routine over every id pair around the table's edge,
-// with built-in, replaced and user conversions, and after the table is freed. Ids outside
-// the table and empty cells look up as no conversion.
-TEST(ConvFrame, InlineLookupAgreesWithTheRoutine) {
-    ComContext c{};
-    ASSERT_EQ(com_conv_init(&c), CS_SUCCEED);
-    ASSERT_EQ(com_conv_install(&c, CS_INT, CS_SMALLINT, user_conv), CS_SUCCEED);
-    ASSERT_EQ(com_conv_install(&c, 30, CS_INT, other_conv), CS_SUCCEED);
-    ASSERT_EQ(com_conv_install(&c, CS_INT, 31, user_conv), CS_SUCCEED);
-    auto check = [&c] {
-        for (int32_t s = -3; s < 34; ++s)
-            for (int32_t d = -3; d < 34; ++d)
-                ASSERT_EQ(com_conv_func(&c, s, d), (com_conv_func)(&c, s, d)) << s << " " << d;
+// Two contexts under random installs and resets, against a model of each: the pairs set
+// since the start over the default table. After every step the routine and the header's
+// inline form look up what the model says for every pair around the table's edge (negative
+// ids never find anything), the user list holds one entry per user pair in the order of first
+// installation, grouped by source id, and the default table stays as it was.
+TEST(ConvFrame, InstallsAndResetsFollowAModelPerContext) {
+    const ComConvFunc *table;
+    uint32_t dim;
+    com__get_ctbl(&table, &dim);
+    ASSERT_EQ(dim, static_cast<uint32_t>(COMN_CONV_DIM));
+    const std::vector<ComConvFunc> pristine(table, table + dim * dim);
+    auto builtin = [&](int32_t s, int32_t d) {
+        return s >= 0 && d >= 0 && s < 24 && d < 24 ? pristine[static_cast<size_t>(s * 24 + d)]
+                                                    : nullptr;
     };
-    check();
-    for (const auto &[s, d] :
-         {std::pair<int32_t, int32_t>{-1, CS_INT}, {CS_INT, -5}, {99, CS_INT}, {CS_LONG, CS_CHAR}})
-        EXPECT_EQ(com_conv_func(&c, s, d), nullptr) << s << " " << d;
-    EXPECT_EQ(com_conv_func(&c, CS_INT, CS_SMALLINT), user_conv);
-    EXPECT_EQ(com_conv_func(&c, 30, CS_INT), other_conv);
-    EXPECT_EQ(com_conv_func(&c, CS_INT, 31), user_conv);
-    c.conv.conv_dim = 20; // a smaller table: ids 20..23 have no built-in conversion
-    check();
+    Ctx ctx[2];
+    std::map<std::pair<int32_t, int32_t>, ComConvFunc> model[2];
+    std::vector<std::pair<int32_t, int32_t>> first_installed[2];
+    auto check = [&](int k) {
+        const ComContext &c = ctx[k].c;
+        for (int32_t s = -3; s < 34; ++s)
+            for (int32_t d = -3; d < 34; ++d) {
+                const auto it = model[k].find({s, d});
+                const ComConvFunc want = s < 0 || d < 0         ? nullptr
+                                         : it != model[k].end() ? it->second
+                                                                : builtin(s, d);
+                ASSERT_EQ(com_conv_func(&ctx[k].c, s, d), want) << k << ": " << s << " " << d;
+                ASSERT_EQ((com_conv_func)(&ctx[k].c, s, d), want) << k << ": " << s << " " << d;
+            }
+        // The expected list: the first installations, stably grouped by source id.
+        std::vector<std::pair<int32_t, int32_t>> want;
+        for (const auto &[s, d] : first_installed[k])
+            if (std::none_of(want.begin(), want.end(), [s = s](auto p) { return p.first == s; }))
+                for (const auto &p : first_installed[k])
+                    if (p.first == s) want.push_back(p);
+        ASSERT_EQ(user_list(c), want) << k;
+    };
+    // Few ids, so that pairs come back: built-in ones, the table's edge, user ones, negative.
+    const int32_t ids[] = {-1, CS_INT, CS_SMALLINT, 23, 24, 30, 31};
+    const ComConvFunc funcs[] = {user_conv, other_conv, nullptr, comn_i4toi2};
+    std::mt19937 rng(12);
+    for (int step = 0; step < 200; ++step) {
+        const int k = static_cast<int>(rng() % 2);
+        const int32_t s = ids[rng() % 7], d = ids[rng() % 7];
+        const bool user = s >= 24 || d >= 24, install = rng() % 3 != 0;
+        const ComConvFunc f = funcs[rng() % 4];
+        const int32_t rc =
+            install ? com_conv_install(&ctx[k].c, s, d, f) : com_conv_default(&ctx[k].c, s, d);
+        ASSERT_EQ(rc, !user && (s < 0 || d < 0) ? CS_FAIL : CS_SUCCEED) << s << " " << d;
+        const bool known = model[k].count({s, d}) != 0;
+        if (user && install && !known) first_installed[k].emplace_back(s, d);
+        if (rc == CS_SUCCEED && (install || !user || known))
+            model[k][{s, d}] = install ? f : builtin(s, d);
+        check(0);
+        check(1);
+    }
+    EXPECT_EQ(std::memcmp(table, pristine.data(), dim * dim * sizeof(ComConvFunc)), 0);
+
+    // A smaller table: ids from its size up have no built-in conversion. A freed table looks
+    // nothing up at all.
+    ComContext &c = ctx[0].c;
+    c.conv.conv_dim = 20;
     EXPECT_EQ(com_conv_func(&c, 21, CS_INT), nullptr);
+    EXPECT_EQ((com_conv_func)(&c, CS_INT, 22), nullptr);
     c.conv.conv_dim = COMN_CONV_DIM;
     ASSERT_EQ(com_conv_free(&c), CS_SUCCEED);
     EXPECT_EQ(c.conv.conv_table, nullptr);
-    EXPECT_EQ(c.conv.conv_dim, 0u);
     EXPECT_EQ(c.conv.user_convs, nullptr);
-    check();
+    for (int32_t s = -3; s < 34; ++s)
+        for (int32_t d = -3; d < 34; ++d)
+            ASSERT_EQ(com_conv_func(&c, s, d), (com_conv_func)(&c, s, d));
     EXPECT_EQ(com_conv_func(&c, CS_INT, CS_INT), nullptr);
-}
-
-TEST(ConvFrame, TypeLengths) {
-    struct {
-        int32_t id, len, want;
-    } cases[] = {
-        {CS_CHAR, 10, 10},    {CS_VARCHAR, 3, 258}, {CS_VARBINARY, 0, 258}, {CS_TINYINT, 9, 1},
-        {CS_BIT, 9, 1},       {CS_SMALLINT, 9, 2},  {CS_INT, 9, 4},         {CS_REAL, 9, 4},
-        {CS_DATETIME4, 9, 4}, {CS_MONEY4, 9, 4},    {CS_FLOAT, 9, 8},       {CS_DATETIME, 9, 8},
-        {CS_MONEY, 9, 8},     {CS_NUMERIC, 9, 35},  {CS_DECIMAL, 9, 35},    {CS_LONG, 9, 9},
-        {CS_VOID, 6, 6},      {-3, 11, 11},         {100, 12, 12}};
-    for (const auto &c : cases)
-        EXPECT_EQ(comn_typelen(c.id, c.len), c.want) << c.id;
+    EXPECT_EQ(com_conv_install(&c, CS_INT, CS_INT, user_conv), CS_FAIL);
 }
 
 } // namespace

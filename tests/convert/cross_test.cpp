@@ -1,10 +1,9 @@
-// Money, numeric and cross conversions: domain and format errors, every maxlength and flag
-// combination for text destinations, the varchar frame and the source-value marker. Values
-// themselves are checked against Python's decimal by cross_oracle.py.
+// Money, numeric and cross conversions: every maxlength and flag combination for text
+// destinations, the varchar frame, the source-value marker with float sources and the date
+// styles. Values, domain and format errors are checked against Python's decimal by
+// cross_oracle.py.
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <cstring>
 #include <string>
 
 #include "comnlib.h"
@@ -12,37 +11,6 @@
 #include "numeric/num_helpers.h"
 
 namespace {
-
-constexpr unsigned char kCanary = 0xA5;
-
-const ComConvFunc kNumericSources[] = {
-    comn_numtobit,    comn_numtoi1,   comn_numtoi2,    comn_numtoi4,   comn_numtoi8,
-    comn_numtoflt4,   comn_numtoflt8, comn_numtochar,  comn_numtobin,  comn_numtovarchar,
-    comn_numtovarbin, comn_numtonum,  comn_numtomoney, comn_numtomny4,
-};
-
-TEST(CrossConversions, NumericSourceOutsideItsDomainWritesNothing) {
-    struct {
-        uint8_t precision, scale;
-    } bad[] = {{0, 0}, {78, 0}, {255, 0}, {10, 78}, {77, 255}};
-    for (const auto &b : bad) {
-        NumericValue v{};
-        v.precision = b.precision;
-        v.scale = b.scale;
-        for (const ComConvFunc f : kNumericSources) {
-            DataFormat sf{}, df{};
-            df.maxlength = 300;
-            df.precision = 10;
-            unsigned char out[300];
-            std::memset(out, kCanary, sizeof out);
-            int32_t len = -7;
-            EXPECT_EQ(f(nullptr, &sf, &v, &df, out, &len), CS_CONV_DOMAIN)
-                << int(b.precision) << "," << int(b.scale);
-            EXPECT_EQ(len, -7);
-            EXPECT_EQ(out[0], kCanary);
-        }
-    }
-}
 
 // Numeric and money text into every maxlength from -1 to past the text with every flag
 // combination: a text that does not fit is cut with overflow.
@@ -82,39 +50,6 @@ TEST(CrossConversions, TextHonoursEveryMaxlengthAndFlag) {
     EXPECT_EQ(o.bytes.substr(0, 2 + text.size()), std::string("\x50\0", 2) + text);
 }
 
-TEST(CrossConversions, IntoNumericChecksTheDestinationFormat) {
-    const int32_t i = 7;
-    struct {
-        int32_t precision, scale, rc;
-    } cases[] = {
-        {0, 0, CS_CONV_PRECISION},
-        {78, 0, CS_CONV_PRECISION},
-        {-1, 0, CS_CONV_PRECISION},
-        {10, 78, CS_CONV_SCALE},
-        {10, -1, CS_CONV_SCALE},
-        {77, 77, CS_CONV_OVERFLOW},
-        {1, 0, CS_SUCCEED},
-        {CS_SRC_VALUE, 0, CS_SUCCEED},
-        {CS_SRC_VALUE, CS_SRC_VALUE, CS_SUCCEED},
-    };
-    for (const auto &c : cases) {
-        DataFormat df{};
-        df.precision = c.precision;
-        df.scale = c.scale;
-        NumericValue out{};
-        int32_t len = 0;
-        EXPECT_EQ(comn_i4tonum(nullptr, nullptr, const_cast<int32_t *>(&i), &df, &out, &len), c.rc)
-            << c.precision << "," << c.scale;
-        EXPECT_EQ(len, 35);
-        EXPECT_EQ(df.precision, c.precision); // the caller's record is never changed
-        if (c.rc == CS_SUCCEED) {
-            EXPECT_EQ(out.precision, c.precision == CS_SRC_VALUE ? 77 : c.precision);
-            EXPECT_EQ(out.scale, c.scale == CS_SRC_VALUE ? 0 : c.scale);
-            EXPECT_EQ(numtest::text_of(out), "7");
-        }
-    }
-}
-
 TEST(CrossConversions, SourceValueMarkerTakesTheWidestTheValueNeeds) {
     struct {
         double value;
@@ -146,32 +81,8 @@ TEST(CrossConversions, SourceValueMarkerTakesTheWidestTheValueNeeds) {
     }
 }
 
-// Values are checked by the decimal oracle; these are the outcomes it cannot see: a
-// non-finite float leaves a zero magnitude behind, a bit above 1 writes nothing.
-TEST(CrossConversions, NonFiniteFloatsAndBadBitsIntoNumeric) {
-    DataFormat df{};
-    df.precision = 10;
-    df.scale = 2;
-    for (const double v : {std::nan(""), HUGE_VAL, -HUGE_VAL}) {
-        NumericValue out;
-        std::memset(&out, 0xEE, sizeof out);
-        int32_t len = 0;
-        double d = v;
-        EXPECT_EQ(comn_flt8tonum(nullptr, nullptr, &d, &df, &out, &len), CS_CONV_OVERFLOW);
-        EXPECT_EQ(numtest::text_of(out), "0.00");
-    }
-    for (int byte = 2; byte < 256; ++byte) {
-        uint8_t b = static_cast<uint8_t>(byte);
-        int32_t len = -7;
-        NumericValue out{};
-        ASSERT_EQ(comn_bittonum(nullptr, nullptr, &b, &df, &out, &len), CS_CONV_DOMAIN);
-        ASSERT_EQ(len, -7);
-    }
-}
-
+// The date formatter is the oracle: a style it knows is kept, any other becomes 9.
 TEST(CrossConversions, DateStylesTheFormatterDoesNotKnowBecomeNine) {
-    const int32_t known[] = {0, 1, 8, 10, 12, 15, 100, 105, 112};
-    const int32_t unknown[] = {-1, 9, 16, 20, 99, 113, 200, CS_SRC_VALUE};
     CommonInfo info{};
     LocaleRecord rec{};
     rec.common = &info;
@@ -179,14 +90,16 @@ TEST(CrossConversions, DateStylesTheFormatterDoesNotKnowBecomeNine) {
     loc.time = &rec;
     DataFormat df{};
     df.locale = &loc;
-    for (const int32_t id : known) {
-        info.dtfmt = id;
-        EXPECT_EQ(comn_get_datetochar_fmt(nullptr, &df), id);
+    const DateTimeValue v{};
+    char out[64];
+    int known = 0;
+    for (int32_t id = -3; id <= 300; ++id) {
+        info.dtfmt = id == 300 ? CS_SRC_VALUE : id;
+        const bool kept = com__datetochar(&v, out, 64, info.dtfmt, nullptr) != COMN_DATE_NOSTYLE;
+        EXPECT_EQ(comn_get_datetochar_fmt(nullptr, &df), kept ? info.dtfmt : 9) << info.dtfmt;
+        known += kept;
     }
-    for (const int32_t id : unknown) {
-        info.dtfmt = id;
-        EXPECT_EQ(comn_get_datetochar_fmt(nullptr, &df), 9) << id;
-    }
+    EXPECT_GT(known, 20);
 }
 
 } // namespace

@@ -157,3 +157,29 @@ inline Outcome run_conv(ComConvFunc f, ComContext *ctx, DataFormat &sf, const vo
     EXPECT_TRUE(d.guard_intact()) << "written past maxlength " << m;
     return {rc, d.str(), len};
 }
+
+// Runs a conversion from text, a char source in the given locale (if any), into a destination
+// of 300 bytes filled with fill; the outcome holds the whole destination.
+inline Outcome convert(ComConvFunc f, const std::string &text, DataFormat df = {},
+                       ComContext *ctx = nullptr, LocaleHandle *loc = nullptr,
+                       char fill = kUntouched) {
+    DataFormat sf{};
+    sf.maxlength = static_cast<int32_t>(text.size());
+    sf.locale = loc;
+    Outcome o{0, std::string(300, fill), -7};
+    o.rc = f(ctx, &sf, const_cast<char *>(text.data()), &df, o.bytes.data(), &o.len);
+    return o;
+}
+
+// The bytes a conversion produced: its destination up to the result length.
+inline std::string produced(const Outcome &o) {
+    return o.bytes.substr(0, static_cast<size_t>(std::clamp(o.len, 0, 300)));
+}
+
+// The value a conversion left at the start of its destination.
+template <typename T>
+T value_in(const Outcome &o) {
+    T v;
+    std::memcpy(&v, o.bytes.data(), sizeof v);
+    return v;
+}

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "comnlib.h"
+#include "convert/output_model.h"
 #include "intl/intl_test_util.h"
 
 // A context whose locales stay loaded until scope end; locale("ja_JP.SJIS") hands out a
@@ -31,39 +32,25 @@ struct JapaneseSet {
 inline constexpr JapaneseSet kJapaneseSets[] = {
     {"ja_JP.eucJP", false}, {"ja_JP.SJIS", true}, {"ja_JP.deckanji", false}};
 
-// ASCII digits, signs, point and blanks written as full-width characters of the set.
+// ASCII digits, signs, point and blanks written as full-width characters of the set: the
+// lead and trail byte as one number, Shift-JIS then EUC.
 inline std::string full_width(const std::string &ascii, bool sjis) {
+    static const struct {
+        char c;
+        unsigned sjis, euc;
+    } kSymbols[] = {
+        {'+', 0x817B, 0xA1DC}, {'-', 0x817C, 0xA1DD}, {'.', 0x8144, 0xA1A5}, {' ', 0x8140, 0xA1A1}};
     std::string out;
     for (char c : ascii) {
-        unsigned hi, lo;
-        if (c >= '0' && c <= '9') {
-            hi = sjis ? 0x82 : 0xA3;
-            lo = (sjis ? 0x4F : 0xB0) + static_cast<unsigned>(c - '0');
-        } else if (c == '+') {
-            hi = sjis ? 0x81 : 0xA1, lo = sjis ? 0x7B : 0xDC;
-        } else if (c == '-') {
-            hi = sjis ? 0x81 : 0xA1, lo = sjis ? 0x7C : 0xDD;
-        } else if (c == '.') {
-            hi = sjis ? 0x81 : 0xA1, lo = sjis ? 0x44 : 0xA5;
-        } else if (c == ' ') {
-            hi = sjis ? 0x81 : 0xA1, lo = sjis ? 0x40 : 0xA1;
-        } else {
+        unsigned code = c >= '0' && c <= '9' ? (sjis ? 0x824F : 0xA3B0) + (c - '0') : 0;
+        for (const auto &s : kSymbols)
+            if (c == s.c) code = sjis ? s.sjis : s.euc;
+        if (code == 0) {
             out += c;
-            continue;
+        } else {
+            out += static_cast<char>(code >> 8);
+            out += static_cast<char>(code & 0xFF);
         }
-        out += static_cast<char>(hi);
-        out += static_cast<char>(lo);
     }
     return out;
-}
-
-// Runs a conversion from a char source with the given locale (may be null).
-template <typename D>
-int32_t convert_text(ComConvFunc f, const std::string &text, D *dest, int32_t *len,
-                     ComContext *ctx = nullptr, LocaleHandle *loc = nullptr) {
-    DataFormat sf{}, df{};
-    sf.maxlength = static_cast<int32_t>(text.size());
-    sf.locale = loc;
-    df.maxlength = sizeof(D);
-    return f(ctx, &sf, const_cast<char *>(text.data()), &df, dest, len);
 }
