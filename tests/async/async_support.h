@@ -1,6 +1,6 @@
 // Test support for the asynchronous manager: a callback table whose mutexes and events are
-// plain counters (so a single thread can check lock balance and signals, and make a lock
-// fail on demand), and an access-lock routine that fails on demand.
+// plain counters (so a single thread can check lock balance, lock order and signals, and
+// make a lock fail on demand), and an access-lock routine that fails on demand.
 #pragma once
 
 #include <comnlib/async.h>
@@ -8,7 +8,9 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace async_test {
@@ -34,6 +36,10 @@ struct Fakes {
     std::function<void(FakeMutex *)> on_lock; // runs inside a take
     std::function<void(FakeEvent *)> on_wait; // runs inside a wait
     bool fail_access = false;
+    // Lock order: every (held, taken) pair seen. Two mutexes taken in both orders could
+    // deadlock two threads, even where this single thread never blocks.
+    std::vector<FakeMutex *> held;
+    std::set<std::pair<FakeMutex *, FakeMutex *>> order;
 };
 inline Fakes fakes;
 
@@ -45,6 +51,7 @@ inline int32_t create_mutex(void **m) {
 }
 inline int32_t delete_mutex(void *m) {
     EXPECT_EQ(static_cast<FakeMutex *>(m)->depth, 0) << "mutex destroyed while held";
+    std::erase_if(fakes.order, [m](const auto &p) { return p.first == m || p.second == m; });
     delete static_cast<FakeMutex *>(m);
     --fakes.mutexes;
     return CS_SUCCEED;
@@ -53,6 +60,11 @@ inline int32_t take_mutex(void *p) {
     auto *m = static_cast<FakeMutex *>(p);
     if (fakes.fail_lock && ++fakes.locks == fakes.fail_lock) return 0;
     EXPECT_EQ(m->depth, 0) << "a mutex taken twice would deadlock";
+    for (FakeMutex *h : fakes.held) {
+        EXPECT_EQ(fakes.order.count({m, h}), 0u) << "two mutexes taken in both orders";
+        fakes.order.insert({h, m});
+    }
+    fakes.held.push_back(m);
     ++m->depth;
     ++m->takes;
     if (fakes.on_lock) fakes.on_lock(m);
@@ -61,6 +73,7 @@ inline int32_t take_mutex(void *p) {
 inline int32_t release_mutex(void *p) {
     auto *m = static_cast<FakeMutex *>(p);
     EXPECT_EQ(m->depth, 1) << "release of a mutex not held";
+    std::erase(fakes.held, m);
     --m->depth;
     return CS_SUCCEED;
 }

@@ -322,29 +322,4 @@ TEST_F(Managers, FailedAllocationsReportMemErrorWithoutLeaks) {
     EXPECT_EQ(fail_at, 9) << "manager, global, handle, three checkpoints, two more, success";
 }
 
-TEST_F(Managers, StackDepthAndProperties) {
-    ComAsyncManager *m = nullptr;
-    ASSERT_EQ(com_async_init(&m, nullptr, nullptr, 0, nullptr), CS_SUCCEED);
-    ComAsyncHandle *h = nullptr;
-    EXPECT_EQ(com_async_alloc(m, &h, -1), CS_FAIL);
-    ASSERT_EQ(com_async_alloc(m, &h, 0), CS_SUCCEED);
-    int pushed = 0;
-    while (com_async_push(h, done_now) == CS_SUCCEED)
-        ++pushed;
-    EXPECT_EQ(pushed, 32) << "depth 0 asks for the default";
-    int32_t stacked = 0;
-    com_async_state(h, nullptr, &stacked);
-    EXPECT_EQ(stacked, 32);
-
-    int32_t got = 0;
-    void *u = &got, *back = nullptr;
-    EXPECT_EQ(com_async_props(h, COM_ASYNC_SET, COM_ASYNC_PROP_USER2, &u), CS_SUCCEED);
-    EXPECT_EQ(com_async_props(h, COM_ASYNC_GET, COM_ASYNC_PROP_USER2, &back), CS_SUCCEED);
-    EXPECT_EQ(back, &got);
-    EXPECT_EQ(com_async_props(h, COM_ASYNC_GET, 4, &back), CS_FAIL);
-    EXPECT_EQ(com_async_props(h, 3, COM_ASYNC_PROP_USER1, &back), CS_FAIL);
-    EXPECT_EQ(com_async_drop(h), CS_SUCCEED);
-    EXPECT_EQ(com_async_shut(m, 0), CS_SUCCEED);
-}
-
 } // namespace

@@ -1,7 +1,8 @@
 // A reference model of one manager's handles on one thread, driven by random operation
 // sequences: after every call the result, each handle's state, stack depth, flags and
 // completion, the order in which state and checkpoint functions ran with the status each
-// received, and the number of event signals must agree with the model.
+// received, and the number of event signals must agree with the model. Handles are dropped
+// and made again, so the manager's list changes order; stacks have random depths.
 #include "async_support.h"
 
 #include <algorithm>
@@ -12,7 +13,7 @@ using namespace async_test;
 
 namespace {
 
-constexpr int kHandles = 3, kDepth = 4;
+constexpr int kHandles = 3;
 std::vector<std::string> trace;
 
 // p passes status + 1 on, w suspends, x fails, f completes with code 42 and passes
@@ -39,7 +40,9 @@ struct Model {
         int32_t state = COM_ASYNC_IDLE, status = CS_SUCCEED, code = -1, comp = 0;
         uint32_t flags = 0;
         bool started = false;
+        size_t depth = 0;
     } h[kHandles];
+    std::deque<int> order; // handle numbers, newest first
     std::vector<std::string> trace;
     int signals = 0;
 
@@ -60,7 +63,8 @@ struct Model {
         return call(i, k, s);
     }
     int32_t start(int i) {
-        h[i] = {h[i].stack, h[i].checks, COM_ASYNC_RUNNING, CS_SUCCEED, -1, 0, h[i].flags, true};
+        H &x = h[i];
+        x = {x.stack, x.checks, COM_ASYNC_RUNNING, CS_SUCCEED, -1, 0, x.flags, true, x.depth};
         const int32_t r = checkpoint(i, COM_ASYNC_CHECK_STEP, CS_SUCCEED);
         return r == CS_PENDING ? CS_SUCCEED : r;
     }
@@ -116,7 +120,7 @@ struct Model {
     // routine a pending operation times the poll out.
     int32_t poll(int one, bool take, int &found) {
         bool pending = false;
-        for (int i = kHandles - 1; i >= 0; --i) {
+        for (const int i : order) {
             if (one >= 0 && i != one) continue;
             const int32_t r = poll_state(i, take);
             pending |= r == CS_PENDING;
@@ -127,7 +131,7 @@ struct Model {
         return pending ? CS_TIMED_OUT : CS_QUIET;
     }
     int find(int code, int ref, bool take) { // user value 1 is shared by even and odd handles
-        for (int i = kHandles - 1; i >= 0; --i) {
+        for (const int i : order) {
             if (h[i].state != COM_ASYNC_DONE || h[i].code != code || (ref >= 0 && i % 2 != ref % 2))
                 continue;
             if (take) h[i].state = COM_ASYNC_IDLE;
@@ -145,19 +149,37 @@ void run_sequence(const ComThreadCallbacks *cb, unsigned seed) {
     ComAsyncManager *m = nullptr;
     ComAsyncHandle *hs[kHandles];
     int ids[kHandles], groups[2];
+    std::mt19937 rng(seed);
     ASSERT_EQ(com_async_init(&m, nullptr, nullptr, 0, cb), CS_SUCCEED);
-    for (int i = 0; i < kHandles; ++i) {
-        ASSERT_EQ(com_async_alloc(m, &hs[i], kDepth), CS_SUCCEED);
-        void *u1 = &groups[i % 2], *u2 = &(ids[i] = i);
-        com_async_props(hs[i], COM_ASYNC_SET, COM_ASYNC_PROP_USER1, &u1);
-        com_async_props(hs[i], COM_ASYNC_SET, COM_ASYNC_PROP_USER2, &u2);
-    }
+    // A new handle for number i, the newest of the manager; depth 0 asks for 32 functions.
+    auto make = [&](int i) {
+        const int32_t depth = static_cast<int32_t>(rng() % 5);
+        ASSERT_EQ(com_async_alloc(m, &hs[i], depth), CS_SUCCEED);
+        model.h[i] = {};
+        model.h[i].depth = depth ? static_cast<size_t>(depth) : 32;
+        model.order.push_front(i);
+        for (size_t k = 0; k <= model.h[i].depth; ++k) // full at its depth; abort empties it
+            ASSERT_EQ(com_async_push(hs[i], step<'p'>),
+                      k < model.h[i].depth ? CS_SUCCEED : CS_FAIL);
+        ASSERT_EQ(com_async_abort(hs[i]), CS_SUCCEED);
+        void *u1 = &groups[i % 2], *u2 = &(ids[i] = i), *back = nullptr;
+        ASSERT_EQ(com_async_props(hs[i], COM_ASYNC_SET, COM_ASYNC_PROP_USER1, &u1), CS_SUCCEED);
+        ASSERT_EQ(com_async_props(hs[i], COM_ASYNC_SET, COM_ASYNC_PROP_USER2, &u2), CS_SUCCEED);
+        ASSERT_EQ(com_async_props(hs[i], COM_ASYNC_GET, COM_ASYNC_PROP_USER2, &back), CS_SUCCEED);
+        ASSERT_EQ(back, u2);
+    };
+    for (int i = 0; i < kHandles; ++i)
+        make(i);
+    ComAsyncHandle *none = nullptr;
+    void *unused = nullptr;
+    EXPECT_EQ(com_async_alloc(m, &none, -1), CS_FAIL);
+    EXPECT_EQ(com_async_props(hs[0], COM_ASYNC_GET, 4, &unused), CS_FAIL); // no such property
+    EXPECT_EQ(com_async_props(hs[0], 3, COM_ASYNC_PROP_USER1, &unused), CS_FAIL); // nor action
     auto index = [&](ComAsyncHandle *h) {
         return h ? int(std::find(hs, hs + kHandles, h) - hs) : -1;
     };
-    std::mt19937 rng(seed);
     for (int n = 0; n < 300; ++n) {
-        const int i = static_cast<int>(rng() % kHandles), op = static_cast<int>(rng() % 14);
+        const int i = static_cast<int>(rng() % kHandles), op = static_cast<int>(rng() % 15);
         const int32_t s = 100 + static_cast<int32_t>(rng() % 100), code = rng() & 1 ? 7 : 42;
         const bool take = rng() & 1, one = rng() & 1;
         const int k = static_cast<int>(rng() % 5);
@@ -166,7 +188,7 @@ void run_sequence(const ComThreadCallbacks *cb, unsigned seed) {
         int want_found = -1;
         SCOPED_TRACE(testing::Message() << "step " << n << " op " << op << " handle " << i);
         if (op < 4) {
-            const bool room = x.stack.size() < kDepth;
+            const bool room = x.stack.size() < x.depth;
             if (room) x.stack.push_front(kKinds[k % 4]);
             ASSERT_EQ(com_async_push(hs[i], kFuncs[k % 4]), room ? CS_SUCCEED : CS_FAIL);
         } else if (op == 4) {
@@ -200,6 +222,10 @@ void run_sequence(const ComThreadCallbacks *cb, unsigned seed) {
         } else if (op == 12) {
             const int32_t fl = (k % 3) * 2; // none, any state, keep
             ASSERT_EQ(com_async_complete(hs[i], code, s, fl), model.complete(i, code, s, fl));
+        } else if (op == 14) {
+            ASSERT_EQ(com_async_drop(hs[i]), CS_SUCCEED);
+            model.order.erase(std::find(model.order.begin(), model.order.end(), i));
+            make(i);
         } else {
             want_found = model.find(code, one ? i : -1, take);
             const int32_t flags =

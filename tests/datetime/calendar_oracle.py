@@ -5,7 +5,9 @@ ISO year, week and weekday, quarter, Sunday-based week, weekday from Sunday and 
 every (year, month, day) is made, with each field one beyond its range; fixed-seed random
 pairs exercise differences and additions by every part, with times of day (ticks of 1/300 s)
 at the 32-bit limits; random datetimes are printed in every style, and written in the
-accepted text forms for the parser. The library's answers come from the helper program
+accepted text forms for the parser (month names, numbers in every order and numeric style,
+packed digits, two-digit years, a year alone or with a month, 24- and 12-hour times with
+fractions, an hour alone with AM or PM). The library's answers come from the helper program
 named on the command line."""
 import calendar
 import datetime
@@ -286,21 +288,31 @@ def check_format():
 
 def time_form(rng, h, mi, sec, ms):
     """A time of day as text, and the ticks it stands for."""
-    form = rng.randrange(5)
+    frac = ("%03d" % ms)[:rng.randint(1, 3)]  # a decimal fraction of a second
+    form = rng.randrange(7)
     if form == 0:
         return "%d:%02d" % (h, mi), h * TPH + mi * TPM
     if form == 1:
         return "%02d:%02d:%02d" % (h, mi, sec), h * TPH + mi * TPM + sec * TPS
-    if form == 2:  # a decimal fraction of a second
-        frac = ("%03d" % ms)[:rng.randint(1, 3)]
+    h12, pm = h % 12 or 12, h >= 12
+    ampm = rng.choice(["PM", "pm"] if pm else ["AM", "am"])
+    if form == 2:  # an hour alone on the 12-hour clock
+        return "%d %s" % (h12, ampm), h * TPH
+    if form == 3:  # a fraction after the minutes
+        sec, ms = 0, int(frac.ljust(3, "0"))
+        text = "%d:%02d.%s" % (h, mi, frac)
+    elif form == 4:
         ms = int(frac.ljust(3, "0"))
         text = "%d:%02d:%02d.%s" % (h, mi, sec, frac)
-    elif form == 3:  # milliseconds after a colon
+    elif form == 5:  # milliseconds after a colon
         text = "%d:%02d:%02d:%d" % (h, mi, sec, ms)
-    else:  # 12-hour clock
-        h12, pm = h % 12 or 12, h >= 12
-        text = rng.choice(["%d:%02d:%02d:%03d%s", "%d:%02d:%02d:%03d %s"]) % (
-            h12, mi, sec, ms, rng.choice(["PM", "pm"] if pm else ["AM", "am"]))
+    else:  # 12-hour clock, milliseconds after a colon or a fraction; an hour past 12 keeps PM
+        if rng.randrange(2):
+            ms, tail = int(frac.ljust(3, "0")), "." + frac
+        else:
+            tail = ":%03d" % ms
+        text = "%d:%02d:%02d%s%s%s" % (h if pm and rng.randrange(2) else h12, mi, sec, tail,
+                                       rng.choice(["", " "]), ampm)
     return text, h * TPH + mi * TPM + sec * TPS + (299 if ms == 999 else ms_ticks(ms))
 
 
@@ -353,7 +365,13 @@ def check_parse():
         d = datetime.date.fromordinal(o)
         ms = rng.choice([0, 5, 999, rng.randrange(1000)])
         time, ticks = time_form(rng, rng.randrange(24), rng.randrange(60), rng.randrange(60), ms)
-        date, style, order = date_form(rng, d)
+        if rng.randrange(8):
+            date, style, order = date_form(rng, d)
+        else:  # a year alone or with a month name: the first day of the year or of the month
+            alone = rng.randrange(2)
+            d = d.replace(month=1, day=1) if alone else d.replace(day=1)
+            o, name = d.toordinal(), rng.choice([MONTHS[d.month - 1], MONTHS[d.month - 1][:3]])
+            date, style, order = "%04d" % d.year if alone else "%04d %s" % (d.year, name), 0, 1
         kind = rng.randrange(4)
         if kind == 0:
             text, want = date, (o - EPOCH, 0)

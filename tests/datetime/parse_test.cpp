@@ -1,6 +1,7 @@
 // The date parser beside the Python oracle (which writes random datetimes in the accepted
-// forms): the forms it does not generate, rejected forms with their codes, hostile byte
-// strings, and classification through a character attribute record.
+// forms): blank text, rejected forms with their codes (hostile bytes among them), the token
+// limit, time-only and small-datetime reads, and classification through a character
+// attribute record.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -27,46 +28,22 @@ Parsed parse(const std::string &text, int32_t style = 0, int32_t order = 1,
     return p;
 }
 
-struct Accepted {
-    const char *text;
-    int32_t style, order;
-    int y, m, d, h, mi, s, ms;
-};
-
-// The Python oracle writes random datetimes in the accepted forms (month names, numbers in
-// every order and numeric style, packed digits, two-digit years, 24- and 12-hour times with
-// fractions); these are the forms it does not generate.
-TEST(DateParse, AcceptedForms) {
-    // clang-format off
-    const Accepted cases[] = {
-        {"15/jan/1999", 0, 1, 1999, 1, 15, 0, 0, 0, 0},
-        {"1999 Jan", 0, 1, 1999, 1, 1, 0, 0, 0, 0},
-        {"1999", 0, 1, 1999, 1, 1, 0, 0, 0, 0},
-        {"", 0, 1, 1900, 1, 1, 0, 0, 0, 0},
-        {"    ", 0, 1, 1900, 1, 1, 0, 0, 0, 0},
-        {"Jan 1 1999 10:30:15.5PM", 0, 1, 1999, 1, 1, 22, 30, 15, 500},
-        {"10:30.5", 0, 1, 1900, 1, 1, 10, 30, 0, 500},
-        {"12:00 pm", 0, 1, 1900, 1, 1, 12, 0, 0, 0},
-        {"10 PM", 0, 1, 1900, 1, 1, 22, 0, 0, 0},
-        {"13:00 PM", 0, 1, 1900, 1, 1, 13, 0, 0, 0},
-    };
-    // clang-format on
-    for (const Accepted &c : cases) {
-        const Parsed p = parse(c.text, c.style, c.order);
-        ASSERT_EQ(p.rc, 0) << '"' << c.text << "\" style " << c.style;
-        EXPECT_EQ(p.r.year, c.y) << c.text;
-        EXPECT_EQ(p.r.month + 1, c.m) << c.text;
-        EXPECT_EQ(p.r.day_of_month, c.d) << c.text;
-        EXPECT_EQ(p.r.hour, c.h) << c.text;
-        EXPECT_EQ(p.r.minute, c.mi) << c.text;
-        EXPECT_EQ(p.r.second, c.s) << c.text;
-        EXPECT_EQ(p.r.millisecond, c.ms) << c.text;
+// The Python oracle writes random datetimes in the accepted forms; nothing but blanks is
+// midnight of 1 January 1900.
+TEST(DateParse, BlanksAloneAreTheFirstDay) {
+    for (const char *blank : {"", "    "}) {
+        const Parsed p = parse(blank);
+        EXPECT_EQ(p.rc, 0);
+        EXPECT_EQ((std::vector{p.r.year, p.r.month, p.r.day_of_month, p.r.hour, p.r.minute}),
+                  (std::vector{1900, 0, 1, 0, 0}));
     }
 }
 
+// Rejected forms and their codes. Reads past the end of arbitrary bytes are the date parser
+// fuzz target's concern (it replays exactly sized inputs under the sanitizers).
 TEST(DateParse, RejectedFormsAndTheirCodes) {
     struct {
-        const char *text;
+        std::string text;
         int32_t style, order, rc;
     } cases[] = {
         {"15.01.99", 103, 1, -1}, // style 103 wants a four-digit year
@@ -100,9 +77,21 @@ TEST(DateParse, RejectedFormsAndTheirCodes) {
         {"Jan 15 1999", -1, 1, -1},
         {"01/15/1999 x", 0, 1, -1},
         {"15 Jan 1999 1999", 0, 1, -2},
+        // Embedded NUL, high bytes and control bytes.
+        {std::string("Jan\0 15 1999", 12), 0, 1, -1},
+        {"\xC9t\xE9", 0, 1, -1},
+        {"Jan 15 1999\x7F", 0, 1, -1},
+        {"1999\x01", 0, 1, -1},
     };
-    for (auto c : cases)
+    for (const auto &c : cases)
         EXPECT_EQ(parse(c.text, c.style, c.order).rc, c.rc) << '"' << c.text << '"';
+    // The length, not a terminator, ends the text; no text or a negative length is empty.
+    DateTimeValue dt;
+    EXPECT_EQ(com__datefromchar_mb(&dt, "Jan 15 1999garbage", 11, 0, 1, com__get_months(),
+                                   com__get_shortmonths(), nullptr),
+              0);
+    EXPECT_EQ(com__datefromchar_mb(&dt, nullptr, 0, 0, 1, nullptr, nullptr, nullptr), 0);
+    EXPECT_EQ(com__datefromchar_mb(&dt, "x", -5, 0, 1, nullptr, nullptr, nullptr), 0);
 }
 
 TEST(DateParse, TokenLimitIsTwentyWithTheEnd) {
@@ -113,28 +102,6 @@ TEST(DateParse, TokenLimitIsTwentyWithTheEnd) {
     EXPECT_EQ(parse(nineteen).rc, -2); // fits, but nothing takes the commas
     EXPECT_EQ(parse(twenty).rc, -1);
     EXPECT_EQ(parse(std::string(10000, '7')).rc, -1);
-}
-
-TEST(DateParse, HostileBytesStayWithinTheLength) {
-    // Embedded NUL, high bytes and control bytes are errors; nothing past the length is read
-    // (the vector's exact size lets ASan catch an over-read).
-    const std::vector<std::string> inputs = {std::string("Jan\0 15 1999", 12), "\xC9t\xE9",
-                                             "Jan 15 1999\x7F", "\xFF", "1999\x01"};
-    for (const std::string &s : inputs) {
-        std::vector<char> exact(s.begin(), s.end());
-        DateTimeValue dt;
-        const int32_t rc =
-            com__datefromchar_mb(&dt, exact.data(), static_cast<int32_t>(exact.size()), 0, 1,
-                                 com__get_months(), com__get_shortmonths(), nullptr);
-        EXPECT_EQ(rc, -1);
-    }
-    // The length, not a terminator, ends the text.
-    DateTimeValue dt;
-    EXPECT_EQ(com__datefromchar_mb(&dt, "Jan 15 1999garbage", 11, 0, 1, com__get_months(),
-                                   com__get_shortmonths(), nullptr),
-              0);
-    EXPECT_EQ(com__datefromchar_mb(&dt, nullptr, 0, 0, 1, nullptr, nullptr, nullptr), 0);
-    EXPECT_EQ(com__datefromchar_mb(&dt, "x", -5, 0, 1, nullptr, nullptr, nullptr), 0);
 }
 
 TEST(DateParse, NothingBeyondTheEndTokenIsRead) {

@@ -1,21 +1,14 @@
-// Money arithmetic that the differential test (money_oracle.py) cannot reach: the header's
-// inline addition and subtraction against the routines, the extremes, the copy codes of the
-// two layers and the remainder stubs.
+// Money arithmetic that the differential test (money_oracle.py) cannot reach: the extremes,
+// the copy codes of the two layers and the remainder stubs.
 #include <gtest/gtest.h>
 
 #include "comnlib/money.h"
-#include "inline_addsub_check.h"
 #include "money/money_internal.h"
 
 namespace {
 
 using comn::mny_get;
 using comn::mny_make;
-
-// inline_portable_test.cpp runs the same check over the plain C overflow test.
-TEST(MoneyArith, InlineAddSubAgreeWithTheRoutines) {
-    check_inline_addsub();
-}
 
 TEST(MoneyArith, ExtremesCopyCodesAndStubs) {
     MoneyValue m = mny_make(5);

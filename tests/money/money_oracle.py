@@ -6,11 +6,13 @@ every answer with the result computed here from integers, fractions and decimal 
 ROUND_HALF_UP (half away from zero): add, subtract, multiply, divide, negate, increment,
 decrement and compare on 8-byte and 4-byte money (every layer of each, which must agree),
 printing with 1 to 4 places with and without separators into buffers that fit or not,
-parsing of generated texts, money to double and double to money, money to integer.
+parsing of generated texts, money to double and double to money, money to integer, and
+every client conversion between money and the integer, bit and float types.
 
-usage: money_oracle.py DRIVER
+usage: money_oracle.py DRIVER...   (each driver answers every case)
 """
 import random
+import struct
 import subprocess
 import sys
 from decimal import Decimal, ROUND_HALF_UP, getcontext
@@ -117,7 +119,7 @@ def expect_parse(value):
 
 def expect_fromdbl(d):
     x = abs(d) + 0.00005  # the same IEEE double arithmetic as the library
-    if x > FLOAT_LIMIT:
+    if not x <= FLOAT_LIMIT:  # NaN included
         return "-1 0"
     if x == FLOAT_LIMIT:
         return f"8 {MAX}"
@@ -125,19 +127,73 @@ def expect_fromdbl(d):
     return f"8 {-units if d < 0 else units}"
 
 
-def ulps_apart(a, b):
-    import struct
-    ia = struct.unpack("<q", struct.pack("<d", a))[0]
-    ib = struct.unpack("<q", struct.pack("<d", b))[0]
+# Client conversions: the destination's size, and the inclusive range of integer types (the
+# "i8" type is a 32-bit long).
+SIZES = {"i1": 1, "i2": 2, "i4": 4, "i8": 4, "bit": 1, "flt4": 4, "flt8": 8, "money": 8, "mny4": 4}
+RANGES = {"i1": (0, 255), "i2": (-2**15, 2**15 - 1), "i4": (-2**31, 2**31 - 1),
+          "i8": (-2**31, 2**31 - 1)}
+SUCCEED, OVERFLOW = 1, -101
+
+
+def single(d):
+    return struct.unpack("<f", struct.pack("<f", d))[0]
+
+
+def expect_conv(src, dst, v):
+    """(rc, result) of comn_<src>to<dst>; v is in units for money sources. Integer results are
+    clamped to the destination's range, failed conversions into money store 0."""
+    if src in ("money", "mny4"):
+        if dst in RANGES:
+            lo, hi = RANGES[dst]
+            r = half_away(v, 10000)
+            return (SUCCEED if lo <= r <= hi else OVERFLOW), min(max(r, lo), hi)
+        if dst in ("flt4", "flt8"):
+            return SUCCEED, float(Fraction(v, 10000))
+        if dst == "bit":
+            return SUCCEED, int(v != 0)
+        return (SUCCEED, v) if dst == "money" or fits(v, 32) else (OVERFLOW, 0)
+    if src in ("flt4", "flt8"):
+        rc, units = (int(x) for x in expect_fromdbl(v).split())
+    else:
+        rc, units = 8, v * 10000
+    ok = rc == 8 and (dst == "money" or fits(units, 32))
+    return (SUCCEED, units) if ok else (OVERFLOW, 0)
+
+
+def conv_cases():
+    for pair in ("money i1 i2 i4 i8 bit flt4 flt8 money mny4", "mny4 i1 i2 i4 i8 bit flt4 flt8 "
+                 "money mny4", "i1 money mny4", "i2 money mny4", "i4 money mny4",
+                 "flt4 money mny4", "flt8 money mny4"):
+        src, *dsts = pair.split()
+        for _ in range(2000):
+            if src in ("money", "mny4"):
+                v = rand_money(64 if src == "money" else 32)
+                v >>= rng.randrange(40) if rng.randrange(2) else 0
+            elif src in RANGES:
+                lo, hi = RANGES[src]
+                v = rng.choice([lo, hi, rng.randint(lo, hi), rng.randint(max(lo, -300), min(hi, 300))])
+            else:
+                v = rng.choice([rand_money() / 10000, rng.uniform(-3e5, 3e5), float("nan"),
+                                float("inf"), 214748.3647, -214748.3648, 214748.3648, 1e300])
+                v = single(v) if src == "flt4" and abs(v) < 3e38 else v
+            for dst in dsts:
+                rc, want = expect_conv(src, dst, v)
+                arg = v.hex() if isinstance(v, float) else v
+                yield f"conv {src} {dst} {arg}", dst, (rc, SIZES[dst], want)
+
+
+def ulps_apart(a, b, single_precision=False):
+    real, integer, bits = ("<f", "<i", 31) if single_precision else ("<d", "<q", 63)
+    ia = struct.unpack(integer, struct.pack(real, a))[0]
+    ib = struct.unpack(integer, struct.pack(real, b))[0]
     if ia < 0:
-        ia = -(2**63) - ia
+        ia = -(2**bits) - ia
     if ib < 0:
-        ib = -(2**63) - ib
+        ib = -(2**bits) - ib
     return abs(ia - ib)
 
 
 def main():
-    driver = sys.argv[1]
     lines, checks = [], []
 
     for _ in range(20000):
@@ -192,24 +248,36 @@ def main():
         lines.append(f"toint {v}")
         checks.append(("exact", f"0 {r}" if -2**31 <= r < 2**31 else "1 0"))
 
-    out = subprocess.run([driver], input="\n".join(lines) + "\n", capture_output=True,
-                         text=True, check=True).stdout.splitlines()
-    if len(out) != len(lines):
-        print(f"driver answered {len(out)} of {len(lines)} lines")
-        return 1
+    for line, dst, (rc, size, want) in conv_cases():
+        lines.append(line)
+        if dst not in ("flt4", "flt8"):
+            checks.append(("exact", f"{rc} {size} {want}"))
+        else:  # one rounding from the exact value: at most one unit in the last place
+            checks.append(("conv~", (rc, size, want)))
+
     failures = 0
-    for line, (kind, want), got in zip(lines, checks, out):
-        ok = True
-        if kind == "exact":
-            ok = got == want
-        elif kind == "code":
-            ok = got.split()[0] == want
-        elif kind.startswith("double"):
-            ok = ulps_apart(float.fromhex(got), want) <= (1 if kind == "double~" else 0)
-        if not ok:
-            failures += 1
-            if failures <= 20:
-                print(f"{line!r}: got {got!r}, want {want!r}")
+    for driver in sys.argv[1:]:
+        out = subprocess.run([driver], input="\n".join(lines) + "\n", capture_output=True,
+                             text=True, check=True).stdout.splitlines()
+        if len(out) != len(lines):
+            print(f"{driver} answered {len(out)} of {len(lines)} lines")
+            return 1
+        for line, (kind, want), got in zip(lines, checks, out):
+            ok = True
+            if kind == "exact":
+                ok = got == want
+            elif kind == "code":
+                ok = got.split()[0] == want
+            elif kind == "conv~":
+                rc, size, got_value = got.split()
+                ok = (int(rc), int(size)) == want[:2] and ulps_apart(
+                    float.fromhex(got_value), want[2], size == "4") <= 1
+            elif kind.startswith("double"):
+                ok = ulps_apart(float.fromhex(got), want) <= (1 if kind == "double~" else 0)
+            if not ok:
+                failures += 1
+                if failures <= 20:
+                    print(f"{driver}: {line!r}: got {got!r}, want {want!r}")
     print(f"{len(lines)} cases, {failures} failures")
     return 1 if failures else 0
 

@@ -2,15 +2,19 @@
 // money_oracle.py: reads one operation per line from stdin and prints its outcome.
 //   OP A B       -> "code result"  OP: add sub mul div neg inc dec on 8-byte money, or
 //                   add4 sub4 mul4 div4 neg4 on 4-byte money (A, B, result: 1/10000 units).
-//                   Every layer is called; "layers disagree" when the client form's code is
-//                   not the mapped internal code, the old form's not the internal one, or
-//                   their results differ. The destination starts as 77.
+//                   Every layer is called, and the inline forms of addition and subtraction
+//                   (the portable ones when built with COMN_PORTABLE_INLINE); "layers
+//                   disagree" when a client form's code is not the mapped internal code, an
+//                   old form's not the internal one, or results differ. The destination
+//                   starts as 77.
 //   cmp|cmp4 A B  -> the comparison (-1, 0, 1) of both forms, or "layers disagree"
 //   print V FLAGS LEN -> the text in a buffer of LEN bytes, or <null>
 //   parse HEX     -> "code result"   (HEX: the text's bytes in hexadecimal)
 //   todbl V       -> the double in %a form
 //   fromdbl HEXFLOAT -> "rc result"
 //   toint V       -> "code result"
+//   conv S D V    -> "rc length result" of comn_<S>to<D>, every money pair (V and result:
+//                    money in 1/10000 units, integers in decimal, floats in %a form)
 #include <cinttypes>
 #include <cstdio>
 #include <cstdlib>
@@ -19,6 +23,7 @@
 #include <string>
 #include <vector>
 
+#include "comnlib/convert.h"
 #include "comnlib/money.h"
 #include "money/money_internal.h"
 
@@ -42,15 +47,19 @@ V make(int64_t v) {
         return V{static_cast<int32_t>(v)};
 }
 
-// The three layers of one operation, each as a binary routine; unary operations ignore b.
+// The three layers of one operation as binary routines (unary operations ignore b), then
+// the header's inline forms of the three where there are any: the inline forms called by
+// their names, the routines through their addresses.
 template <typename V>
 struct Layers {
     using Fn = int32_t (*)(const V *, const V *, V *);
-    Fn internal, client, old;
+    Fn fn[6];
 };
 #define COMN_BINARY_(i, c, o)                                                                      \
     Layers<V> {                                                                                    \
-        i, c, o                                                                                    \
+        i, c, o, [](const V *a, const V *b, V *r) { return i(a, b, r); },                          \
+            [](const V *a, const V *b, V *r) { return c(a, b, r); },                               \
+            [](const V *a, const V *b, V *r) { return o(a, b, r); }                                \
     }
 #define COMN_UNARY_(i, c, o)                                                                       \
     Layers<V> {                                                                                    \
@@ -93,14 +102,20 @@ bool run(const std::map<std::string, Layers<V>> &ops, const std::string &op, int
     const auto it = ops.find(op);
     if (it == ops.end()) return false;
     const V x = make<V>(a), y = make<V>(b);
-    V r[3] = {make<V>(77), make<V>(77), make<V>(77)};
     const Layers<V> &l = it->second;
-    const int32_t code = l.internal(&x, &y, &r[0]);
-    if (l.client(&x, &y, &r[1]) != comn__arith_to_conv(code) || l.old(&x, &y, &r[2]) != code ||
-        get(r[1]) != get(r[0]) || get(r[2]) != get(r[0]))
+    V r0 = make<V>(77);
+    const int32_t code = l.fn[0](&x, &y, &r0);
+    bool agree = true;
+    for (int k = 1; k < 6; ++k) {
+        V r = make<V>(77);
+        if (l.fn[k]) // the client forms map the code
+            agree &= l.fn[k](&x, &y, &r) == (k % 3 == 1 ? comn__arith_to_conv(code) : code) &&
+                     get(r) == get(r0);
+    }
+    if (!agree)
         std::printf("layers disagree\n");
     else
-        std::printf("%d %" PRId64 "\n", code, get(r[0]));
+        std::printf("%d %" PRId64 "\n", code, get(r0));
     return true;
 }
 
@@ -115,6 +130,37 @@ void compare(int32_t (*client)(const V *, const V *), int32_t (*old)(const V *, 
     else
         std::printf("%d\n", c);
 }
+
+// A value of a client type, written from its text or read back as text.
+uint8_t *encode(const std::string &type, const char *text, uint8_t *out) {
+    auto put = [out](auto v) { return static_cast<uint8_t *>(std::memcpy(out, &v, sizeof v)); };
+    if (type == "money") return put(comn::mny_make(arg(text)));
+    if (type == "flt8") return put(std::strtod(text, nullptr));
+    if (type == "flt4") return put(static_cast<float>(std::strtod(text, nullptr)));
+    if (type == "i2") return put(static_cast<int16_t>(arg(text)));
+    if (type == "i1") return put(static_cast<uint8_t>(arg(text)));
+    return put(static_cast<int32_t>(arg(text))); // mny4, i4
+}
+std::string decode(const std::string &type, const uint8_t *p) {
+    auto get = [p](auto v) { return std::memcpy(&v, p, sizeof v), v; };
+    char buf[64];
+    if (type == "money")
+        std::snprintf(buf, sizeof buf, "%" PRId64, comn::mny_get(get(MoneyValue{})));
+    else if (type == "flt8" || type == "flt4")
+        std::snprintf(buf, sizeof buf, "%a", type == "flt8" ? get(0.0) : get(0.0f));
+    else if (type == "i2")
+        std::snprintf(buf, sizeof buf, "%d", get(int16_t{}));
+    else if (type == "i1" || type == "bit")
+        std::snprintf(buf, sizeof buf, "%d", get(uint8_t{}));
+    else
+        std::snprintf(buf, sizeof buf, "%d", get(int32_t{}));
+    return buf;
+}
+
+#define COMN_PAIR_ENTRY_(a, b) {#a " " #b, comn_##a##to##b},
+const std::map<std::string, ComConvFunc> kConversions = {
+    COMN_MONEY_SOURCE_PAIRS(COMN_PAIR_ENTRY_) COMN_INTO_MONEY_PAIRS(COMN_PAIR_ENTRY_)};
+#undef COMN_PAIR_ENTRY_
 
 } // namespace
 
@@ -164,6 +210,15 @@ int main() {
             int32_t r;
             const int32_t code = com__mnytoint(&x, &r);
             std::printf("%d %d\n", code, r);
+        } else if (o == "conv" && kConversions.count(std::string(a) + " " + b)) {
+            uint8_t src[8], dst[8];
+            std::memset(dst, 0x5A, sizeof dst);
+            encode(a, c, src);
+            DataFormat sf{}, df{};
+            int32_t len = -1;
+            const int32_t rc =
+                kConversions.at(std::string(a) + " " + b)(nullptr, &sf, src, &df, dst, &len);
+            std::printf("%d %d %s\n", rc, len, decode(b, dst).c_str());
         } else {
             std::printf("?\n");
         }

@@ -5,7 +5,7 @@ Random values at precisions 1, 9, 18, 19, 38, 39 and 77 with mixed scales (fixed
 sent to the driver named on the command line; every answer is checked against decimal
 arithmetic rounded half away from zero (ROUND_HALF_UP on magnitudes) with enough precision
 to be exact. Covers parse -> print (exponents included), add, subtract, multiply, divide,
-compare and rescale.
+compare and rescale, and the internal division into a quotient of any precision and scale.
 """
 import random
 import subprocess
@@ -237,6 +237,23 @@ def rescale_case():
     cases.append((req, lambda ans, w=want: ans == w, req))
 
 
+def internal_div_case():
+    """The internal division without a remainder into a quotient of its own precision and
+    scale, which takes the fixed-width path wherever the operands fit four limbs: the quotient
+    half away from zero, 1 when it does not fit, 3 for a zero divisor."""
+    pa, pb, pq = rng.choice(PRECS), rng.choice(PRECS), rng.choice(PRECS)
+    sa, sb, sq = pick_scale(pa), pick_scale(pb), pick_scale(pq)
+    a, b = rand_units(pa), rand_units(pb) if rng.random() > 0.01 else 0
+    req = "D %d %d %s %d %d %s %d %d" % (pa, sa, text_of(a, sa), pb, sb, text_of(b, sb), pq, sq)
+    shift = sq - sa + sb
+    if b == 0:
+        want = "3 -"
+    else:
+        units = round_div(a * 10**shift, b) if shift >= 0 else round_div(a, b * 10**-shift)
+        want = "0 %s" % text_of(units, sq) if fits(units, pq) else "1 -"
+    cases.append((req, lambda ans, w=want: ans == w, req))
+
+
 def main():
     driver = sys.argv[1]
     for _ in range(6000):
@@ -249,6 +266,8 @@ def main():
         arith_case()
     for _ in range(6000):
         rescale_case()
+    for _ in range(20000):
+        internal_div_case()
     request = "".join(line + "\n" for line, _, _ in cases)
     out = subprocess.run([driver], input=request, capture_output=True, text=True, check=True)
     answers = out.stdout.split("\n")

@@ -6,6 +6,8 @@
 //                                           texts at their scale; prints "rc precision scale
 //                                           text" (cmp: the comparison)
 //   N <sp> <ss> <value> <dp> <ds>           comn_numtonum; prints "rc text"
+//   D <pa> <sa> <a> <pb> <sb> <b> <pq> <sq>  the internal division without a remainder into
+//                                           a quotient of (pq, sq); prints "rc text"
 #include <cstdio>
 #include <cstring>
 #include <iostream>
@@ -99,6 +101,18 @@ int main() {
             const int rc = comn_numtonum(nullptr, &sf, &v, &df, &d, &len);
             std::printf("%d %s\n", rc,
                         rc == CS_SUCCEED || rc == CS_CONV_TRUNCATED ? print(d).c_str() : "-");
+        } else if (kind == "D") {
+            std::string ta, tb;
+            int pa, sa, pb, sb, pq, sq;
+            in >> pa >> sa >> ta >> pb >> sb >> tb >> pq >> sq;
+            NumericValue a = value(ta, pa, sa), b = value(tb, pb, sb), q{};
+            auto ref = [](NumericValue &v, int p, int s) {
+                return ExactNumericRef{comn_num_getlen(p), static_cast<uint8_t>(p),
+                                       static_cast<uint8_t>(s), v.array};
+            };
+            ExactNumericRef ra = ref(a, pa, sa), rb = ref(b, pb, sb), rq = ref(q, pq, sq);
+            const int rc = com__exctnume_div(&ra, &rb, &rq, nullptr);
+            std::printf("%d %s\n", rc, rc == 0 ? print(rq).c_str() : "-");
         } else {
             std::printf("unknown\n");
         }
