@@ -732,18 +732,9 @@ template <auto Block>
         _mm_storel_epi64(reinterpret_cast<__m128i *>(p), lo);
         _mm_storel_epi64(reinterpret_cast<__m128i *>(p + k - 8), shift_down(lo, k - 8));
     } else {
-        const auto w = static_cast<uint64_t>(_mm_cvtsi128_si64(lo));
-        auto two = [&]<class W>(W) {
-            const auto head = static_cast<W>(w), tail = static_cast<W>(w >> 8 * (k - sizeof(W)));
-            std::memcpy(p, &head, sizeof head);
-            std::memcpy(p + k - sizeof tail, &tail, sizeof tail);
-        };
-        if (k >= 4)
-            two(uint32_t{});
-        else if (k >= 2)
-            two(uint16_t{});
-        else if (k == 1)
-            p[0] = static_cast<uint8_t>(w);
+        uint8_t w[8]; // read back whole from the one store that wrote it
+        _mm_storel_epi64(reinterpret_cast<__m128i *>(w), lo);
+        copy_upto8(w, p, k);
     }
 }
 
@@ -942,14 +933,6 @@ template <>
 constexpr auto iso1_block<ToUtf8<Sb<sets::iso1>>> = iso1_to_utf8_block;
 template <>
 constexpr auto iso1_block<FromUtf8<Sb<sets::iso1>>> = iso1_from_utf8_block;
-
-// The register path for short values of a direction, where it has one.
-template <class Dir>
-constexpr auto iso1_short = nullptr;
-template <>
-constexpr auto iso1_short<ToUtf8<Sb<sets::iso1>>> = iso1_short_to_utf8;
-template <>
-constexpr auto iso1_short<FromUtf8<Sb<sets::iso1>>> = iso1_short_from_utf8;
 #endif
 
 // The fast part of a converter: the iso_1 blocks above while they apply, then the fast loop.
@@ -1055,8 +1038,10 @@ void careful(const uint8_t *src, int32_t n, uint8_t *dst, int32_t m, At &a) {
 template <class Dir>
 [[gnu::always_inline]] inline void short_value(const uint8_t *src, int32_t n, uint8_t *dst, At &a) {
 #ifdef COMN_XLT_SHUFFLE
-    if constexpr (iso1_short<Dir> != nullptr) {
-        if (n <= 2 * k_block && has_shuffle() && iso1_short<Dir>(src, n, dst, a)) return;
+    if constexpr (iso1_block<Dir> != nullptr) {
+        constexpr auto in_registers =
+            iso1_block<Dir> == iso1_to_utf8_block ? iso1_short_to_utf8 : iso1_short_from_utf8;
+        if (n <= 2 * k_block && has_shuffle() && in_registers(src, n, dst, a)) return;
     }
 #endif
     uint8_t in[k_short + k_pad], out[k_short * 3 + k_pad];
