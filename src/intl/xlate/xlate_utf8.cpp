@@ -598,11 +598,13 @@ constexpr auto Shift_window = [] {
 
 // utf8 to iso_1 over the 16 bytes v when they hold ASCII and whole characters C2/C3 80-BF
 // (a lead in the last byte is left for the next block): their translation packed at the
-// front of out, width bytes taken, made bytes given; false for any other block.
+// front of out, width bytes taken, made bytes given; false for any other block. A block of
+// ASCII alone is taken apart first when Ascii_test, else like any other.
+template <bool Ascii_test = true>
 [[gnu::target("ssse3,popcnt"), gnu::always_inline]] inline bool
 iso1_from_utf8_v(__m128i v, __m128i &out, uint32_t &width, uint32_t &made) {
     const auto high = static_cast<uint32_t>(_mm_movemask_epi8(v));
-    if (high == 0) {
+    if (Ascii_test && high == 0) {
         out = v;
         width = made = k_block;
         return true;
@@ -747,11 +749,12 @@ template <auto Block>
     __m128i lo, hi, first, second = _mm_setzero_si128();
     load_value(src, n, lo, hi);
     uint32_t took, made, took2 = 0, made2 = 0;
-    if (!iso1_from_utf8_v(lo, first, took, made)) return false;
+    if (!iso1_from_utf8_v<false>(lo, first, took, made)) return false;
     if (n > static_cast<int32_t>(took)) {
         // The rest starts at the first block's end (byte 15 when a character crosses it).
         const __m128i rest = took == k_block ? hi : _mm_alignr_epi8(hi, lo, k_block - 1);
-        if (!iso1_from_utf8_v(rest, second, took2, made2) || static_cast<int32_t>(took + took2) < n)
+        if (!iso1_from_utf8_v<false>(rest, second, took2, made2) ||
+            static_cast<int32_t>(took + took2) < n)
             return false; // a character cut by the value's end, or more than 16 bytes left
     }
     // The bytes 00 after the value were taken as ASCII, a byte each at the end: not kept.
@@ -773,15 +776,11 @@ template <auto Block>
         const int32_t len = std::min(n - h * k_block, k_block);
         const auto high = static_cast<uint32_t>(_mm_movemask_epi8(half[h]));
         const int32_t made = len + std::popcount(high);
-        if (high == 0) {
-            store_value(dst + o, made, half[h], half[h]);
-        } else {
-            __m128i lo, hi;
-            iso1_to_utf8_v(half[h], high, lo, hi);
-            const int32_t k = 8 + std::popcount(high & 0xFF);
-            store_value(dst + o, made, _mm_or_si128(lo, shift_up(hi, k)),
-                        shift_down(hi, k_block - k));
-        }
+        // No test for a half of ASCII alone, which a value of mixed text makes hard to predict.
+        __m128i lo, hi;
+        iso1_to_utf8_v(half[h], high, lo, hi);
+        const int32_t k = 8 + std::popcount(high & 0xFF);
+        store_value(dst + o, made, _mm_or_si128(lo, shift_up(hi, k)), shift_down(hi, k_block - k));
         o += made;
     }
     a.i = n;
