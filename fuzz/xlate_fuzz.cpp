@@ -4,7 +4,8 @@
 // character-wise ASCII converters of the Japanese sets. Source and destination are
 // exact-size heap blocks, so any overrun is caught, and the counts must stay within the given
 // lengths. Translation to utf8 must write well-formed UTF-8, and from utf8, when nothing was
-// replaced, must give back the text it took when translated back.
+// replaced, must give back the text it took when translated back; the part of the text taken
+// must translate alike into a destination of exactly the bytes it gave.
 #include <comnlib.h>
 #include "intl/xlate/xlate_dispatch.h"
 
@@ -85,6 +86,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
             else
                 check(len - consumed <= (from == k_utf8 ? 0 : 2));
             if (to == k_utf8) check(well_formed(dst.get(), produced));
+            // The part taken, into a block of exactly the bytes it gave, translates the same
+            // (a short value with room to spare and a text with none take different paths).
+            auto part = std::make_unique<uint8_t[]>(static_cast<size_t>(consumed));
+            auto exact = std::make_unique<uint8_t[]>(static_cast<size_t>(produced));
+            std::memcpy(part.get(), src.get(), static_cast<size_t>(consumed));
+            int32_t c2 = -1, p2 = -1;
+            check(f(part.get(), consumed, exact.get(), produced, &c2, &p2) ==
+                  (bits & COM_XLT_BADCHAR));
+            check(c2 == consumed && p2 == produced &&
+                  std::memcmp(exact.get(), dst.get(), static_cast<size_t>(produced)) == 0);
             if (from == k_utf8 && !(bits & COM_XLT_BADCHAR)) {
                 const ComXlateFunc back = comn::xlt_cells[to][k_utf8].func;
                 auto again = std::make_unique<uint8_t[]>(static_cast<size_t>(consumed));

@@ -575,45 +575,99 @@ inline __m128i bytes(int b) {
     return _mm_set1_epi8(static_cast<char>(b));
 }
 
-// utf8 to iso_1 over the 16 bytes at p when they hold ASCII and whole characters C2/C3
-// 80-BF (a lead in the last byte is left for the next block): false, storing nothing,
-// for any other block. Stores up to 16 bytes at out.
+// Byte shifts of a vector by a count known at run time, through a window into this table:
+// the bytes moved in are 00.
+constexpr auto Shift_window = [] {
+    std::array<uint8_t, 48> t{};
+    for (unsigned j = 0; j < t.size(); ++j)
+        t[j] = j >= 16 && j < 32 ? static_cast<uint8_t>(j - 16) : 0x80;
+    return t;
+}();
+
+// v's bytes moved k places up (towards higher addresses), k in [0, 16].
+[[gnu::target("ssse3"), gnu::always_inline]] inline __m128i shift_up(__m128i v, int32_t k) {
+    return _mm_shuffle_epi8(
+        v, _mm_loadu_si128(reinterpret_cast<const __m128i *>(Shift_window.data() + 16 - k)));
+}
+
+// v's bytes moved k places down, k in [0, 16].
+[[gnu::target("ssse3"), gnu::always_inline]] inline __m128i shift_down(__m128i v, int32_t k) {
+    return _mm_shuffle_epi8(
+        v, _mm_loadu_si128(reinterpret_cast<const __m128i *>(Shift_window.data() + 16 + k)));
+}
+
+// utf8 to iso_1 over the 16 bytes v when they hold ASCII and whole characters C2/C3 80-BF
+// (a lead in the last byte is left for the next block): their translation packed at the
+// front of out, width bytes taken, made bytes given; false for any other block. A block of
+// ASCII alone is taken apart first when Ascii_test, else like any other.
+template <bool Ascii_test = true>
 [[gnu::target("ssse3,popcnt"), gnu::always_inline]] inline bool
-iso1_from_utf8_block(const uint8_t *p, uint8_t *out, int32_t &i, int32_t &o) {
-    const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p));
+iso1_from_utf8_v(__m128i v, __m128i &out, uint32_t &width, uint32_t &made) {
     const auto high = static_cast<uint32_t>(_mm_movemask_epi8(v));
-    if (high == 0) {
-        _mm_storeu_si128(reinterpret_cast<__m128i *>(out), v);
-        i += k_block;
-        o += k_block;
+    if (Ascii_test && high == 0) {
+        out = v;
+        width = made = k_block;
         return true;
     }
     const __m128i is_lead = _mm_cmpeq_epi8(_mm_and_si128(v, bytes(0xFE)), bytes(0xC2));
     const auto leads = static_cast<uint32_t>(_mm_movemask_epi8(is_lead));
     const auto conts = static_cast<uint32_t>(
         _mm_movemask_epi8(_mm_cmpeq_epi8(_mm_and_si128(v, bytes(0xC0)), bytes(0x80))));
-    const uint32_t width = k_block - (leads >> 15); // bytes taken
+    width = k_block - (leads >> 15); // bytes taken
     const uint32_t lead = leads & 0x7FFF, in = (1U << width) - 1;
     if (conts != lead << 1 || (high & in) != (lead | conts)) return false;
     // A lead's byte: its second byte, plus 40 after C3.
     const __m128i second = _mm_srli_si128(v, 1);
     const __m128i latin = _mm_add_epi8(second, _mm_slli_epi16(_mm_and_si128(v, bytes(1)), 6));
     const __m128i val = _mm_or_si128(_mm_and_si128(is_lead, latin), _mm_andnot_si128(is_lead, v));
+    // The kept bytes of each half gathered to its front, the second half's right after the
+    // first's, 00 after them: one shuffle over the whole block.
     const uint32_t keep = ~conts & in;
-    const __m128i lo = _mm_shuffle_epi8(
-        val, _mm_loadl_epi64(reinterpret_cast<const __m128i *>(Gather8[keep & 0xFF].data())));
-    const __m128i hi = _mm_shuffle_epi8(
-        _mm_srli_si128(val, 8),
-        _mm_loadl_epi64(reinterpret_cast<const __m128i *>(Gather8[keep >> 8].data())));
     const int n_lo = std::popcount(keep & 0xFF);
-    _mm_storel_epi64(reinterpret_cast<__m128i *>(out), lo);
-    _mm_storel_epi64(reinterpret_cast<__m128i *>(out + n_lo), hi);
-    i += static_cast<int32_t>(width);
-    o += std::popcount(keep);
+    const __m128i lo = _mm_and_si128(
+        _mm_loadl_epi64(reinterpret_cast<const __m128i *>(Gather8[keep & 0xFF].data())),
+        bytes(0x7F));
+    const __m128i hi = _mm_add_epi8(
+        _mm_loadl_epi64(reinterpret_cast<const __m128i *>(Gather8[keep >> 8].data())),
+        _mm_set_epi64x(static_cast<int64_t>(0x8080808080808080ULL), 0x0808080808080808));
+    out = _mm_shuffle_epi8(val, _mm_or_si128(lo, shift_up(hi, n_lo)));
+    made = static_cast<uint32_t>(std::popcount(keep));
     return true;
 }
 
-// iso_1 to utf8 over the 16 bytes at p. Stores up to 32 bytes at out.
+// The same over the 16 bytes at p, advancing i and o. Stores up to 16 bytes at out.
+[[gnu::target("ssse3,popcnt"), gnu::always_inline]] inline bool
+iso1_from_utf8_block(const uint8_t *p, uint8_t *out, int32_t &i, int32_t &o) {
+    __m128i v;
+    uint32_t width, made;
+    if (!iso1_from_utf8_v(_mm_loadu_si128(reinterpret_cast<const __m128i *>(p)), v, width, made))
+        return false;
+    _mm_storeu_si128(reinterpret_cast<__m128i *>(out), v);
+    i += static_cast<int32_t>(width);
+    o += static_cast<int32_t>(made);
+    return true;
+}
+
+// iso_1 to utf8 over the 16 bytes v: the translation of their first 8 in lo, of the other 8
+// in hi, each packed at the front (8 bytes and one more per byte from 80); high tells the
+// bytes from 80.
+[[gnu::target("ssse3,popcnt"), gnu::always_inline]] inline void
+iso1_to_utf8_v(__m128i v, uint32_t high, __m128i &lo, __m128i &hi) {
+    // Each byte's first byte (ASCII, or C2/C3) in one half, its second in the other.
+    const __m128i is_high = _mm_cmplt_epi8(v, _mm_setzero_si128());
+    const __m128i lead =
+        _mm_or_si128(_mm_and_si128(_mm_srli_epi16(v, 6), bytes(0x03)), bytes(0xC0));
+    const __m128i first = _mm_or_si128(_mm_and_si128(is_high, lead), _mm_andnot_si128(is_high, v));
+    const __m128i second = _mm_and_si128(v, bytes(0xBF));
+    lo = _mm_shuffle_epi8(
+        _mm_unpacklo_epi64(first, second),
+        _mm_loadu_si128(reinterpret_cast<const __m128i *>(Spread8[high & 0xFF].data())));
+    hi = _mm_shuffle_epi8(
+        _mm_unpackhi_epi64(first, second),
+        _mm_loadu_si128(reinterpret_cast<const __m128i *>(Spread8[high >> 8].data())));
+}
+
+// The same over the 16 bytes at p, advancing i and o. Stores up to 32 bytes at out.
 [[gnu::target("ssse3,popcnt"), gnu::always_inline]] inline bool
 iso1_to_utf8_block(const uint8_t *p, uint8_t *out, int32_t &i, int32_t &o) {
     const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p));
@@ -621,22 +675,10 @@ iso1_to_utf8_block(const uint8_t *p, uint8_t *out, int32_t &i, int32_t &o) {
     if (high == 0) {
         _mm_storeu_si128(reinterpret_cast<__m128i *>(out), v);
     } else {
-        // Each byte's first byte (ASCII, or C2/C3) in one half, its second in the other.
-        const __m128i is_high = _mm_cmplt_epi8(v, _mm_setzero_si128());
-        const __m128i lead =
-            _mm_or_si128(_mm_and_si128(_mm_srli_epi16(v, 6), bytes(0x03)), bytes(0xC0));
-        const __m128i first =
-            _mm_or_si128(_mm_and_si128(is_high, lead), _mm_andnot_si128(is_high, v));
-        const __m128i second = _mm_and_si128(v, bytes(0xBF));
-        const __m128i lo = _mm_shuffle_epi8(
-            _mm_unpacklo_epi64(first, second),
-            _mm_loadu_si128(reinterpret_cast<const __m128i *>(Spread8[high & 0xFF].data())));
-        const __m128i hi = _mm_shuffle_epi8(
-            _mm_unpackhi_epi64(first, second),
-            _mm_loadu_si128(reinterpret_cast<const __m128i *>(Spread8[high >> 8].data())));
-        const int n_lo = 8 + std::popcount(high & 0xFF);
+        __m128i lo, hi;
+        iso1_to_utf8_v(v, high, lo, hi);
         _mm_storeu_si128(reinterpret_cast<__m128i *>(out), lo);
-        _mm_storeu_si128(reinterpret_cast<__m128i *>(out + n_lo), hi);
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(out + 8 + std::popcount(high & 0xFF)), hi);
     }
     i += k_block;
     o += k_block + std::popcount(high);
@@ -653,6 +695,97 @@ template <auto Block>
         if (!Block(src + i, dst + o, i, o)) break;
     at = i;
     to = o;
+}
+
+// A value of n bytes, n in [1, 32], read in place into lo (its first 16 bytes) and hi (the
+// rest), bytes 00 after its end: loads that overlap rather than reach past either end.
+[[gnu::target("ssse3"), gnu::always_inline]] inline void load_value(const uint8_t *p, int32_t n,
+                                                                    __m128i &lo, __m128i &hi) {
+    hi = _mm_setzero_si128();
+    if (n >= 16) {
+        lo = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p));
+        hi = shift_down(_mm_loadu_si128(reinterpret_cast<const __m128i *>(p + n - 16)), 32 - n);
+    } else if (n >= 8) {
+        const __m128i head = _mm_loadl_epi64(reinterpret_cast<const __m128i *>(p));
+        const __m128i tail = _mm_loadl_epi64(reinterpret_cast<const __m128i *>(p + n - 8));
+        lo = _mm_or_si128(head, shift_up(tail, n - 8));
+    } else {
+        uint64_t w = 0;
+        if (n >= 4) {
+            uint32_t head, tail;
+            std::memcpy(&head, p, sizeof head);
+            std::memcpy(&tail, p + n - 4, sizeof tail);
+            w = head | uint64_t{tail} << 8 * (n - 4);
+        } else {
+            w = p[0] | uint64_t{p[n / 2]} << 8 * (n / 2) | uint64_t{p[n - 1]} << 8 * (n - 1);
+        }
+        lo = _mm_cvtsi64_si128(static_cast<int64_t>(w));
+    }
+}
+
+// Stores the first k bytes of lo then hi, k in [0, 32], and no byte beyond them.
+[[gnu::target("ssse3"), gnu::always_inline]] inline void store_value(uint8_t *p, int32_t k,
+                                                                     __m128i lo, __m128i hi) {
+    if (k >= 16) {
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(p), lo);
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(p + k - 16),
+                         _mm_or_si128(shift_down(lo, k - 16), shift_up(hi, 32 - k)));
+    } else if (k >= 8) {
+        _mm_storel_epi64(reinterpret_cast<__m128i *>(p), lo);
+        _mm_storel_epi64(reinterpret_cast<__m128i *>(p + k - 8), shift_down(lo, k - 8));
+    } else {
+        uint8_t w[8]; // read back whole from the one store that wrote it
+        _mm_storel_epi64(reinterpret_cast<__m128i *>(w), lo);
+        copy_upto8(w, p, k);
+    }
+}
+
+// A value of up to 32 bytes between iso_1 and utf8 whose longest translation fits the room,
+// in registers: read in place, translated as at most two blocks, written exactly. false,
+// having written nothing, when it is not ASCII and whole characters of both sets (the caller
+// then takes the general path, which sorts out the rest).
+[[gnu::target("ssse3,popcnt")]] bool iso1_short_from_utf8(const uint8_t *src, int32_t n,
+                                                          uint8_t *dst, At &a) {
+    __m128i lo, hi, first, second = _mm_setzero_si128();
+    load_value(src, n, lo, hi);
+    uint32_t took, made, took2 = 0, made2 = 0;
+    if (!iso1_from_utf8_v<false>(lo, first, took, made)) return false;
+    if (n > static_cast<int32_t>(took)) {
+        // The rest starts at the first block's end (byte 15 when a character crosses it).
+        const __m128i rest = took == k_block ? hi : _mm_alignr_epi8(hi, lo, k_block - 1);
+        if (!iso1_from_utf8_v<false>(rest, second, took2, made2) ||
+            static_cast<int32_t>(took + took2) < n)
+            return false; // a character cut by the value's end, or more than 16 bytes left
+    }
+    // The bytes 00 after the value were taken as ASCII, a byte each at the end: not kept.
+    const auto k = static_cast<int32_t>(made);
+    const int32_t o = k + static_cast<int32_t>(made2) - (static_cast<int32_t>(took + took2) - n);
+    store_value(dst, o, _mm_or_si128(first, shift_up(second, k)), shift_down(second, k_block - k));
+    a.i = n;
+    a.o = o;
+    return true;
+}
+
+[[gnu::target("ssse3,popcnt")]] bool iso1_short_to_utf8(const uint8_t *src, int32_t n, uint8_t *dst,
+                                                        At &a) {
+    __m128i half[2];
+    load_value(src, n, half[0], half[1]);
+    int32_t o = 0;
+    for (int32_t h = 0; h < 2 && h * k_block < n; ++h) {
+        // Each half's bytes 00 after the value's end come last and give a byte each.
+        const int32_t len = std::min(n - h * k_block, k_block);
+        const auto high = static_cast<uint32_t>(_mm_movemask_epi8(half[h]));
+        const int32_t made = len + std::popcount(high);
+        // No test for a half of ASCII alone, which a value of mixed text makes hard to predict.
+        __m128i lo, hi;
+        iso1_to_utf8_v(half[h], high, lo, hi);
+        const int32_t k = 8 + std::popcount(high & 0xFF);
+        store_value(dst + o, made, _mm_or_si128(lo, shift_up(hi, k)), shift_down(hi, k_block - k));
+        o += made;
+    }
+    a.i = n;
+    a.o = o;
+    return true;
 }
 
 #endif
@@ -886,7 +1019,15 @@ void careful(const uint8_t *src, int32_t n, uint8_t *dst, int32_t m, At &a) {
     return any[0] | any[1];
 }
 
-// A short value whose longest translation fits the room (n in [1, k_short]), in local
+// Sixteen bytes b at p, without a library call.
+[[gnu::always_inline]] inline void fill16(uint8_t *p, uint8_t b) {
+    const uint64_t w = b * 0x0101010101010101ULL;
+    std::memcpy(p, &w, sizeof w);
+    std::memcpy(p + 8, &w, sizeof w);
+}
+
+// A short value whose longest translation fits the room (n in [1, k_short]). Between iso_1
+// and utf8, a value of up to 32 bytes goes through registers where it can. Otherwise in local
 // buffers: a value of ASCII alone is the same in every set and is copied once; between
 // iso_1 and utf8 the blocks run over the value and bytes 00 after it (ASCII, so they come
 // last and give a byte each, and no character reaches into them: a lead byte before them is
@@ -895,6 +1036,13 @@ void careful(const uint8_t *src, int32_t n, uint8_t *dst, int32_t m, At &a) {
 // copied out exactly.
 template <class Dir>
 [[gnu::always_inline]] inline void short_value(const uint8_t *src, int32_t n, uint8_t *dst, At &a) {
+#ifdef COMN_XLT_SHUFFLE
+    if constexpr (iso1_block<Dir> != nullptr) {
+        constexpr auto in_registers =
+            iso1_block<Dir> == iso1_to_utf8_block ? iso1_short_to_utf8 : iso1_short_from_utf8;
+        if (n <= 2 * k_block && has_shuffle() && in_registers(src, n, dst, a)) return;
+    }
+#endif
     uint8_t in[k_short + k_pad], out[k_short * 3 + k_pad];
     if ((copy_short(src, in, n) & 0x8080808080808080ULL) == 0) {
         copy_short(in, dst, n);
@@ -905,7 +1053,7 @@ template <class Dir>
 #ifdef COMN_XLT_SHUFFLE
     if constexpr (iso1_block<Dir> != nullptr) {
         if (has_shuffle()) {
-            std::memset(in + n, 0, k_block);
+            fill16(in + n, 0);
             iso1_blocks<iso1_block<Dir>>(in, n + k_block - 1, out, INT32_MAX, t.i, t.o);
             if (t.i >= n) {
                 t.o -= t.i - n;
@@ -915,7 +1063,7 @@ template <class Dir>
     }
 #endif
     if (t.i < n) {
-        std::memset(in + n, 0xFF, 16); // the fast loop reads at most 8 bytes past the end
+        fill16(in + n, 0xFF); // the fast loop reads at most 8 bytes past the end
         fast<Dir>(in, n, n, out, INT32_MAX, t);
     }
     copy_short(out, dst, t.o);
