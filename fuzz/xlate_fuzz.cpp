@@ -99,9 +99,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
             if (from == k_utf8 && !(bits & COM_XLT_BADCHAR)) {
                 const ComXlateFunc back = comn::xlt_cells[to][k_utf8].func;
                 auto again = std::make_unique<uint8_t[]>(static_cast<size_t>(consumed));
-                int32_t c2 = -1, p2 = -1;
-                check(back(dst.get(), produced, again.get(), consumed, &c2, &p2) == 0);
-                check(c2 == produced && p2 == consumed &&
+                int32_t c3 = -1, p3 = -1;
+                check(back(dst.get(), produced, again.get(), consumed, &c3, &p3) == 0);
+                check(c3 == produced && p3 == consumed &&
                       std::memcmp(again.get(), src.get(), static_cast<size_t>(consumed)) == 0);
             }
         } else {
