@@ -47,30 +47,51 @@ struct Window {
     bool odd = false;   // any of C0, C1, E0, F0-FF
 };
 
-// The masks of the 16 bytes At from the window's start w, and at each of them the code point
-// of the character whose last byte it would be. Those take the two bytes before each byte; at
-// the window's start they are not read but taken as 00 (never part of a character there).
 template <int At>
-[[gnu::always_inline]] inline void window_group(const uint8_t *w, Window &win, uint16_t *code,
-                                                __m128i &odd) {
-    const auto load = [&](int k) {
-        return _mm_loadu_si128(reinterpret_cast<const __m128i *>(w + At + k));
-    };
-    const __m128i v = load(0);
-    const __m128i v1 = At == 0 ? _mm_slli_si128(v, 1) : load(-1);
-    const __m128i v2 = At == 0 ? _mm_slli_si128(v, 2) : load(-2);
+[[gnu::always_inline]] inline __m128i window_load(const uint8_t *w) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i *>(w + At));
+}
+
+// The masks of the 16 bytes At from the window's start w.
+template <int At>
+[[gnu::always_inline]] inline void window_group_masks(const uint8_t *w, Window &win, __m128i &odd) {
+    const __m128i v = window_load<At>(w);
     const auto mask = [](__m128i x) {
         return static_cast<uint64_t>(static_cast<uint32_t>(_mm_movemask_epi8(x))) << At;
     };
-    const __m128i cont = _mm_cmplt_epi8(v, window_bytes(0xC0)); // signed: 80-BF are the lowest
-    const __m128i cont1 = _mm_cmplt_epi8(v1, window_bytes(0xC0));
     win.high |= mask(v);
-    win.cont |= mask(cont);
-    win.lead3 |= mask(_mm_slli_epi16(v, 2)); // bit 5 of every byte
+    win.cont |= mask(_mm_cmplt_epi8(v, window_bytes(0xC0))); // signed: 80-BF are the lowest
+    win.lead3 |= mask(_mm_slli_epi16(v, 2));                 // bit 5 of every byte
     odd =
         _mm_or_si128(odd, _mm_cmpeq_epi8(_mm_and_si128(v, window_bytes(0xFE)), window_bytes(0xC0)));
     odd = _mm_or_si128(odd, _mm_cmpeq_epi8(v, window_bytes(0xE0)));
     odd = _mm_or_si128(odd, _mm_cmpeq_epi8(_mm_max_epu8(v, window_bytes(0xF0)), v));
+}
+
+[[gnu::always_inline]] inline Window window_masks(const uint8_t *w) {
+    Window win;
+    __m128i odd = _mm_setzero_si128();
+    window_group_masks<0>(w, win, odd);
+    window_group_masks<16>(w, win, odd);
+    window_group_masks<32>(w, win, odd);
+    window_group_masks<48>(w, win, odd);
+    static_assert(k_window == 64);
+    win.lead = win.high & ~win.cont;
+    win.lead3 &= win.lead;
+    win.odd = _mm_movemask_epi8(odd) != 0;
+    return win;
+}
+
+// At each of the 16 bytes At from the window's start w, the code point of the character whose
+// last byte it would be. It takes the two bytes before; at the window's start they are not read
+// but taken as 00 (never part of a character there).
+template <int At>
+[[gnu::always_inline]] inline void window_group_codes(const uint8_t *w, uint16_t *code) {
+    const __m128i v = window_load<At>(w);
+    const __m128i v1 = At == 0 ? _mm_slli_si128(v, 1) : window_load<At - 1>(w);
+    const __m128i v2 = At == 0 ? _mm_slli_si128(v, 2) : window_load<At - 2>(w);
+    const __m128i cont = _mm_cmplt_epi8(v, window_bytes(0xC0));
+    const __m128i cont1 = _mm_cmplt_epi8(v1, window_bytes(0xC0));
     // The payloads of a character's last byte (6 or 7 bits: ASCII and continuation bytes have
     // bit 6 clear), of the byte before when the last is a continuation (6 bits: a two-byte lead
     // has bit 5 clear) and of the byte before that when both are (4 bits of a three-byte lead).
@@ -88,18 +109,11 @@ template <int At>
     _mm_store_si128(reinterpret_cast<__m128i *>(code + At + 8), _mm_unpackhi_epi8(below, above));
 }
 
-[[gnu::always_inline]] inline Window window_read(const uint8_t *w, uint16_t *code) {
-    Window win;
-    __m128i odd = _mm_setzero_si128();
-    window_group<0>(w, win, code, odd);
-    window_group<16>(w, win, code, odd);
-    window_group<32>(w, win, code, odd);
-    window_group<48>(w, win, code, odd);
-    static_assert(k_window == 64);
-    win.lead = win.high & ~win.cont;
-    win.lead3 &= win.lead;
-    win.odd = _mm_movemask_epi8(odd) != 0;
-    return win;
+[[gnu::always_inline]] inline void window_codes(const uint8_t *w, uint16_t *code) {
+    window_group_codes<0>(w, code);
+    window_group_codes<16>(w, code);
+    window_group_codes<32>(w, code);
+    window_group_codes<48>(w, code);
 }
 
 // Translates windows from src[at] while at < stop and to < o_lim, up to the first window that
@@ -115,7 +129,7 @@ template <int At>
     alignas(16) uint16_t code[k_window];
     while (i < stop && o < o_lim) {
         const uint8_t *p = src + i;
-        const Window win = window_read(p, code);
+        const Window win = window_masks(p);
         // Each lead's continuation bytes, and no others (so the window starts on a character).
         if (win.odd || win.cont != (win.lead << 1 | win.lead3 << 2)) break;
         if (win.high == 0) {
@@ -124,6 +138,7 @@ template <int At>
             o += k_window;
             continue;
         }
+        window_codes(p, code);
         // The last bytes of the characters that end in the window (followed there by a start).
         uint64_t ends = ~win.cont >> 1;
         const int took = k_window - std::countl_zero(ends); // a window holds a whole character

@@ -817,12 +817,18 @@ constexpr const uint16_t *window_words<FromUtf8<Sjis>> = Sjis_of.data();
 template <class Dir>
 void run_fast(const uint8_t *src, int32_t n, int32_t stop, uint8_t *dst, int32_t o_lim, At &a) {
 #ifdef COMN_XLT_UTF8_WINDOWS
-    if constexpr (window_words<Dir> != nullptr)
+    if constexpr (window_words<Dir> != nullptr) {
+        // The fast loop takes the window left, and more after each window given up at once,
+        // so that text the windows rarely take (with accented Latin, say) pays little for them.
+        int32_t span = k_window;
         for (;;) {
+            const int32_t from = a.i;
             utf8_windows(src, stop, dst, o_lim, a.i, a.o, window_words<Dir>);
             if (a.i >= stop || a.o >= o_lim) break;
-            fast<Dir>(src, n, std::min(a.i + k_window, stop), dst, o_lim, a); // the window left
+            span = a.i == from ? std::min(span * 2, k_window * 64) : k_window;
+            fast<Dir>(src, n, stop - a.i > span ? a.i + span : stop, dst, o_lim, a);
         }
+    }
 #endif
 #ifdef COMN_XLT_SHUFFLE
     if constexpr (iso1_block<Dir> != nullptr) {
