@@ -5,10 +5,12 @@
 // exact-size heap blocks, so any overrun is caught, and the counts must stay within the given
 // lengths. Translation to utf8 must write well-formed UTF-8, and from utf8, when nothing was
 // replaced, must give back the text it took when translated back; the part of the text taken
-// must translate alike into a destination of exactly the bytes it gave.
+// must translate alike into a destination of exactly the bytes it gave, and the utf8
+// converters must agree with themselves fed through calls of little room.
 #include <comnlib.h>
 #include "intl/xlate/xlate_dispatch.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -104,6 +106,21 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
                 check(c3 == produced && p3 == consumed &&
                       std::memcmp(again.get(), src.get(), static_cast<size_t>(consumed)) == 0);
             }
+            // The same text in calls of little room, each going on where the one before
+            // stopped, never takes the fast paths of long text: they must give the same.
+            auto ref = std::make_unique<uint8_t[]>(static_cast<size_t>(room));
+            int32_t at = 0, made = 0, ref_bits = 0;
+            while (at < len) {
+                int32_t c = 0, p = 0;
+                ref_bits |= f(src.get() + at, len - at, ref.get() + made,
+                              std::min<int32_t>(room - made, 96), &c, &p);
+                at += c;
+                made += p;
+                if (c == 0) break;
+            }
+            check(at == consumed && made == produced &&
+                  (ref_bits & COM_XLT_BADCHAR) == (bits & COM_XLT_BADCHAR) &&
+                  std::memcmp(ref.get(), dst.get(), static_cast<size_t>(produced)) == 0);
         } else {
             check(((bits & COM_XLT_TRUNCATED) != 0) == (room < len));
             // Whatever the converter, a cut character is all it may leave of the source.

@@ -21,6 +21,7 @@
 // next call.
 #include "jis_codes.h"
 #include "unicode_tables.h"
+#include "utf8_windows.h"
 #include "xlate_internal.h"
 
 #include <algorithm>
@@ -386,12 +387,14 @@ constexpr auto Sjis_packed = [] {
     return t;
 }();
 
-// The Shift-JIS bytes of each BMP code point in their order, first byte low (a half-width
-// kana is one byte, 0 none), as the inverse above gives them: one lookup per character. (The
-// tables are built by loops over the characters, not the code points, to keep compile-time
-// work small.)
+// The Shift-JIS bytes of each BMP code point in their order, first byte low (ASCII and a
+// half-width kana are one byte, 0 none, NUL included), as the inverse above gives them: one
+// lookup per character. (The tables are built by loops over the characters, not the code
+// points, to keep compile-time work small.)
 constexpr auto Sjis_of = [] {
     std::array<uint16_t, 0x10000> t{};
+    for (unsigned cp = 1; cp < 0x80; ++cp)
+        t[cp] = static_cast<uint16_t>(cp);
     for (int i = 0; i < 94 * 94; ++i) { // in the order Jis_of was written, so the same cell wins
         const unsigned cp = Jis0208_ucs[static_cast<size_t>(i)];
         if (cp < 0x80) continue;
@@ -934,9 +937,32 @@ template <>
 constexpr auto iso1_block<FromUtf8<Sb<sets::iso1>>> = iso1_from_utf8_block;
 #endif
 
-// The fast part of a converter: the iso_1 blocks above while they apply, then the fast loop.
+#ifdef COMN_XLT_UTF8_WINDOWS
+// The table of words of the windows of a direction from utf8, where it has them.
+template <class Dir>
+constexpr const uint16_t *window_words = nullptr;
+template <>
+constexpr const uint16_t *window_words<FromUtf8<Sjis>> = Sjis_of.data();
+#endif
+
+// The fast part of a converter: the iso_1 blocks or the utf8 windows above while they apply,
+// then the fast loop.
 template <class Dir>
 void run_fast(const uint8_t *src, int32_t n, int32_t stop, uint8_t *dst, int32_t o_lim, At &a) {
+#ifdef COMN_XLT_UTF8_WINDOWS
+    if constexpr (window_words<Dir> != nullptr) {
+        // The fast loop takes the window left, and more after each window given up at once,
+        // so that text the windows rarely take (with accented Latin, say) pays little for them.
+        int32_t span = k_window;
+        for (;;) {
+            const int32_t from = a.i;
+            utf8_windows(src, stop, dst, o_lim, a.i, a.o, window_words<Dir>);
+            if (a.i >= stop || a.o >= o_lim) break;
+            span = a.i == from ? std::min(span * 2, k_window * 64) : k_window;
+            fast<Dir>(src, n, stop - a.i > span ? a.i + span : stop, dst, o_lim, a);
+        }
+    }
+#endif
 #ifdef COMN_XLT_SHUFFLE
     if constexpr (iso1_block<Dir> != nullptr) {
         if (has_shuffle())
