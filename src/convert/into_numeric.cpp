@@ -27,9 +27,10 @@
 namespace comn {
 namespace {
 
-// Decimal digits before the point of |v| (1 for |v| below 1). Exact below 10^15; above it a
-// double holds no fraction, and the count may be one too high, which only costs a decimal
-// place that would have been zero.
+// Decimal digits before the point of |v| (1 for |v| below 1). Exact below 10^15; from there
+// on, where a double holds no fraction, it counts one digit more than log10 gives, so that a
+// log10 rounded near a power of ten can never count too few: one too many only costs a
+// decimal place that would have been zero.
 int32_t integer_digits(double v) {
     constexpr double kPow10[16] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                    1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
