@@ -20,7 +20,6 @@
 // its second byte), and a Japanese character cut by the end of the source is left for the
 // next call.
 #include "jis_codes.h"
-#include "pair_leads.h"
 #include "unicode_tables.h"
 #include "utf8_windows.h"
 #include "xlate_internal.h"
@@ -274,11 +273,9 @@ inline Ucs jis0208(unsigned c1, unsigned c2) { // c1, c2 in A1-FE
     return {cp != 0 ? Ucs::Ok : Ucs::Bad, 2, cp};
 }
 
-// One more entry past the grid, 0, for any index beyond it.
-constexpr uint32_t k_grid = 94 * 94;
 constexpr auto Jis0208_packed = [] {
-    std::array<uint32_t, k_grid + 1> t{};
-    for (size_t i = 0; i < k_grid; ++i)
+    std::array<uint32_t, 94 * 94> t{};
+    for (size_t i = 0; i < t.size(); ++i)
         t[i] = pack(Jis0208_ucs[i]);
     return t;
 }();
@@ -305,31 +302,13 @@ inline unsigned jis_code(uint32_t cp) {
     return cp <= 0xFFFF ? Jis_of[cp] : 0;
 }
 
-// The packed translation of each byte as a character of its own (0 for a byte that is not one):
-// ASCII, and for Shift-JIS the half-width kana. No lead byte is one, and the packed() of a pair
-// is 0 for any first byte that is not a lead, so the two lookups never both give a character.
-constexpr auto single_packed(bool kana) {
-    std::array<uint32_t, 256> t{};
-    for (unsigned b = 0; b < 0x80; ++b)
-        t[b] = b | 1U << 24; // NUL included, which pack() leaves out
-    for (unsigned b = 0xA1; kana && b <= 0xDF; ++b)
-        t[b] = pack(kana_ucs(b));
-    return t;
-}
-
 struct Euc {
     static constexpr int pair_len = 2;
     // A pair gives three bytes of utf8; a two-byte utf8 character may give a JIS X 0212 triple.
     static constexpr int to_utf8_x2 = 3, from_utf8_x2 = 3;
-#ifdef COMN_XLT_PAIR_LEADS
-    static constexpr auto single = single_packed(false);
-    static uint32_t may_lead(const uint8_t *p, int32_t n) {
-        return euc_may_lead(p, n);
-    }
-#endif
-    static uint32_t packed(const uint8_t *p) { // no branch: the pair path looks up any byte
+    static uint32_t packed(const uint8_t *p) {
         const uint32_t at = uint32_t{Euc_rows[p[0]]} + Euc_cells[p[1]];
-        return Jis0208_packed[std::min(at, k_grid)];
+        return at < Jis0208_packed.size() ? Jis0208_packed[at] : 0;
     }
     static Ucs read(const uint8_t *p, int32_t left) {
         const unsigned b0 = p[0];
@@ -433,12 +412,6 @@ struct Sjis {
     // A half-width kana byte gives three bytes of utf8.
     static constexpr int to_utf8_x2 = 6, from_utf8_x2 = 2;
     static uint32_t packed(const uint8_t *p) { return Sjis_packed[Sjis_rows[p[0]] * 256U + p[1]]; }
-#ifdef COMN_XLT_PAIR_LEADS
-    static constexpr auto single = single_packed(true);
-    static uint32_t may_lead(const uint8_t *p, int32_t n) {
-        return sjis_may_lead(p, n);
-    }
-#endif
     static Ucs read(const uint8_t *p, int32_t left) {
         const unsigned s1 = p[0];
         if (jis::in(s1, 0xA1, 0xDF)) return {Ucs::Ok, 1, kana_ucs(s1)};
@@ -821,9 +794,8 @@ template <auto Block>
 #endif
 
 // From set From to utf8.
-template <class From_>
+template <class From>
 struct ToUtf8 {
-    using From = From_;
     // The fast loop's usual character (see blocks()): its packed translation, the word
     // stored whole. A pair's second byte may be read past the source, where bytes that no set
     // reads as part of a character follow it.
@@ -1073,36 +1045,6 @@ void careful(const uint8_t *src, int32_t n, uint8_t *dst, int32_t m, At &a) {
     return any[0] | any[1];
 }
 
-#ifdef COMN_XLT_PAIR_LEADS
-// A value src of n bytes of a double-byte set to utf8, n in [k_pair_min, k_pair_value], with no
-// branch on the kind of character: the characters' starts come from the mask of leads of the
-// value in place, and each gives its packed translation from one of two lookups (as a pair, as
-// a byte of its own) into in, its copy followed by bytes 20, stored whole. false, with nothing
-// counted, for a value with a character that the lookups do not know (no counterpart,
-// malformed, cut by the value's end, or eucjis 8E and 8F): the caller takes the general path.
-template <class From>
-[[gnu::always_inline]] inline bool pairs_to_utf8(const uint8_t *src, const uint8_t *in, int32_t n,
-                                                 uint8_t *out, At &a) {
-    const uint32_t lead = pair_leads(From::may_lead(src, n));
-    uint32_t starts = ~(lead << 1) & static_cast<uint32_t>((uint64_t{1} << n) - 1);
-    uint8_t *q = out;
-    int32_t none = 0; // sign bit: a character that the lookups do not know
-    do {
-        const auto p = static_cast<unsigned>(std::countr_zero(starts));
-        // A start is a pair or a byte of its own, and each lookup gives 0 for the other kind.
-        const uint32_t v = From::packed(in + p) | From::single[in[p]];
-        std::memcpy(q, &v, sizeof v);
-        q += v >> 24;
-        none |= static_cast<int32_t>(v) - 1;
-        starts &= starts - 1;
-    } while (starts != 0);
-    if (none < 0) return false;
-    a.i = n;
-    a.o = static_cast<int32_t>(q - out);
-    return true;
-}
-#endif
-
 // Sixteen bytes b at p, without a library call.
 [[gnu::always_inline]] inline void fill16(uint8_t *p, uint8_t b) {
     const uint64_t w = b * 0x0101010101010101ULL;
@@ -1136,25 +1078,13 @@ template <class Dir>
     At t;
 #ifdef COMN_XLT_UTF8_WINDOWS
     if constexpr (window_words<Dir> != nullptr) {
-        if (n < k_window_value) {
+        if (n < k_window_value) { // one window, over the value and spaces after it
             fill16(in + n, ' ');
             fill16(in + n + 16, ' ');
             if (const int32_t o = utf8_window_value(in, n, out, window_words<Dir>); o >= 0) {
                 copy_short(out, dst, o);
                 a.i = n;
                 a.o = o;
-                return;
-            }
-        }
-    }
-#endif
-#ifdef COMN_XLT_PAIR_LEADS
-    if constexpr (requires { Dir::From::may_lead(in, n); }) {
-        if (n >= k_pair_min && n <= k_pair_value) {
-            fill16(in + n, ' ');
-            if (pairs_to_utf8<typename Dir::From>(src, in, n, out, t)) {
-                copy_short(out, dst, t.o);
-                a = t;
                 return;
             }
         }
