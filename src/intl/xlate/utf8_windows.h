@@ -23,6 +23,7 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 #ifdef __SSE2__
 #include <emmintrin.h>
 #define COMN_XLT_UTF8_WINDOWS 1
@@ -68,14 +69,16 @@ template <int At>
     odd = _mm_or_si128(odd, _mm_cmpeq_epi8(_mm_max_epu8(v, window_bytes(0xF0)), v));
 }
 
+// The masks of the first Bytes bytes at w (a multiple of 16, at most k_window).
+template <int Bytes = k_window>
 [[gnu::always_inline]] inline Window window_masks(const uint8_t *w) {
+    static_assert(Bytes % 16 == 0 && Bytes <= k_window);
     Window win;
     __m128i odd = _mm_setzero_si128();
-    window_group_masks<0>(w, win, odd);
-    window_group_masks<16>(w, win, odd);
-    window_group_masks<32>(w, win, odd);
-    window_group_masks<48>(w, win, odd);
-    static_assert(k_window == 64);
+    [&]<int... G>(std::integer_sequence<int, G...>) {
+        (window_group_masks<G * 16>(w, win, odd), ...);
+    }
+    (std::make_integer_sequence<int, Bytes / 16>{});
     win.lead = win.high & ~win.cont;
     win.lead3 &= win.lead;
     win.odd = _mm_movemask_epi8(odd) != 0;
@@ -109,11 +112,33 @@ template <int At>
     _mm_store_si128(reinterpret_cast<__m128i *>(code + At + 8), _mm_unpackhi_epi8(below, above));
 }
 
+template <int Bytes = k_window>
 [[gnu::always_inline]] inline void window_codes(const uint8_t *w, uint16_t *code) {
-    window_group_codes<0>(w, code);
-    window_group_codes<16>(w, code);
-    window_group_codes<32>(w, code);
-    window_group_codes<48>(w, code);
+    [&]<int... G>(std::integer_sequence<int, G...>) {
+        (window_group_codes<G * 16>(w, code), ...);
+    }
+    (std::make_integer_sequence<int, Bytes / 16>{});
+}
+
+// Whether the masks are of the simplest well-formed text: each lead's continuation bytes, and
+// no others (so the bytes start on a character), and no byte that needs a closer look.
+[[gnu::always_inline]] inline bool window_simple(const Window &win) {
+    return !win.odd && win.cont == (win.lead << 1 | win.lead3 << 2);
+}
+
+// Translates the characters whose last bytes are set in ends (not 0) through words into q,
+// storing a byte beyond their output; the end of their output. none gets the sign bit when a
+// character has no word.
+[[gnu::always_inline]] inline uint8_t *window_take(const uint16_t *code, uint64_t ends, uint8_t *q,
+                                                   const uint16_t *words, int32_t &none) {
+    do {
+        const uint32_t v = words[code[static_cast<unsigned>(std::countr_zero(ends))]];
+        std::memcpy(q, &v, 2);
+        q += (v + 0x1FF00) >> 16; // 1, or 2 from 100
+        none |= static_cast<int32_t>(v) - 1;
+        ends &= ends - 1;
+    } while (ends != 0);
+    return q;
 }
 
 // Translates windows from src[at] while at < stop and to < o_lim, up to the first window that
@@ -130,8 +155,7 @@ template <int At>
     while (i < stop && o < o_lim) {
         const uint8_t *p = src + i;
         const Window win = window_masks(p);
-        // Each lead's continuation bytes, and no others (so the window starts on a character).
-        if (win.odd || win.cont != (win.lead << 1 | win.lead3 << 2)) break;
+        if (!window_simple(win)) break;
         if (win.high == 0) {
             std::memcpy(dst + o, p, k_window);
             i += k_window;
@@ -142,21 +166,32 @@ template <int At>
         // The last bytes of the characters that end in the window (followed there by a start).
         uint64_t ends = ~win.cont >> 1;
         const int took = k_window - std::countl_zero(ends); // a window holds a whole character
-        uint8_t *q = dst + o;
-        int32_t none = 0; // sign bit: a character without a word
-        do {
-            const uint32_t v = words[code[static_cast<unsigned>(std::countr_zero(ends))]];
-            std::memcpy(q, &v, 2);
-            q += (v + 0x1FF00) >> 16; // 1, or 2 from 100
-            none |= static_cast<int32_t>(v) - 1;
-            ends &= ends - 1;
-        } while (ends != 0);
+        int32_t none = 0;                                   // sign bit: a character without a word
+        uint8_t *q = window_take(code, ends, dst + o, words, none);
         if (none < 0) break;
         i += took;
         o = q - dst;
     }
     at = static_cast<int32_t>(i);
     to = static_cast<int32_t>(o);
+}
+
+constexpr int32_t k_window_value = 32; // bytes read for a short value
+
+// A value of n bytes, n in [1, k_window_value), at w and followed there by spaces up to
+// k_window_value bytes (they end its last character), translated like a window into dst;
+// the bytes produced, or -1 (having stored up to one byte each and one more) when the value
+// is not taken whole.
+[[gnu::always_inline]] inline int32_t utf8_window_value(const uint8_t *w, int32_t n, uint8_t *dst,
+                                                        const uint16_t *words) {
+    const Window win = window_masks<k_window_value>(w);
+    if (!window_simple(win)) return -1;
+    alignas(16) uint16_t code[k_window_value];
+    window_codes<k_window_value>(w, code);
+    int32_t none = 0;
+    const uint8_t *q =
+        window_take(code, ~win.cont >> 1 & ((uint64_t{1} << n) - 1), dst, words, none);
+    return none < 0 ? -1 : static_cast<int32_t>(q - dst);
 }
 
 #endif

@@ -1076,6 +1076,20 @@ template <class Dir>
         return;
     }
     At t;
+#ifdef COMN_XLT_UTF8_WINDOWS
+    if constexpr (window_words<Dir> != nullptr) {
+        if (n < k_window_value) { // one window, over the value and spaces after it
+            fill16(in + n, ' ');
+            fill16(in + n + 16, ' ');
+            if (const int32_t o = utf8_window_value(in, n, out, window_words<Dir>); o >= 0) {
+                copy_short(out, dst, o);
+                a.i = n;
+                a.o = o;
+                return;
+            }
+        }
+    }
+#endif
 #ifdef COMN_XLT_SHUFFLE
     if constexpr (iso1_block<Dir> != nullptr) {
         if (has_shuffle()) {
