@@ -35,7 +35,8 @@ namespace comn {
 
 constexpr int32_t k_window = 64; // bytes read at a time
 
-inline __m128i window_bytes(int b) {
+// Sixteen bytes b.
+inline __m128i bytes(int b) {
     return _mm_set1_epi8(static_cast<char>(b));
 }
 
@@ -61,12 +62,11 @@ template <int At>
         return static_cast<uint64_t>(static_cast<uint32_t>(_mm_movemask_epi8(x))) << At;
     };
     win.high |= mask(v);
-    win.cont |= mask(_mm_cmplt_epi8(v, window_bytes(0xC0))); // signed: 80-BF are the lowest
-    win.lead3 |= mask(_mm_slli_epi16(v, 2));                 // bit 5 of every byte
-    odd =
-        _mm_or_si128(odd, _mm_cmpeq_epi8(_mm_and_si128(v, window_bytes(0xFE)), window_bytes(0xC0)));
-    odd = _mm_or_si128(odd, _mm_cmpeq_epi8(v, window_bytes(0xE0)));
-    odd = _mm_or_si128(odd, _mm_cmpeq_epi8(_mm_max_epu8(v, window_bytes(0xF0)), v));
+    win.cont |= mask(_mm_cmplt_epi8(v, bytes(0xC0))); // signed: 80-BF are the lowest
+    win.lead3 |= mask(_mm_slli_epi16(v, 2));          // bit 5 of every byte
+    odd = _mm_or_si128(odd, _mm_cmpeq_epi8(_mm_and_si128(v, bytes(0xFE)), bytes(0xC0)));
+    odd = _mm_or_si128(odd, _mm_cmpeq_epi8(v, bytes(0xE0)));
+    odd = _mm_or_si128(odd, _mm_cmpeq_epi8(_mm_max_epu8(v, bytes(0xF0)), v));
 }
 
 // The masks of the first Bytes bytes at w (a multiple of 16, at most k_window).
@@ -93,21 +93,19 @@ template <int At>
     const __m128i v = window_load<At>(w);
     const __m128i v1 = At == 0 ? _mm_slli_si128(v, 1) : window_load<At - 1>(w);
     const __m128i v2 = At == 0 ? _mm_slli_si128(v, 2) : window_load<At - 2>(w);
-    const __m128i cont = _mm_cmplt_epi8(v, window_bytes(0xC0));
-    const __m128i cont1 = _mm_cmplt_epi8(v1, window_bytes(0xC0));
+    const __m128i cont = _mm_cmplt_epi8(v, bytes(0xC0));
+    const __m128i cont1 = _mm_cmplt_epi8(v1, bytes(0xC0));
     // The payloads of a character's last byte (6 or 7 bits: ASCII and continuation bytes have
     // bit 6 clear), of the byte before when the last is a continuation (6 bits: a two-byte lead
     // has bit 5 clear) and of the byte before that when both are (4 bits of a three-byte lead).
-    const __m128i lo = _mm_and_si128(v, window_bytes(0x7F));
-    const __m128i mid = _mm_and_si128(_mm_and_si128(v1, window_bytes(0x3F)), cont);
-    const __m128i hi =
-        _mm_and_si128(_mm_and_si128(v2, window_bytes(0x0F)), _mm_and_si128(cont, cont1));
+    const __m128i lo = _mm_and_si128(v, bytes(0x7F));
+    const __m128i mid = _mm_and_si128(_mm_and_si128(v1, bytes(0x3F)), cont);
+    const __m128i hi = _mm_and_si128(_mm_and_si128(v2, bytes(0x0F)), _mm_and_si128(cont, cont1));
     // Code point bytes: lo | mid << 6 below, mid >> 2 | hi << 4 above (no shift carries a bit
     // across a byte once masked).
-    const __m128i below =
-        _mm_or_si128(lo, _mm_slli_epi16(_mm_and_si128(mid, window_bytes(0x03)), 6));
-    const __m128i above = _mm_or_si128(_mm_and_si128(_mm_srli_epi16(mid, 2), window_bytes(0x0F)),
-                                       _mm_slli_epi16(hi, 4));
+    const __m128i below = _mm_or_si128(lo, _mm_slli_epi16(_mm_and_si128(mid, bytes(0x03)), 6));
+    const __m128i above =
+        _mm_or_si128(_mm_and_si128(_mm_srli_epi16(mid, 2), bytes(0x0F)), _mm_slli_epi16(hi, 4));
     _mm_store_si128(reinterpret_cast<__m128i *>(code + At), _mm_unpacklo_epi8(below, above));
     _mm_store_si128(reinterpret_cast<__m128i *>(code + At + 8), _mm_unpackhi_epi8(below, above));
 }

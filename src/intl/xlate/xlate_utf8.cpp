@@ -574,10 +574,6 @@ inline bool has_shuffle() {
     return yes;
 }
 
-inline __m128i bytes(int b) {
-    return _mm_set1_epi8(static_cast<char>(b));
-}
-
 // Byte shifts of a vector by a count known at run time, through a window into this table:
 // the bytes moved in are 00.
 constexpr auto Shift_window = [] {
