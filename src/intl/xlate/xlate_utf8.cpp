@@ -456,7 +456,10 @@ constexpr int32_t k_block = 16; // an iso_1 block
 // remains. It reads less than 32 bytes ahead of where it stands and stores at most 16 bytes
 // beyond the bytes produced. The careful loop that follows takes at least 120 bytes, so at
 // least 30 characters giving a byte each but the last, or fills the room to within 3 bytes:
-// either way it writes over every byte the fast loop stored beyond its own.
+// either way it writes over every byte the fast loop stored beyond its own. The windows read
+// up to 65 bytes ahead and store up to 99 bytes beyond o_lim (so at least 29 short of the
+// room's end); a window given up stores no further than the translation of its characters
+// one at a time, which follows it, reaches.
 constexpr int32_t k_src_margin = 128, k_dst_margin = 128;
 // A short value is translated in local buffers when the room takes its longest translation:
 // the source copy is followed by bytes FF, which no set reads as a character or as part of
