@@ -117,42 +117,36 @@ template <int At>
     return q;
 }
 
-// Translates windows from src[at] while at < stop and to < o_lim, up to the first window that
-// is not taken whole, through words (k_euc_words of them, laid out as above). Reads
-// k_window + 1 bytes from each window's start and stores up to 3 bytes beyond the output of
-// the characters it takes (so up to 99 beyond o_lim). A window given up has stored no further
-// than its characters' translation one at a time reaches (a pair without counterpart takes
-// no bytes here and two "?" there), and 3 bytes more: what the caller's loop translates next
-// writes over them.
-[[gnu::always_inline]] inline void euc_windows(const uint8_t *src, int32_t stop, uint8_t *dst,
-                                               int32_t o_lim, int32_t &at, int32_t &to,
-                                               const uint32_t *words) {
-    ptrdiff_t i = at, o = to; // locals: stores to dst could otherwise alias them
-    alignas(16) uint16_t code[k_window];
-    while (i < stop && o < o_lim) {
-        const uint8_t *p = src + i;
-        uint64_t high;
-        if (!euc_window_bytes(p, high)) break;
-        const uint64_t firsts = euc_pair_firsts(high), seconds = high & ~firsts;
-        if (seconds != firsts << 1) break; // a run of odd length ends inside the window
-        if (high == 0) {
-            std::memcpy(dst + o, p, k_window);
-            i += k_window;
-            o += k_window;
-            continue;
-        }
-        euc_window_codes(p, code);
-        const uint64_t open = firsts >> 63; // a pair whose second byte is in the next window
-        const int32_t took = k_window - static_cast<int32_t>(open);
-        uint8_t *q = euc_window_take(code, ~seconds & ~(open << 63), dst + o, words);
-        // A byte each for the bytes taken, and one more for each pair.
-        if (q - dst - o != took + euc_bit_count(firsts & ~(open << 63))) break;
-        i += took;
-        o = q - dst;
+// The eucjis kind of window_loop (utf8_windows.h), through words (k_euc_words of them, laid out
+// as above). Reads k_window + 1 bytes from each window's start and stores up to 3 bytes beyond
+// the output of the characters it takes (so up to 99 beyond o_lim). A window given up has
+// stored no further than its characters' translation one at a time reaches (a pair without
+// counterpart takes no bytes here and two "?" there), and 3 bytes more: what the caller's loop
+// translates next writes over them.
+struct EucWindows {
+    const uint32_t *words;
+    uint16_t *code; // k_window of them, aligned on 16 bytes
+    uint64_t bytes = 0, firsts = 0, seconds = 0;
+
+    [[gnu::always_inline]] bool simple(const uint8_t *p) {
+        if (!euc_window_bytes(p, bytes)) return false;
+        firsts = euc_pair_firsts(bytes);
+        seconds = bytes & ~firsts;
+        return seconds == firsts << 1; // no run of odd length ends inside
     }
-    at = static_cast<int32_t>(i);
-    to = static_cast<int32_t>(o);
-}
+    uint64_t high() const { return bytes; }
+    [[gnu::always_inline]] int32_t take(const uint8_t *p, uint8_t *&q) {
+        euc_window_codes(p, code);
+        // A pair whose second byte is in the next window is left to it.
+        const uint64_t open = firsts >> 63 << 63;
+        const int32_t took = k_window - static_cast<int32_t>(open >> 63);
+        uint8_t *end = euc_window_take(code, ~seconds & ~open, q, words);
+        // A byte each for the bytes taken, and one more for each pair.
+        if (end - q != took + euc_bit_count(firsts & ~open)) return 0;
+        q = end;
+        return took;
+    }
+};
 
 #endif
 

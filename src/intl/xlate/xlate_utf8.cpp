@@ -982,10 +982,13 @@ void run_fast(const uint8_t *src, int32_t n, int32_t stop, uint8_t *dst, int32_t
         windows_then_fast<Dir>(src, n, stop, dst, o_lim, a, [&](int32_t &i, int32_t &o) {
             utf8_windows(src, stop, dst, o_lim, i, o, window_words<Dir>);
         });
-    if constexpr (euc_window_words<Dir> != nullptr)
+    if constexpr (euc_window_words<Dir> != nullptr) {
+        alignas(16) uint16_t code[k_window];
+        EucWindows kind{euc_window_words<Dir>, code};
         windows_then_fast<Dir>(src, n, stop, dst, o_lim, a, [&](int32_t &i, int32_t &o) {
-            euc_windows(src, stop, dst, o_lim, i, o, euc_window_words<Dir>);
+            window_loop(src, stop, dst, o_lim, i, o, kind);
         });
+    }
 #endif
 #ifdef COMN_XLT_SHUFFLE
     if constexpr (iso1_block<Dir> != nullptr) {
