@@ -6,7 +6,8 @@
 // lengths. Translation to utf8 must write well-formed UTF-8, and from utf8, when nothing was
 // replaced, must give back the text it took when translated back; the part of the text taken
 // must translate alike into a destination of exactly the bytes it gave, and the utf8
-// converters must agree with themselves fed through calls of little room.
+// converters must agree with themselves fed through calls of little room and leave the
+// destination beyond the bytes they produced as it was.
 #include <comnlib.h>
 #include "intl/xlate/xlate_dispatch.h"
 
@@ -74,6 +75,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     auto src = std::make_unique<uint8_t[]>(static_cast<size_t>(len) + (utf8 ? 0 : 1));
     std::memcpy(src.get(), data + 4, static_cast<size_t>(len));
     auto dst = std::make_unique<uint8_t[]>(static_cast<size_t>(room));
+    constexpr uint8_t k_untouched = 0xC1; // in no UTF-8 text
+    std::memset(dst.get(), k_untouched, static_cast<size_t>(room));
 
     if (f != nullptr) {
         int32_t consumed = -1, produced = -1;
@@ -81,6 +84,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
         check(consumed >= 0 && consumed <= len && produced >= 0 && produced <= room);
         check((bits & ~(COM_XLT_BADCHAR | COM_XLT_TRUNCATED)) == 0);
         if (utf8 && mode == COM_XLT_MODE_CONVERT) {
+            // The fast paths store ahead of what they keep; all of it must be written over.
+            check(std::all_of(dst.get() + produced, dst.get() + room,
+                              [](uint8_t b) { return b == k_untouched; }));
             // Lengths change: a truncated translation stopped before the source's end, and an
             // untruncated one took all of it but a Japanese character cut by its end.
             if (bits & COM_XLT_TRUNCATED)

@@ -20,6 +20,7 @@
 // its second byte), and a Japanese character cut by the end of the source is left for the
 // next call.
 #include "jis_codes.h"
+#include "jis_windows.h"
 #include "unicode_tables.h"
 #include "utf8_windows.h"
 #include "xlate_internal.h"
@@ -273,10 +274,14 @@ inline Ucs jis0208(unsigned c1, unsigned c2) { // c1, c2 in A1-FE
     return {cp != 0 ? Ucs::Ok : Ucs::Bad, 2, cp};
 }
 
-constexpr auto Jis0208_packed = [] {
-    std::array<uint32_t, 94 * 94> t{};
-    for (size_t i = 0; i < t.size(); ++i)
-        t[i] = pack(Jis0208_ucs[i]);
+// The packed translations of the ASCII bytes (NUL too: a byte like any other here), then of
+// the JIS X 0208 grid by row and cell, as the eucjis windows read them.
+constexpr auto Euc_words = [] {
+    std::array<uint32_t, k_euc_words> t{};
+    for (unsigned b = 0; b < k_euc_ascii; ++b)
+        t[b] = b | 1U << 24;
+    for (size_t i = 0; i < 94 * 94; ++i)
+        t[k_euc_ascii + i] = pack(Jis0208_ucs[i]);
     return t;
 }();
 
@@ -308,7 +313,7 @@ struct Euc {
     static constexpr int to_utf8_x2 = 3, from_utf8_x2 = 3;
     static uint32_t packed(const uint8_t *p) {
         const uint32_t at = uint32_t{Euc_rows[p[0]]} + Euc_cells[p[1]];
-        return at < Jis0208_packed.size() ? Jis0208_packed[at] : 0;
+        return at < 94 * 94 ? Euc_words[k_euc_ascii + at] : 0;
     }
     static Ucs read(const uint8_t *p, int32_t left) {
         const unsigned b0 = p[0];
@@ -451,7 +456,10 @@ constexpr int32_t k_block = 16; // an iso_1 block
 // remains. It reads less than 32 bytes ahead of where it stands and stores at most 16 bytes
 // beyond the bytes produced. The careful loop that follows takes at least 120 bytes, so at
 // least 30 characters giving a byte each but the last, or fills the room to within 3 bytes:
-// either way it writes over every byte the fast loop stored beyond its own.
+// either way it writes over every byte the fast loop stored beyond its own. The windows read
+// up to 65 bytes ahead and store up to 99 bytes beyond o_lim (so at least 29 short of the
+// room's end); a window given up stores no further than the translation of its characters
+// one at a time, which follows it, reaches.
 constexpr int32_t k_src_margin = 128, k_dst_margin = 128;
 // A short value is translated in local buffers when the room takes its longest translation:
 // the source copy is followed by bytes FF, which no set reads as a character or as part of
@@ -939,24 +947,47 @@ template <class Dir>
 constexpr const uint16_t *window_words = nullptr;
 template <>
 constexpr const uint16_t *window_words<FromUtf8<Sjis>> = Sjis_of.data();
+
+// The same for the windows of a direction into utf8 (jis_windows.h).
+template <class Dir>
+constexpr const uint32_t *euc_window_words = nullptr;
+template <>
+constexpr const uint32_t *euc_window_words<ToUtf8<Euc>> = Euc_words.data();
+template <>
+constexpr const uint32_t *euc_window_words<ToUtf8<DecKanji>> = Euc_words.data();
+
+// windows(i, o) while it takes windows, the fast loop over the window it leaves, and more after
+// each window given up at once, so that text the windows rarely take (with accented Latin, or
+// kana of eucjis, say) pays little for them.
+template <class Dir, class Windows>
+void windows_then_fast(const uint8_t *src, int32_t n, int32_t stop, uint8_t *dst, int32_t o_lim,
+                       At &a, Windows windows) {
+    int32_t span = k_window;
+    for (;;) {
+        const int32_t from = a.i;
+        windows(a.i, a.o);
+        if (a.i >= stop || a.o >= o_lim) break;
+        span = a.i == from ? std::min(span * 2, k_window * 64) : k_window;
+        fast<Dir>(src, n, stop - a.i > span ? a.i + span : stop, dst, o_lim, a);
+    }
+}
 #endif
 
-// The fast part of a converter: the iso_1 blocks or the utf8 windows above while they apply,
-// then the fast loop.
+// The fast part of a converter: the iso_1 blocks or the windows above while they apply, then
+// the fast loop.
 template <class Dir>
 void run_fast(const uint8_t *src, int32_t n, int32_t stop, uint8_t *dst, int32_t o_lim, At &a) {
 #ifdef COMN_XLT_UTF8_WINDOWS
-    if constexpr (window_words<Dir> != nullptr) {
-        // The fast loop takes the window left, and more after each window given up at once,
-        // so that text the windows rarely take (with accented Latin, say) pays little for them.
-        int32_t span = k_window;
-        for (;;) {
-            const int32_t from = a.i;
-            utf8_windows(src, stop, dst, o_lim, a.i, a.o, window_words<Dir>);
-            if (a.i >= stop || a.o >= o_lim) break;
-            span = a.i == from ? std::min(span * 2, k_window * 64) : k_window;
-            fast<Dir>(src, n, stop - a.i > span ? a.i + span : stop, dst, o_lim, a);
-        }
+    if constexpr (window_words<Dir> != nullptr)
+        windows_then_fast<Dir>(src, n, stop, dst, o_lim, a, [&](int32_t &i, int32_t &o) {
+            utf8_windows(src, stop, dst, o_lim, i, o, window_words<Dir>);
+        });
+    if constexpr (euc_window_words<Dir> != nullptr) {
+        alignas(16) uint16_t code[k_window];
+        EucWindows kind{euc_window_words<Dir>, code};
+        windows_then_fast<Dir>(src, n, stop, dst, o_lim, a, [&](int32_t &i, int32_t &o) {
+            window_loop(src, stop, dst, o_lim, i, o, kind);
+        });
     }
 #endif
 #ifdef COMN_XLT_SHUFFLE
