@@ -4,8 +4,9 @@
 // character-wise ASCII converters of the Japanese sets. Source and destination are
 // exact-size heap blocks, so any overrun is caught, and the counts must stay within the given
 // lengths. Translation to utf8 must write well-formed UTF-8, and from utf8, when nothing was
-// replaced, must give back the text it took when translated back; the part of the text taken
-// must translate alike into a destination of exactly the bytes it gave, and the utf8
+// replaced, must give back the text it took when translated back; the utf8 converters leave
+// the destination beyond the bytes they write as it was; the part of the text taken must
+// translate alike into a destination of exactly the bytes it gave, and the utf8
 // converters must agree with themselves fed through calls of little room.
 #include <comnlib.h>
 #include "intl/xlate/xlate_dispatch.h"
@@ -74,6 +75,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     auto src = std::make_unique<uint8_t[]>(static_cast<size_t>(len) + (utf8 ? 0 : 1));
     std::memcpy(src.get(), data + 4, static_cast<size_t>(len));
     auto dst = std::make_unique<uint8_t[]>(static_cast<size_t>(room));
+    constexpr uint8_t k_fill = 0xA5; // what the destination holds beyond the bytes produced
+    std::memset(dst.get(), k_fill, static_cast<size_t>(room));
 
     if (f != nullptr) {
         int32_t consumed = -1, produced = -1;
@@ -81,6 +84,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
         check(consumed >= 0 && consumed <= len && produced >= 0 && produced <= room);
         check((bits & ~(COM_XLT_BADCHAR | COM_XLT_TRUNCATED)) == 0);
         if (utf8 && mode == COM_XLT_MODE_CONVERT) {
+            // The utf8 converters store nothing beyond the bytes they produce, whatever path
+            // the text takes (a short value written straight to the destination included).
+            check(std::all_of(dst.get() + produced, dst.get() + room,
+                              [](uint8_t b) { return b == k_fill; }));
             // Lengths change: a truncated translation stopped before the source's end, and an
             // untruncated one took all of it but a Japanese character cut by its end.
             if (bits & COM_XLT_TRUNCATED)
