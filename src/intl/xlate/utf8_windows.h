@@ -204,24 +204,6 @@ template <class Kind>
     window_loop(src, stop, dst, o_lim, at, to, kind);
 }
 
-constexpr int32_t k_window_value = 32; // bytes read for a short value
-
-// A value of n bytes, n in [1, k_window_value), at w and followed there by spaces up to
-// k_window_value bytes (they end its last character), translated like a window into dst;
-// the bytes produced, or -1 (having stored up to one byte each and one more) when the value
-// is not taken whole.
-[[gnu::always_inline]] inline int32_t utf8_window_value(const uint8_t *w, int32_t n, uint8_t *dst,
-                                                        const uint16_t *words) {
-    const Window win = window_masks<k_window_value>(w);
-    if (!window_simple(win)) return -1;
-    alignas(16) uint16_t code[k_window_value];
-    window_codes<k_window_value>(w, code);
-    int32_t none = 0;
-    const uint8_t *q =
-        window_take(code, ~win.cont >> 1 & ((uint64_t{1} << n) - 1), dst, words, none);
-    return none < 0 ? -1 : static_cast<int32_t>(q - dst);
-}
-
 #endif
 
 } // namespace comn

@@ -22,6 +22,7 @@
 #include "jis_codes.h"
 #include "jis_windows.h"
 #include "unicode_tables.h"
+#include "utf8_window_value.h"
 #include "utf8_windows.h"
 #include "xlate_internal.h"
 
@@ -576,10 +577,16 @@ constexpr auto Spread8 = [] {
     return t;
 }();
 
+// The processor's extensions, settled when the library is loaded so that a short value pays no
+// test of a guard; anything that translates before that reads false and takes the other paths.
+const bool k_shuffle =
+    (__builtin_cpu_init(), __builtin_cpu_supports("ssse3") && __builtin_cpu_supports("popcnt"));
+const bool k_avx2 =
+    (__builtin_cpu_init(), __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi") &&
+                               __builtin_cpu_supports("bmi2"));
+
 inline bool has_shuffle() {
-    static const bool yes =
-        (__builtin_cpu_init(), __builtin_cpu_supports("ssse3") && __builtin_cpu_supports("popcnt"));
-    return yes;
+    return k_shuffle;
 }
 
 // Byte shifts of a vector by a count known at run time, through a window into this table:
@@ -1103,20 +1110,6 @@ template <class Dir>
         return;
     }
     At t;
-#ifdef COMN_XLT_UTF8_WINDOWS
-    if constexpr (window_words<Dir> != nullptr) {
-        if (n < k_window_value) { // one window, over the value and spaces after it
-            fill16(in + n, ' ');
-            fill16(in + n + 16, ' ');
-            if (const int32_t o = utf8_window_value(in, n, out, window_words<Dir>); o >= 0) {
-                copy_short(out, dst, o);
-                a.i = n;
-                a.o = o;
-                return;
-            }
-        }
-    }
-#endif
 #ifdef COMN_XLT_SHUFFLE
     if constexpr (iso1_block<Dir> != nullptr) {
         if (has_shuffle()) {
@@ -1140,8 +1133,8 @@ template <class Dir>
 // A converter: a short value through local buffers when the room takes its longest
 // translation, else the fast loop while far from both ends, then the careful loop.
 template <class Dir>
-int32_t translate(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstlen,
-                  int32_t *consumed, int32_t *produced) {
+[[gnu::noinline]] int32_t translate_text(const uint8_t *src, int32_t srclen, uint8_t *dst,
+                                         int32_t dstlen, int32_t *consumed, int32_t *produced) {
     const int32_t n = std::max(srclen, 0), m = std::max(dstlen, 0);
     At a;
     if (k_packed && n > 0 && n <= k_short && int64_t{m} * 2 >= int64_t{n} * growth_x2<Dir>) {
@@ -1154,6 +1147,43 @@ int32_t translate(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstl
     *consumed = a.i;
     *produced = a.o;
     return (a.full ? COM_XLT_TRUNCATED : 0) | (a.bad ? COM_XLT_BADCHAR : 0);
+}
+
+#if defined(COMN_XLT_SHUFFLE) && defined(COMN_XLT_UTF8_WINDOWS)
+// A utf8 value of n bytes, n in [1, k_window_value], into a set of the windows whose longest
+// translation fits the room, in registers: read in place, stored back as it is when ASCII
+// alone, else translated as one window straight into dst; a value the window does not take
+// goes to translate_text, which writes over what the window stored.
+template <class Dir>
+[[gnu::target("avx2,bmi,bmi2")]] int32_t window_value(const uint8_t *src, int32_t n, uint8_t *dst,
+                                                      int32_t m, int32_t *consumed,
+                                                      int32_t *produced) {
+    __m128i lo, hi;
+    load_value(src, n, lo, hi);
+    int32_t o = n;
+    if (const __m256i v = _mm256_set_m128i(hi, lo); _mm256_movemask_epi8(v) == 0)
+        store_value(dst, n, lo, hi);
+    else if (o = utf8_window_value(v, n, dst, window_words<Dir>); o < 0)
+        return translate_text<Dir>(src, n, dst, m, consumed, produced);
+    *consumed = n;
+    *produced = o;
+    return 0;
+}
+#endif
+
+// A converter. A utf8 value of up to 32 bytes into a set of the windows goes to window_value
+// where the processor has AVX2, ahead of the frame of translate_text (its local buffers),
+// which costs about as much as translating such a value.
+template <class Dir>
+int32_t translate(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstlen,
+                  int32_t *consumed, int32_t *produced) {
+#if defined(COMN_XLT_SHUFFLE) && defined(COMN_XLT_UTF8_WINDOWS)
+    if constexpr (window_words<Dir> != nullptr)
+        if (srclen > 0 && srclen <= k_window_value &&
+            int64_t{dstlen} * 2 >= int64_t{srclen} * growth_x2<Dir> && k_avx2)
+            return window_value<Dir>(src, srclen, dst, dstlen, consumed, produced);
+#endif
+    return translate_text<Dir>(src, srclen, dst, dstlen, consumed, produced);
 }
 
 // The reader and writer of each set, by the name its converters carry.
