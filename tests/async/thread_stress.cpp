@@ -1,9 +1,8 @@
-// Threads drive the asynchronous manager through real mutexes and events: poster threads
-// deliver I/O completions while poller threads poll several managers (walks, single-handle
-// polls and an event-mode poller) and start the next operation of each handle whose
-// completion they took. Every operation must complete exactly once, no handle may be lost,
-// and the run must be clean under ThreadSanitizer. Per-handle bookkeeping is deliberately
-// plain memory: only the manager's own hand-offs order it.
+// Threads drive the asynchronous manager through real mutexes and events: posters deliver
+// I/O completions while pollers (manager walks, single-handle polls, one event-mode poller)
+// take completions and start each handle's next operation. Every operation must complete
+// exactly once and the run must be clean under ThreadSanitizer; per-handle bookkeeping is
+// plain memory, ordered only by the manager's own hand-offs.
 #include <comnlib/async.h>
 
 #include <gtest/gtest.h>
@@ -20,35 +19,18 @@
 
 namespace {
 
-// Events are auto-reset and remember one signal.
-struct Event {
+struct Event { // auto-reset, remembers one signal
     std::mutex mu;
     std::condition_variable cv;
     bool signaled = false;
 };
 template <class T>
 int32_t create(void **p) {
-    *p = new T;
-    return CS_SUCCEED;
+    return *p = new T, CS_SUCCEED;
 }
 template <class T>
 int32_t destroy(void *p) {
-    delete static_cast<T *>(p);
-    return CS_SUCCEED;
-}
-int32_t signal_event(void *p) {
-    auto *e = static_cast<Event *>(p);
-    std::lock_guard<std::mutex> lock(e->mu);
-    e->signaled = true;
-    e->cv.notify_one();
-    return CS_SUCCEED;
-}
-int32_t wait_event(void *p) {
-    auto *e = static_cast<Event *>(p);
-    std::unique_lock<std::mutex> lock(e->mu);
-    e->cv.wait(lock, [e] { return e->signaled; });
-    e->signaled = false;
-    return CS_SUCCEED;
+    return delete static_cast<T *>(p), CS_SUCCEED;
 }
 const ComThreadCallbacks callbacks = {
     create<std::mutex>,
@@ -57,14 +39,25 @@ const ComThreadCallbacks callbacks = {
     [](void *m) -> int32_t { return static_cast<std::mutex *>(m)->unlock(), CS_SUCCEED; },
     create<Event>,
     destroy<Event>,
-    signal_event,
-    wait_event};
+    [](void *p) -> int32_t {
+        auto *e = static_cast<Event *>(p);
+        std::lock_guard<std::mutex> lock(e->mu);
+        e->signaled = true;
+        e->cv.notify_one();
+        return CS_SUCCEED;
+    },
+    [](void *p) -> int32_t {
+        auto *e = static_cast<Event *>(p);
+        std::unique_lock<std::mutex> lock(e->mu);
+        e->cv.wait(lock, [e] { return e->signaled; });
+        e->signaled = false;
+        return CS_SUCCEED;
+    }};
 
 constexpr int MANAGERS = 3, HANDLES = 8 * MANAGERS, OPS = 150;
 
-// One operation per handle at a time; the fields are touched by whichever thread the
-// manager hands the handle to. A completion taken twice fails the code check in take(), a
-// lost one leaves its handle short of the last operation.
+// A completion taken twice fails the code check in take(); a lost one leaves its handle
+// short of the last operation.
 struct Slot {
     ComAsyncHandle *h = nullptr;
     int op = 0; // the operation under way
@@ -94,12 +87,8 @@ int32_t pause(ComAsyncManager *, ComAsyncHandle *, int32_t) {
     return world->stop.load() ? CS_QUIET : CS_SUCCEED;
 }
 
-int32_t token(const Slot *s) {
-    return 1000 + s->op;
-}
-
-// The operation: queue the handle for a poster and suspend; complete with the posted
-// status and the operation number as the completion code.
+// The operation queues the handle for a poster and suspends, then completes with the
+// operation number as its code and the posted status (1000 + the number).
 int32_t issue_io(ComAsyncHandle *, void *u1, void *, int32_t) {
     std::lock_guard<std::mutex> lock(world->io_mu);
     world->io_queue.push_back(static_cast<Slot *>(u1));
@@ -128,7 +117,7 @@ void take(ComAsyncHandle *h) {
     com_async_getcomp(h, &u1, nullptr, &code, &status);
     auto *s = static_cast<Slot *>(u1);
     ASSERT_EQ(code, s->op);
-    EXPECT_EQ(status, token(s));
+    EXPECT_EQ(status, 1000 + s->op);
     world->completed.fetch_add(1);
     if (++s->op < OPS) start_op(s);
 }
@@ -140,28 +129,24 @@ void poster() {
         if (world->io_queue.empty()) return;
         Slot *s = world->io_queue.front();
         world->io_queue.pop_front();
-        const int32_t status = token(s);
         lock.unlock();
-        EXPECT_EQ(com_async_iopost(s->h, status), CS_SUCCEED);
+        EXPECT_EQ(com_async_iopost(s->h, 1000 + s->op), CS_SUCCEED);
     }
 }
 
-// Polls every manager in turn, now and then a single handle instead of a whole manager;
-// with event set, blocks on manager 0's event between polls instead.
+// Polls every manager in turn, now and then a single handle instead; with event set,
+// blocks on manager 0's event between polls.
 void poller(unsigned seed, bool event) {
     std::mt19937 rng(seed);
     while (!world->stop.load()) {
         for (int i = 0; i < MANAGERS && !world->stop.load(); ++i) {
             ComAsyncHandle *found = nullptr;
-            int32_t r;
-            if (event)
-                r = com_async_poll(world->mgr[0], nullptr, 1,
-                                   COM_ASYNC_POLL_EVENT | COM_ASYNC_POLL_TAKE, &found);
-            else if (rng() % 4 == 0)
-                r = com_async_poll(nullptr, world->slots[rng() % HANDLES].h, 1,
-                                   COM_ASYNC_POLL_ONE | COM_ASYNC_POLL_TAKE, &found);
-            else
-                r = com_async_poll(world->mgr[i], nullptr, 1, COM_ASYNC_POLL_TAKE, &found);
+            const bool one = !event && rng() % 4 == 0;
+            const int32_t r = com_async_poll(one ? nullptr : world->mgr[event ? 0 : i],
+                                             one ? world->slots[rng() % HANDLES].h : nullptr, 1,
+                                             COM_ASYNC_POLL_TAKE | (one ? COM_ASYNC_POLL_ONE : 0) |
+                                                 (event ? COM_ASYNC_POLL_EVENT : 0),
+                                             &found);
             if (r == CS_SUCCEED)
                 take(found);
             else
@@ -177,8 +162,8 @@ TEST(AsyncThreads, EveryOperationCompletesExactlyOnce) {
     for (ComAsyncManager *&m : w.mgr)
         ASSERT_EQ(com_async_init(&m, pause, access_lock, COM_ASYNC_GLOBAL_STATIC, &callbacks),
                   CS_SUCCEED);
-    // Each manager mixes the three post routes: inline runs, runs left to a poll (state 2),
-    // and handles made ready for a poll (state 3).
+    // Each manager mixes the three post routes: inline runs, runs left to a poll, and
+    // handles made ready for a poll.
     const uint32_t routes[] = {COM_ASYNC_F_INLINE, COM_ASYNC_F_POLLRUN, 0};
     for (int i = 0; i < HANDLES; ++i) {
         Slot &s = w.slots[i];
@@ -195,7 +180,6 @@ TEST(AsyncThreads, EveryOperationCompletesExactlyOnce) {
         threads.emplace_back(poller, 7 + i, false);
     }
     std::thread event_poller(poller, 9, true);
-
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
     while (w.completed.load() < HANDLES * OPS && std::chrono::steady_clock::now() < deadline)
         std::this_thread::sleep_for(std::chrono::milliseconds(5));

@@ -1,5 +1,5 @@
-// Formatting outside the range, truncation and errors; the datetime conversions through the
-// conversion table; the clock text with a pinned clock; the built-in date settings.
+// Formatting outside the range, truncation and errors; the clock text with a pinned clock;
+// the built-in date settings. The conversions through the table are the conversion tests'.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -57,70 +57,15 @@ TEST(DateFormat, TruncationAndErrors) {
     EXPECT_EQ(com_cvtdate4tochar(&small, buf, -1, 9, com__get_shortmonths()), 26);
     EXPECT_EQ(std::string(buf, 26), "Jan  1 1900 12:30:00:000AM");
     EXPECT_EQ(com_cvtdatetochar(&dt, buf, -1, 12, nullptr), 6);
-}
-
-template <typename T>
-std::string bytes(const T &v) {
-    return std::string(reinterpret_cast<const char *>(&v), sizeof v);
-}
-
-// The datetime conversions through the table: text in the default style with the text
-// flags (a datetime cut short is truncated, a missing terminator overflows), narrowing and
-// widening, and copies.
-TEST(DateConvert, ThroughTheTable) {
-    const DateTimeValue dt = make(1999, 1, 15, 22, 30, 15, 500),
-                        last = make(2079, 6, 6, 23, 59, 29), late = make(2079, 6, 6, 23, 59, 30);
-    const DateTime4Value d4{36173, 90}, d4last{65535, 1439};
-    const std::string text = "Jan 15 1999 10:30:15:500PM";
-    struct {
-        int32_t from;
-        const void *value;
-        int32_t to, maxlength;
-        uint32_t flags;
-        int32_t rc, len;
-        std::string out; // the destination's first bytes
-    } cases[] = {
-        {CS_DATETIME, &dt, CS_CHAR, 40, 0, CS_SUCCEED, 26, text},
-        {CS_DATETIME, &dt, CS_CHAR, 30, CS_FMT_PADBLANK | CS_FMT_NULLTERM, CS_SUCCEED, 30,
-         text + std::string("   \0", 4)},
-        {CS_DATETIME, &dt, CS_CHAR, 10, 0, CS_CONV_TRUNCATED, 10, "Jan 15 199"},
-        {CS_DATETIME, &dt, CS_CHAR, 26, CS_FMT_NULLTERM, CS_CONV_OVERFLOW, 26, ""},
-        {CS_DATETIME, &dt, CS_VARCHAR, 258, 0, CS_SUCCEED, 258, std::string("\x1a\0", 2) + text},
-        {CS_DATETIME4, &d4, CS_CHAR, 40, 0, CS_SUCCEED, 26, "Jan 15 1999  1:30:00:000AM"},
-        {CS_DATETIME, &last, CS_DATETIME4, 4, 0, CS_SUCCEED, 4, bytes(d4last)},
-        {CS_DATETIME, &late, CS_DATETIME4, 4, 0, CS_CONV_OVERFLOW, 4, ""},
-        {CS_DATETIME4, &d4last, CS_DATETIME, 8, 0, CS_SUCCEED, 8,
-         bytes(DateTimeValue{65535, 1439u * 18000})},
-        {CS_DATETIME, &dt, CS_DATETIME, 8, 0, CS_SUCCEED, 8, bytes(dt)},
-        {CS_DATETIME4, &d4, CS_DATETIME4, 4, 0, CS_SUCCEED, 4, bytes(d4)},
-    };
-    ComContext ctx{};
-    ASSERT_EQ(com_conv_init(&ctx), CS_SUCCEED);
-    for (const auto &c : cases) {
-        DataFormat sf{}, df{};
-        sf.datatype = c.from;
-        df.datatype = c.to;
-        df.maxlength = c.maxlength;
-        df.format = c.flags;
-        char out[300];
-        int32_t len = -1;
-        const ComConvFunc f = com_conv_func(&ctx, c.from, c.to);
-        ASSERT_NE(f, nullptr);
-        EXPECT_EQ(f(&ctx, &sf, const_cast<void *>(c.value), &df, out, &len), c.rc) << c.out;
-        EXPECT_EQ(len, c.len) << c.out;
-        EXPECT_EQ(std::string(out, c.out.size()), c.out);
-    }
-    com_conv_free(&ctx);
-    EXPECT_EQ(comn_get_datetochar_fmt(nullptr, nullptr), 9);
     // Binary destinations are not in the default table but the routines exist.
     DataFormat bin{};
     bin.maxlength = 6;
-    char out[8];
-    int32_t len;
-    EXPECT_EQ(comn_datetobin(nullptr, nullptr, const_cast<DateTimeValue *>(&dt), &bin, out, &len),
+    int32_t len = 0;
+    EXPECT_EQ(comn_datetobin(nullptr, nullptr, const_cast<DateTimeValue *>(&dt), &bin, buf, &len),
               CS_CONV_TRUNCATED);
-    EXPECT_EQ(comn_date4tobin(nullptr, nullptr, const_cast<DateTime4Value *>(&d4), &bin, out, &len),
-              CS_SUCCEED);
+    EXPECT_EQ(
+        comn_date4tobin(nullptr, nullptr, const_cast<DateTime4Value *>(&small), &bin, buf, &len),
+        CS_SUCCEED);
     EXPECT_EQ(len, 4);
 }
 
@@ -172,8 +117,6 @@ TEST(DateClock, TextByOrderAndClock) {
 }
 
 TEST(DateLocale, DefaultsAndHandles) {
-    EXPECT_STREQ(com__get_months()[8], "September");
-    EXPECT_STREQ(com__get_days()[6], "Sat");
     EXPECT_STREQ(com__get_date_order(), "mdy");
     const char *orders[] = {"mdy", "dmy", "ymd", "ydm", "myd", "dym", "xyz", "MDY", ""};
     const int ids[] = {1, 2, 3, 4, 5, 6, 1, 1, 1};

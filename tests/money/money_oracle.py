@@ -184,13 +184,11 @@ def conv_cases():
 
 def ulps_apart(a, b, single_precision=False):
     real, integer, bits = ("<f", "<i", 31) if single_precision else ("<d", "<q", 63)
-    ia = struct.unpack(integer, struct.pack(real, a))[0]
-    ib = struct.unpack(integer, struct.pack(real, b))[0]
-    if ia < 0:
-        ia = -(2**bits) - ia
-    if ib < 0:
-        ib = -(2**bits) - ib
-    return abs(ia - ib)
+
+    def ordinal(x):  # floats in order as integers, -0 beside +0
+        i = struct.unpack(integer, struct.pack(real, x))[0]
+        return -(2**bits) - i if i < 0 else i
+    return abs(ordinal(a) - ordinal(b))
 
 
 def main():

@@ -1,20 +1,23 @@
 // Line-oriented front end to the money routines for the differential test in
-// money_oracle.py: reads one operation per line from stdin and prints its outcome.
-//   OP A B       -> "code result"  OP: add sub mul div neg inc dec on 8-byte money, or
-//                   add4 sub4 mul4 div4 neg4 on 4-byte money (A, B, result: 1/10000 units).
-//                   Every layer is called, and the inline forms of addition and subtraction
-//                   (the portable ones when built with COMN_PORTABLE_INLINE); "layers
-//                   disagree" when a client form's code is not the mapped internal code, an
-//                   old form's not the internal one, or results differ. The destination
-//                   starts as 77.
-//   cmp|cmp4 A B  -> the comparison (-1, 0, 1) of both forms, or "layers disagree"
-//   print V FLAGS LEN -> the text in a buffer of LEN bytes, or <null>
+// money_oracle.py: reads one operation per line from stdin and prints its
+// outcome.
+//   OP A B       -> "code result"  OP: add sub mul div neg inc dec on 8-byte
+//   money, or
+//                   add4 sub4 mul4 div4 neg4 on 4-byte money (in 1/10000
+//                   units), from a destination of 77. Every layer and inline
+//                   form (the portable ones with COMN_PORTABLE_INLINE) is
+//                   called: "layers disagree" when a code (mapped for the
+//                   client forms) or a result differs.
+//   cmp|cmp4 A B  -> the comparison (-1, 0, 1) of both forms, or "layers
+//   disagree" print V FLAGS LEN -> the text in a buffer of LEN bytes, or <null>
 //   parse HEX     -> "code result"   (HEX: the text's bytes in hexadecimal)
 //   todbl V       -> the double in %a form
 //   fromdbl HEXFLOAT -> "rc result"
 //   toint V       -> "code result"
-//   conv S D V    -> "rc length result" of comn_<S>to<D>, every money pair (V and result:
-//                    money in 1/10000 units, integers in decimal, floats in %a form)
+//   conv S D V    -> "rc length result" of comn_<S>to<D>, every money pair (V
+//   and result:
+//                    money in 1/10000 units, integers in decimal, floats in %a
+//                    form)
 #include <cinttypes>
 #include <cstdio>
 #include <cstdlib>
@@ -47,31 +50,23 @@ V make(int64_t v) {
         return V{static_cast<int32_t>(v)};
 }
 
-// The three layers of one operation as binary routines (unary operations ignore b), then
-// the header's inline forms of the three where there are any: the inline forms called by
-// their names, the routines through their addresses.
+// The three layers of one operation as binary routines (unary operations ignore
+// b): the routines through their addresses where they are binary, then each
+// called by its name, which reaches the header's inline forms where there are
+// any.
 template <typename V>
 struct Layers {
     using Fn = int32_t (*)(const V *, const V *, V *);
     Fn fn[6];
 };
+#define COMN_CALL_(call) [](const V *a, const V *b, V *r) { return (void)b, call; }
+#define COMN_NAMED_(C, i, c, o) COMN_CALL_(C(i)), COMN_CALL_(C(c)), COMN_CALL_(C(o))
+#define COMN_BIN_(f) f(a, b, r)
+#define COMN_UN_(f) f(a, r)
+#define COMN_INPLACE_(f) (*r = *a, f(r))
 #define COMN_BINARY_(i, c, o)                                                                      \
     Layers<V> {                                                                                    \
-        i, c, o, [](const V *a, const V *b, V *r) { return i(a, b, r); },                          \
-            [](const V *a, const V *b, V *r) { return c(a, b, r); },                               \
-            [](const V *a, const V *b, V *r) { return o(a, b, r); }                                \
-    }
-#define COMN_UNARY_(i, c, o)                                                                       \
-    Layers<V> {                                                                                    \
-        [](const V *a, const V *, V *r) { return i(a, r); },                                       \
-            [](const V *a, const V *, V *r) { return c(a, r); },                                   \
-            [](const V *a, const V *, V *r) { return o(a, r); }                                    \
-    }
-#define COMN_INPLACE_(i, c, o)                                                                     \
-    Layers<V> {                                                                                    \
-        [](const V *a, const V *, V *r) { return *r = *a, i(r); },                                 \
-            [](const V *a, const V *, V *r) { return *r = *a, c(r); },                             \
-            [](const V *a, const V *, V *r) { return *r = *a, o(r); }                              \
+        i, c, o, COMN_NAMED_(COMN_BIN_, i, c, o)                                                   \
     }
 
 template <typename V>
@@ -83,9 +78,9 @@ std::map<std::string, Layers<MoneyValue>> operations() {
             {"sub", COMN_BINARY_(com__mnysub, comn_mnysub, com_mnysub)},
             {"mul", COMN_BINARY_(com__mnymul, comn_mnymul, com_mnymul)},
             {"div", COMN_BINARY_(com__mnydiv, comn_mnydivide, com_mnydivide)},
-            {"neg", COMN_UNARY_(com__mnyminus, comn_mnyminus, com_mnyminus)},
-            {"inc", COMN_INPLACE_(com__mnyinc, comn_mnyinc, com_mnyinc)},
-            {"dec", COMN_INPLACE_(com__mnydec, comn_mnydec, com_mnydec)}};
+            {"neg", {COMN_NAMED_(COMN_UN_, com__mnyminus, comn_mnyminus, com_mnyminus)}},
+            {"inc", {COMN_NAMED_(COMN_INPLACE_, com__mnyinc, comn_mnyinc, com_mnyinc)}},
+            {"dec", {COMN_NAMED_(COMN_INPLACE_, com__mnydec, comn_mnydec, com_mnydec)}}};
 }
 template <>
 std::map<std::string, Layers<Money4Value>> operations() {
@@ -94,7 +89,7 @@ std::map<std::string, Layers<Money4Value>> operations() {
             {"sub4", COMN_BINARY_(com__mnysub4, comn_mny4sub, com_mny4sub)},
             {"mul4", COMN_BINARY_(com__mnymul4, comn_mny4mul, com_mny4mul)},
             {"div4", COMN_BINARY_(com__mnydiv4, comn_mny4divide, com_mny4divide)},
-            {"neg4", COMN_UNARY_(com__mnyminus4, comn_mny4minus, com_mny4minus)}};
+            {"neg4", {COMN_NAMED_(COMN_UN_, com__mnyminus4, comn_mny4minus, com_mny4minus)}}};
 }
 
 template <typename V>
@@ -119,7 +114,8 @@ bool run(const std::map<std::string, Layers<V>> &ops, const std::string &op, int
     return true;
 }
 
-// Comparison has no internal form and no code to map: both forms must give the same answer.
+// Comparison has no internal form and no code to map: both forms must give the
+// same answer.
 template <typename V>
 void compare(int32_t (*client)(const V *, const V *), int32_t (*old)(const V *, const V *),
              int64_t a, int64_t b) {
