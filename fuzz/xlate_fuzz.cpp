@@ -6,7 +6,8 @@
 // lengths. Translation to utf8 must write well-formed UTF-8, and from utf8, when nothing was
 // replaced, must give back the text it took when translated back; the part of the text taken
 // must translate alike into a destination of exactly the bytes it gave, and the utf8
-// converters must agree with themselves fed through calls of little room.
+// converters must agree with themselves fed through calls of little room and after a run of
+// ASCII, and write nothing past the bytes they produce.
 #include <comnlib.h>
 #include "intl/xlate/xlate_dispatch.h"
 
@@ -48,6 +49,8 @@ bool well_formed(const uint8_t *p, int32_t n) {
 }
 
 constexpr int k_utf8 = comn::xlt_sets - 1; // utf8's position in the table
+constexpr uint8_t k_unwritten = 0xA5;      // the destination's bytes before a call
+constexpr int32_t k_lead_in = 160;         // ASCII before a text, making it a long one
 
 } // namespace
 
@@ -77,6 +80,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
 
     if (f != nullptr) {
         int32_t consumed = -1, produced = -1;
+        std::memset(dst.get(), k_unwritten, static_cast<size_t>(room));
         const int32_t bits = f(src.get(), len, dst.get(), room, &consumed, &produced);
         check(consumed >= 0 && consumed <= len && produced >= 0 && produced <= room);
         check((bits & ~(COM_XLT_BADCHAR | COM_XLT_TRUNCATED)) == 0);
@@ -88,6 +92,21 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
             else
                 check(len - consumed <= (from == k_utf8 ? 0 : 2));
             if (to == k_utf8) check(well_formed(dst.get(), produced));
+            // Nothing is written past the bytes produced, room or not.
+            for (int32_t k = produced; k < room; ++k)
+                check(dst[k] == k_unwritten);
+            // After a run of ASCII that makes it a long text, the text translates alike (a
+            // short value and a long text take different paths).
+            auto longer = std::make_unique<uint8_t[]>(static_cast<size_t>(k_lead_in + len));
+            auto longer_dst = std::make_unique<uint8_t[]>(static_cast<size_t>(k_lead_in + room));
+            std::memset(longer.get(), 'a', k_lead_in);
+            std::memcpy(longer.get() + k_lead_in, src.get(), static_cast<size_t>(len));
+            int32_t c1 = -1, p1 = -1;
+            check(f(longer.get(), k_lead_in + len, longer_dst.get(), k_lead_in + room, &c1, &p1) ==
+                  bits);
+            check(c1 == k_lead_in + consumed && p1 == k_lead_in + produced &&
+                  std::memcmp(longer_dst.get() + k_lead_in, dst.get(),
+                              static_cast<size_t>(produced)) == 0);
             // The part taken, into a block of exactly the bytes it gave, translates the same
             // (a short value with room to spare and a text with none take different paths).
             auto part = std::make_unique<uint8_t[]>(static_cast<size_t>(consumed));

@@ -790,8 +790,9 @@ template <auto Block>
 #endif
 
 // From set From to utf8.
-template <class From>
+template <class From_>
 struct ToUtf8 {
+    using From = From_;
     // The fast loop's usual character (see blocks()): its packed translation, the word
     // stored whole. A pair's second byte may be read past the source, where bytes that no set
     // reads as part of a character follow it.
@@ -1109,8 +1110,8 @@ template <class Dir>
 // A converter: a short value through local buffers when the room takes its longest
 // translation, else the fast loop while far from both ends, then the careful loop.
 template <class Dir>
-int32_t translate(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstlen,
-                  int32_t *consumed, int32_t *produced) {
+[[gnu::noinline]] int32_t translate(const uint8_t *src, int32_t srclen, uint8_t *dst,
+                                    int32_t dstlen, int32_t *consumed, int32_t *produced) {
     const int32_t n = std::max(srclen, 0), m = std::max(dstlen, 0);
     At a;
     if (k_packed && n > 0 && n <= k_short && int64_t{m} * 2 >= int64_t{n} * growth_x2<Dir>) {
@@ -1123,6 +1124,25 @@ int32_t translate(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstl
     *consumed = a.i;
     *produced = a.o;
     return (a.full ? COM_XLT_TRUNCATED : 0) | (a.bad ? COM_XLT_BADCHAR : 0);
+}
+
+#include "jis_short.h"
+
+// A converter's entry: short values of eucjis and sjis to utf8 go in registers first, ahead
+// of the set-up of the general path, which for a value of a few bytes costs a good part of
+// its translation.
+template <class Dir>
+int32_t convert(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstlen, int32_t *consumed,
+                int32_t *produced) {
+#ifdef COMN_XLT_SHUFFLE
+    if constexpr (requires { requires k_pairs_short<typename Dir::From>; }) {
+        if (k_packed && srclen > 0 && srclen <= k_pairs_value &&
+            int64_t{dstlen} * 2 >= int64_t{srclen} * growth_x2<Dir> && has_shuffle() &&
+            pairs_short_to_utf8<typename Dir::From>(src, srclen, dst, consumed, produced))
+            return 0;
+    }
+#endif
+    return translate<Dir>(src, srclen, dst, dstlen, consumed, produced);
 }
 
 // The reader and writer of each set, by the name its converters carry.
@@ -1151,8 +1171,8 @@ COMN_XLT_FROM_UTF8(COMN_FROM_UTF8_ENTRY)
     COMN_API int32_t com__fou_##set##_to_utf8(const uint8_t *src, int32_t srclen, uint8_t *dst,    \
                                               int32_t dstlen, int32_t *consumed,                   \
                                               int32_t *produced) {                                 \
-        return comn::translate<comn::ToUtf8<comn::Set<comn::sets::set>>>(src, srclen, dst, dstlen, \
-                                                                         consumed, produced);      \
+        return comn::convert<comn::ToUtf8<comn::Set<comn::sets::set>>>(src, srclen, dst, dstlen,   \
+                                                                       consumed, produced);        \
     }
 COMN_XLT_TO_UTF8(COMN_TO_UTF8_ENTRY)
 #undef COMN_TO_UTF8_ENTRY
