@@ -31,9 +31,17 @@ constexpr uint64_t pair_leads(uint64_t may) {
     const uint64_t even_runs = may & ~(may + (starts & even));
     return (even_runs & even) | (may & ~even_runs & ~even);
 }
-static_assert(pair_leads(0b1) == 0b1 && pair_leads(0b111) == 0b101 &&
-              pair_leads(0b1110) == 0b1010 && pair_leads(0b1101'1110) == 0b0100'1010 &&
-              pair_leads(0xFFFF'FFFF) == 0x5555'5555 && pair_leads(0xFFFF'FFFE) == 0xAAAA'AAAA);
+// The same as reading the bytes one at a time, for every mask of 12 bytes and its last
+// byte's neighbours.
+static_assert([] {
+    for (uint64_t may = 0; may < 1U << 12; ++may) {
+        uint64_t leads = 0;
+        for (int j = 0; j < 12; ++j)
+            if (may >> j & 1) leads |= uint64_t{1} << j++; // the byte after a lead is its own
+        if (pair_leads(may) != leads || pair_leads(may << 20) != leads << 20) return false;
+    }
+    return true;
+}());
 
 // What the routine below needs of a set, bytes FF in a vector where a test holds: the bytes
 // that may start a pair (framing: any byte from 80 in eucjis, 81-9F and E0-FC in sjis), the
