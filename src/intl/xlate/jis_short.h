@@ -127,13 +127,14 @@ template <class P>
     hi = shift_down(second, k_block - k);
 }
 
-// A value src of n bytes of set From, n in [1, k_pairs_value], whose longest translation fits
-// dst: translated and written exactly, its counts given, true; false, with the destination as
-// it was, for a value that is not ASCII and usual pairs.
+// The converter of set From to utf8 for a value src of n bytes, n in [1, k_pairs_value],
+// whose longest translation fits the room: a value of ASCII and usual pairs here, translated
+// and written exactly; any other, with the destination as it was, by the general path (a
+// tail call, so that the entry saves nothing for it).
 template <class From>
-[[gnu::target("ssse3,popcnt")]] bool pairs_short_to_utf8(const uint8_t *src, int32_t n,
-                                                         uint8_t *dst, int32_t *consumed,
-                                                         int32_t *produced) {
+[[gnu::target("ssse3,popcnt")]] int32_t pairs_short_to_utf8(const uint8_t *src, int32_t n,
+                                                            uint8_t *dst, int32_t dstlen,
+                                                            int32_t *consumed, int32_t *produced) {
     using P = PairSet<From>;
     __m128i lo, hi;
     load_value(src, n, lo, hi); // bytes 00 after the value
@@ -141,7 +142,7 @@ template <class From>
     if (high == 0) { // ASCII alone: the same in every set
         store_value(dst, n, lo, hi);
         *consumed = *produced = n;
-        return true;
+        return 0;
     }
     const uint64_t leads = pair_leads(value_mask(P::may_lead(lo), P::may_lead(hi)));
     // Each pair's second byte within the value, every byte from 80 part of a pair, and the
@@ -150,7 +151,7 @@ template <class From>
     if ((trails >> n) != 0 || (high & ~(leads | trails)) != 0 ||
         (leads & ~value_mask(P::lead(lo), P::lead(hi))) != 0 ||
         (trails & ~value_mask(P::trail(lo), P::trail(hi))) != 0)
-        return false;
+        return translate<ToUtf8<From>>(src, n, dst, dstlen, consumed, produced);
 
     // The table index of the pair at each byte (used where a pair starts).
     alignas(16) uint16_t at[k_pairs_value];
@@ -161,7 +162,7 @@ template <class From>
     // (their bytes are written over below), written exactly. What the destination held is
     // kept, to be put back if a pair's translation is not the usual one.
     const int32_t o = n + std::popcount(leads);
-    if (o > 2 * k_block) return false;
+    if (o > 2 * k_block) return translate<ToUtf8<From>>(src, n, dst, dstlen, consumed, produced);
     __m128i kept_lo, kept_hi, lo0, hi0, lo1, beyond;
     load_value(dst, o, kept_lo, kept_hi);
     spread16(lo, leads & 0xFFFF, lo0, hi0);
@@ -181,11 +182,11 @@ template <class From>
     }
     if ((all >> 24 & 3) != 3) {
         store_value(dst, o, kept_lo, kept_hi);
-        return false;
+        return translate<ToUtf8<From>>(src, n, dst, dstlen, consumed, produced);
     }
     *consumed = n;
     *produced = o;
-    return true;
+    return 0;
 }
 
 #endif

@@ -1137,9 +1137,9 @@ int32_t convert(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstlen
 #ifdef COMN_XLT_SHUFFLE
     if constexpr (requires { requires k_pairs_short<typename Dir::From>; }) {
         if (k_packed && srclen > 0 && srclen <= k_pairs_value &&
-            int64_t{dstlen} * 2 >= int64_t{srclen} * growth_x2<Dir> && has_shuffle() &&
-            pairs_short_to_utf8<typename Dir::From>(src, srclen, dst, consumed, produced))
-            return 0;
+            int64_t{dstlen} * 2 >= int64_t{srclen} * growth_x2<Dir> && has_shuffle())
+            return pairs_short_to_utf8<typename Dir::From>(src, srclen, dst, dstlen, consumed,
+                                                           produced);
     }
 #endif
     return translate<Dir>(src, srclen, dst, dstlen, consumed, produced);
