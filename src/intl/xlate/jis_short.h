@@ -58,7 +58,7 @@ struct PairSet;
 
 template <>
 struct PairSet<Euc> {
-    static constexpr const uint32_t *table = Jis0208_packed.data();
+    static constexpr const uint32_t *table = Euc_words.data() + k_euc_ascii; // the grid
     static __m128i may_lead(__m128i v) { return _mm_cmplt_epi8(v, _mm_setzero_si128()); }
     static __m128i lead(__m128i v) { return in_range(v, 0xA1, 0xFE); }
     static __m128i trail(__m128i v) { return lead(v); }
@@ -151,7 +151,7 @@ template <class From>
     if ((trails >> n) != 0 || (high & ~(leads | trails)) != 0 ||
         (leads & ~value_mask(P::lead(lo), P::lead(hi))) != 0 ||
         (trails & ~value_mask(P::trail(lo), P::trail(hi))) != 0)
-        return translate<ToUtf8<From>>(src, n, dst, dstlen, consumed, produced);
+        return translate_text<ToUtf8<From>>(src, n, dst, dstlen, consumed, produced);
 
     // The table index of the pair at each byte (used where a pair starts).
     alignas(16) uint16_t at[k_pairs_value];
@@ -162,7 +162,8 @@ template <class From>
     // (their bytes are written over below), written exactly. What the destination held is
     // kept, to be put back if a pair's translation is not the usual one.
     const int32_t o = n + std::popcount(leads);
-    if (o > 2 * k_block) return translate<ToUtf8<From>>(src, n, dst, dstlen, consumed, produced);
+    if (o > 2 * k_block)
+        return translate_text<ToUtf8<From>>(src, n, dst, dstlen, consumed, produced);
     __m128i kept_lo, kept_hi, lo0, hi0, lo1, beyond;
     load_value(dst, o, kept_lo, kept_hi);
     spread16(lo, leads & 0xFFFF, lo0, hi0);
@@ -182,7 +183,7 @@ template <class From>
     }
     if ((all >> 24 & 3) != 3) {
         store_value(dst, o, kept_lo, kept_hi);
-        return translate<ToUtf8<From>>(src, n, dst, dstlen, consumed, produced);
+        return translate_text<ToUtf8<From>>(src, n, dst, dstlen, consumed, produced);
     }
     *consumed = n;
     *produced = o;

@@ -21,6 +21,7 @@
 #pragma once
 
 #include <bit>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <utility>
@@ -139,6 +140,35 @@ template <int Bytes = k_window>
     return q;
 }
 
+// The loop over windows, of utf8 here and of other sets elsewhere: from src[at] while at < stop
+// and to < o_lim, up to the first window not taken whole. kind.simple(p) tells whether the
+// window at p is one the kind takes, keeping its masks, and kind.high() its bytes from 80 (none:
+// ASCII alone, the same in every set, copied here); kind.take(p, q) then translates it into q,
+// advancing q, and gives the bytes it took, or 0 when it gives the window up (having stored what
+// it likes, q unchanged: the caller's loop then writes over it).
+template <class Kind>
+[[gnu::always_inline]] inline void window_loop(const uint8_t *src, int32_t stop, uint8_t *dst,
+                                               int32_t o_lim, int32_t &at, int32_t &to,
+                                               Kind &kind) {
+    // Locals: stores to dst could otherwise alias at and to.
+    const uint8_t *p = src + at, *const p_end = src + stop;
+    uint8_t *q = dst + to, *const q_lim = dst + o_lim;
+    while (p < p_end && q < q_lim) {
+        if (!kind.simple(p)) break;
+        if (kind.high() == 0) {
+            std::memcpy(q, p, k_window);
+            p += k_window;
+            q += k_window;
+            continue;
+        }
+        const int32_t took = kind.take(p, q);
+        if (took == 0) break;
+        p += took;
+    }
+    at = static_cast<int32_t>(p - src);
+    to = static_cast<int32_t>(q - dst);
+}
+
 // Translates windows from src[at] while at < stop and to < o_lim, up to the first window that
 // is not taken whole, through words, the table of words by code point. Reads k_window bytes
 // from each window's start; stores a byte beyond the output of the characters it takes, and
@@ -148,48 +178,30 @@ template <int Bytes = k_window>
 [[gnu::always_inline]] inline void utf8_windows(const uint8_t *src, int32_t stop, uint8_t *dst,
                                                 int32_t o_lim, int32_t &at, int32_t &to,
                                                 const uint16_t *words) {
-    ptrdiff_t i = at, o = to; // locals: stores to dst could otherwise alias them
     alignas(16) uint16_t code[k_window];
-    while (i < stop && o < o_lim) {
-        const uint8_t *p = src + i;
-        const Window win = window_masks(p);
-        if (!window_simple(win)) break;
-        if (win.high == 0) {
-            std::memcpy(dst + o, p, k_window);
-            i += k_window;
-            o += k_window;
-            continue;
+    struct {
+        const uint16_t *words;
+        Window win;
+        uint16_t *code; // k_window of them, aligned on 16 bytes
+        [[gnu::always_inline]] bool simple(const uint8_t *p) {
+            win = window_masks(p);
+            return window_simple(win);
         }
-        window_codes(p, code);
-        // The last bytes of the characters that end in the window (followed there by a start).
-        uint64_t ends = ~win.cont >> 1;
-        const int took = k_window - std::countl_zero(ends); // a window holds a whole character
-        int32_t none = 0;                                   // sign bit: a character without a word
-        uint8_t *q = window_take(code, ends, dst + o, words, none);
-        if (none < 0) break;
-        i += took;
-        o = q - dst;
-    }
-    at = static_cast<int32_t>(i);
-    to = static_cast<int32_t>(o);
-}
-
-constexpr int32_t k_window_value = 32; // bytes read for a short value
-
-// A value of n bytes, n in [1, k_window_value), at w and followed there by spaces up to
-// k_window_value bytes (they end its last character), translated like a window into dst;
-// the bytes produced, or -1 (having stored up to one byte each and one more) when the value
-// is not taken whole.
-[[gnu::always_inline]] inline int32_t utf8_window_value(const uint8_t *w, int32_t n, uint8_t *dst,
-                                                        const uint16_t *words) {
-    const Window win = window_masks<k_window_value>(w);
-    if (!window_simple(win)) return -1;
-    alignas(16) uint16_t code[k_window_value];
-    window_codes<k_window_value>(w, code);
-    int32_t none = 0;
-    const uint8_t *q =
-        window_take(code, ~win.cont >> 1 & ((uint64_t{1} << n) - 1), dst, words, none);
-    return none < 0 ? -1 : static_cast<int32_t>(q - dst);
+        uint64_t high() const { return win.high; }
+        [[gnu::always_inline]] int32_t take(const uint8_t *p, uint8_t *&q) {
+            window_codes(p, code);
+            // The last bytes of the characters that end in the window (followed there by a
+            // start); a window holds a whole character.
+            const uint64_t ends = ~win.cont >> 1;
+            const int32_t took = k_window - std::countl_zero(ends);
+            int32_t none = 0; // sign bit: a character without a word
+            uint8_t *end = window_take(code, ends, q, words, none);
+            if (none < 0) return 0;
+            q = end;
+            return took;
+        }
+    } kind{words, {}, code};
+    window_loop(src, stop, dst, o_lim, at, to, kind);
 }
 
 #endif

@@ -12,6 +12,11 @@ namespace {
 
 constexpr int32_t k_varchar_room = 256;
 
+// The status of a converter's result bits: a character without counterpart outweighs a short
+// destination.
+constexpr int32_t k_status[4] = {CS_SUCCEED, CS_CONV_BADXLT, CS_CONV_OVERFLOW, CS_CONV_BADXLT};
+static_assert(COM_XLT_BADCHAR == 1 && COM_XLT_TRUNCATED == 2);
+
 struct Text {
     uint8_t *p;
     int32_t len;
@@ -62,15 +67,18 @@ void set_varchar_len(const DataFormat *fmt, void *v, int32_t len) {
         return count < in.len ? CS_CONV_OVERFLOW : CS_SUCCEED;
     }
 
-    const int32_t bits = func(in.p, in.len, out.p, out.len, &state[0], &state[1]);
-    *outlen = state[1];
     // The length word tells the bytes written, which is what the destination holds; they
     // differ from the bytes taken for the test set's converter and for translation to or
-    // from utf8.
-    set_varchar_len(destfmt, dest, state[1]);
-    if (bits & COM_XLT_BADCHAR) return CS_CONV_BADXLT;
-    if (bits & COM_XLT_TRUNCATED) return CS_CONV_OVERFLOW;
-    return CS_SUCCEED;
+    // from utf8. Where it goes is settled before the call, so that less is kept across it.
+    auto *len_word = destfmt->datatype == CS_VARCHAR ? static_cast<int16_t *>(dest) : nullptr;
+    const int32_t bits = func(in.p, in.len, out.p, out.len, &state[0], &state[1]);
+    const int32_t made = state[1];
+    *outlen = made;
+    if (len_word != nullptr) {
+        const auto l16 = static_cast<int16_t>(made); // made <= 256
+        std::memcpy(len_word, &l16, sizeof l16);
+    }
+    return k_status[bits & (COM_XLT_BADCHAR | COM_XLT_TRUNCATED)];
 }
 
 } // namespace

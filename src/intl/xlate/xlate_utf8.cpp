@@ -20,7 +20,9 @@
 // its second byte), and a Japanese character cut by the end of the source is left for the
 // next call.
 #include "jis_codes.h"
+#include "jis_windows.h"
 #include "unicode_tables.h"
+#include "utf8_window_value.h"
 #include "utf8_windows.h"
 #include "xlate_internal.h"
 
@@ -273,10 +275,14 @@ inline Ucs jis0208(unsigned c1, unsigned c2) { // c1, c2 in A1-FE
     return {cp != 0 ? Ucs::Ok : Ucs::Bad, 2, cp};
 }
 
-constexpr auto Jis0208_packed = [] {
-    std::array<uint32_t, 94 * 94> t{};
-    for (size_t i = 0; i < t.size(); ++i)
-        t[i] = pack(Jis0208_ucs[i]);
+// The packed translations of the ASCII bytes (NUL too: a byte like any other here), then of
+// the JIS X 0208 grid by row and cell, as the eucjis windows read them.
+constexpr auto Euc_words = [] {
+    std::array<uint32_t, k_euc_words> t{};
+    for (unsigned b = 0; b < k_euc_ascii; ++b)
+        t[b] = b | 1U << 24;
+    for (size_t i = 0; i < 94 * 94; ++i)
+        t[k_euc_ascii + i] = pack(Jis0208_ucs[i]);
     return t;
 }();
 
@@ -308,7 +314,7 @@ struct Euc {
     static constexpr int to_utf8_x2 = 3, from_utf8_x2 = 3;
     static uint32_t packed(const uint8_t *p) {
         const uint32_t at = uint32_t{Euc_rows[p[0]]} + Euc_cells[p[1]];
-        return at < Jis0208_packed.size() ? Jis0208_packed[at] : 0;
+        return at < 94 * 94 ? Euc_words[k_euc_ascii + at] : 0;
     }
     static Ucs read(const uint8_t *p, int32_t left) {
         const unsigned b0 = p[0];
@@ -451,7 +457,10 @@ constexpr int32_t k_block = 16; // an iso_1 block
 // remains. It reads less than 32 bytes ahead of where it stands and stores at most 16 bytes
 // beyond the bytes produced. The careful loop that follows takes at least 120 bytes, so at
 // least 30 characters giving a byte each but the last, or fills the room to within 3 bytes:
-// either way it writes over every byte the fast loop stored beyond its own.
+// either way it writes over every byte the fast loop stored beyond its own. The windows read
+// up to 65 bytes ahead and store up to 99 bytes beyond o_lim (so at least 29 short of the
+// room's end); a window given up stores no further than the translation of its characters
+// one at a time, which follows it, reaches.
 constexpr int32_t k_src_margin = 128, k_dst_margin = 128;
 // A short value is translated in local buffers when the room takes its longest translation:
 // the source copy is followed by bytes FF, which no set reads as a character or as part of
@@ -568,10 +577,16 @@ constexpr auto Spread8 = [] {
     return t;
 }();
 
+// The processor's extensions, settled when the library is loaded so that a short value pays no
+// test of a guard; anything that translates before that reads false and takes the other paths.
+const bool k_shuffle =
+    (__builtin_cpu_init(), __builtin_cpu_supports("ssse3") && __builtin_cpu_supports("popcnt"));
+const bool k_avx2 =
+    (__builtin_cpu_init(), __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi") &&
+                               __builtin_cpu_supports("bmi2"));
+
 inline bool has_shuffle() {
-    static const bool yes =
-        (__builtin_cpu_init(), __builtin_cpu_supports("ssse3") && __builtin_cpu_supports("popcnt"));
-    return yes;
+    return k_shuffle;
 }
 
 // Byte shifts of a vector by a count known at run time, through a window into this table:
@@ -940,24 +955,47 @@ template <class Dir>
 constexpr const uint16_t *window_words = nullptr;
 template <>
 constexpr const uint16_t *window_words<FromUtf8<Sjis>> = Sjis_of.data();
+
+// The same for the windows of a direction into utf8 (jis_windows.h).
+template <class Dir>
+constexpr const uint32_t *euc_window_words = nullptr;
+template <>
+constexpr const uint32_t *euc_window_words<ToUtf8<Euc>> = Euc_words.data();
+template <>
+constexpr const uint32_t *euc_window_words<ToUtf8<DecKanji>> = Euc_words.data();
+
+// windows(i, o) while it takes windows, the fast loop over the window it leaves, and more after
+// each window given up at once, so that text the windows rarely take (with accented Latin, or
+// kana of eucjis, say) pays little for them.
+template <class Dir, class Windows>
+void windows_then_fast(const uint8_t *src, int32_t n, int32_t stop, uint8_t *dst, int32_t o_lim,
+                       At &a, Windows windows) {
+    int32_t span = k_window;
+    for (;;) {
+        const int32_t from = a.i;
+        windows(a.i, a.o);
+        if (a.i >= stop || a.o >= o_lim) break;
+        span = a.i == from ? std::min(span * 2, k_window * 64) : k_window;
+        fast<Dir>(src, n, stop - a.i > span ? a.i + span : stop, dst, o_lim, a);
+    }
+}
 #endif
 
-// The fast part of a converter: the iso_1 blocks or the utf8 windows above while they apply,
-// then the fast loop.
+// The fast part of a converter: the iso_1 blocks or the windows above while they apply, then
+// the fast loop.
 template <class Dir>
 void run_fast(const uint8_t *src, int32_t n, int32_t stop, uint8_t *dst, int32_t o_lim, At &a) {
 #ifdef COMN_XLT_UTF8_WINDOWS
-    if constexpr (window_words<Dir> != nullptr) {
-        // The fast loop takes the window left, and more after each window given up at once,
-        // so that text the windows rarely take (with accented Latin, say) pays little for them.
-        int32_t span = k_window;
-        for (;;) {
-            const int32_t from = a.i;
-            utf8_windows(src, stop, dst, o_lim, a.i, a.o, window_words<Dir>);
-            if (a.i >= stop || a.o >= o_lim) break;
-            span = a.i == from ? std::min(span * 2, k_window * 64) : k_window;
-            fast<Dir>(src, n, stop - a.i > span ? a.i + span : stop, dst, o_lim, a);
-        }
+    if constexpr (window_words<Dir> != nullptr)
+        windows_then_fast<Dir>(src, n, stop, dst, o_lim, a, [&](int32_t &i, int32_t &o) {
+            utf8_windows(src, stop, dst, o_lim, i, o, window_words<Dir>);
+        });
+    if constexpr (euc_window_words<Dir> != nullptr) {
+        alignas(16) uint16_t code[k_window];
+        EucWindows kind{euc_window_words<Dir>, code};
+        windows_then_fast<Dir>(src, n, stop, dst, o_lim, a, [&](int32_t &i, int32_t &o) {
+            window_loop(src, stop, dst, o_lim, i, o, kind);
+        });
     }
 #endif
 #ifdef COMN_XLT_SHUFFLE
@@ -1073,20 +1111,6 @@ template <class Dir>
         return;
     }
     At t;
-#ifdef COMN_XLT_UTF8_WINDOWS
-    if constexpr (window_words<Dir> != nullptr) {
-        if (n < k_window_value) { // one window, over the value and spaces after it
-            fill16(in + n, ' ');
-            fill16(in + n + 16, ' ');
-            if (const int32_t o = utf8_window_value(in, n, out, window_words<Dir>); o >= 0) {
-                copy_short(out, dst, o);
-                a.i = n;
-                a.o = o;
-                return;
-            }
-        }
-    }
-#endif
 #ifdef COMN_XLT_SHUFFLE
     if constexpr (iso1_block<Dir> != nullptr) {
         if (has_shuffle()) {
@@ -1110,8 +1134,8 @@ template <class Dir>
 // A converter: a short value through local buffers when the room takes its longest
 // translation, else the fast loop while far from both ends, then the careful loop.
 template <class Dir>
-[[gnu::noinline]] int32_t translate(const uint8_t *src, int32_t srclen, uint8_t *dst,
-                                    int32_t dstlen, int32_t *consumed, int32_t *produced) {
+[[gnu::noinline]] int32_t translate_text(const uint8_t *src, int32_t srclen, uint8_t *dst,
+                                         int32_t dstlen, int32_t *consumed, int32_t *produced) {
     const int32_t n = std::max(srclen, 0), m = std::max(dstlen, 0);
     At a;
     if (k_packed && n > 0 && n <= k_short && int64_t{m} * 2 >= int64_t{n} * growth_x2<Dir>) {
@@ -1128,21 +1152,49 @@ template <class Dir>
 
 #include "jis_short.h"
 
-// A converter's entry: short values of eucjis and sjis to utf8 go in registers first, ahead
-// of the set-up of the general path, which for a value of a few bytes costs a good part of
-// its translation.
+#if defined(COMN_XLT_SHUFFLE) && defined(COMN_XLT_UTF8_WINDOWS)
+// A utf8 value of n bytes, n in [1, k_window_value], into a set of the windows whose longest
+// translation fits the room, in registers: read in place, stored back as it is when ASCII
+// alone, else translated as one window straight into dst; a value the window does not take
+// goes to translate_text, which writes over what the window stored.
 template <class Dir>
-int32_t convert(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstlen, int32_t *consumed,
-                int32_t *produced) {
+[[gnu::target("avx2,bmi,bmi2")]] int32_t window_value(const uint8_t *src, int32_t n, uint8_t *dst,
+                                                      int32_t m, int32_t *consumed,
+                                                      int32_t *produced) {
+    __m128i lo, hi;
+    load_value(src, n, lo, hi);
+    int32_t o = n;
+    if (const __m256i v = _mm256_set_m128i(hi, lo); _mm256_movemask_epi8(v) == 0)
+        store_value(dst, n, lo, hi);
+    else if (o = utf8_window_value(v, n, dst, window_words<Dir>); o < 0)
+        return translate_text<Dir>(src, n, dst, m, consumed, produced);
+    *consumed = n;
+    *produced = o;
+    return 0;
+}
+#endif
+
+// A converter. A utf8 value of up to 32 bytes into a set of the windows goes to window_value
+// where the processor has AVX2, and an eucjis or sjis value of up to 32 bytes into utf8 to
+// pairs_short_to_utf8, ahead of the frame of translate_text (its local buffers), which costs
+// about as much as translating such a value.
+template <class Dir>
+int32_t translate(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstlen,
+                  int32_t *consumed, int32_t *produced) {
+#if defined(COMN_XLT_SHUFFLE) && defined(COMN_XLT_UTF8_WINDOWS)
+    if constexpr (window_words<Dir> != nullptr)
+        if (srclen > 0 && srclen <= k_window_value &&
+            int64_t{dstlen} * 2 >= int64_t{srclen} * growth_x2<Dir> && k_avx2)
+            return window_value<Dir>(src, srclen, dst, dstlen, consumed, produced);
+#endif
 #ifdef COMN_XLT_SHUFFLE
-    if constexpr (requires { requires k_pairs_short<typename Dir::From>; }) {
+    if constexpr (requires { requires k_pairs_short<typename Dir::From>; })
         if (k_packed && srclen > 0 && srclen <= k_pairs_value &&
             int64_t{dstlen} * 2 >= int64_t{srclen} * growth_x2<Dir> && has_shuffle())
             return pairs_short_to_utf8<typename Dir::From>(src, srclen, dst, dstlen, consumed,
                                                            produced);
-    }
 #endif
-    return translate<Dir>(src, srclen, dst, dstlen, consumed, produced);
+    return translate_text<Dir>(src, srclen, dst, dstlen, consumed, produced);
 }
 
 // The reader and writer of each set, by the name its converters carry.
@@ -1171,8 +1223,8 @@ COMN_XLT_FROM_UTF8(COMN_FROM_UTF8_ENTRY)
     COMN_API int32_t com__fou_##set##_to_utf8(const uint8_t *src, int32_t srclen, uint8_t *dst,    \
                                               int32_t dstlen, int32_t *consumed,                   \
                                               int32_t *produced) {                                 \
-        return comn::convert<comn::ToUtf8<comn::Set<comn::sets::set>>>(src, srclen, dst, dstlen,   \
-                                                                       consumed, produced);        \
+        return comn::translate<comn::ToUtf8<comn::Set<comn::sets::set>>>(src, srclen, dst, dstlen, \
+                                                                         consumed, produced);      \
     }
 COMN_XLT_TO_UTF8(COMN_TO_UTF8_ENTRY)
 #undef COMN_TO_UTF8_ENTRY
