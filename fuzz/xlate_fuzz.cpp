@@ -6,8 +6,8 @@
 // lengths. Translation to utf8 must write well-formed UTF-8, and from utf8, when nothing was
 // replaced, must give back the text it took when translated back; the part of the text taken
 // must translate alike into a destination of exactly the bytes it gave, and the utf8
-// converters must agree with themselves fed through calls of little room and leave the
-// destination beyond the bytes they produced as it was.
+// converters must agree with themselves fed through calls of little room and after a run of
+// ASCII, and leave the destination beyond the bytes they produced as it was.
 #include <comnlib.h>
 #include "intl/xlate/xlate_dispatch.h"
 
@@ -49,6 +49,7 @@ bool well_formed(const uint8_t *p, int32_t n) {
 }
 
 constexpr int k_utf8 = comn::xlt_sets - 1; // utf8's position in the table
+constexpr int32_t k_lead_in = 160;         // ASCII before a text, making it a long one
 
 } // namespace
 
@@ -94,6 +95,18 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
             else
                 check(len - consumed <= (from == k_utf8 ? 0 : 2));
             if (to == k_utf8) check(well_formed(dst.get(), produced));
+            // After a run of ASCII that makes it a long text, the text translates alike (a
+            // short value and a long text take different paths).
+            auto longer = std::make_unique<uint8_t[]>(static_cast<size_t>(k_lead_in + len));
+            auto longer_dst = std::make_unique<uint8_t[]>(static_cast<size_t>(k_lead_in + room));
+            std::memset(longer.get(), 'a', k_lead_in);
+            std::memcpy(longer.get() + k_lead_in, src.get(), static_cast<size_t>(len));
+            int32_t c1 = -1, p1 = -1;
+            check(f(longer.get(), k_lead_in + len, longer_dst.get(), k_lead_in + room, &c1, &p1) ==
+                  bits);
+            check(c1 == k_lead_in + consumed && p1 == k_lead_in + produced &&
+                  std::memcmp(longer_dst.get() + k_lead_in, dst.get(),
+                              static_cast<size_t>(produced)) == 0);
             // The part taken, into a block of exactly the bytes it gave, translates the same
             // (a short value with room to spare and a text with none take different paths).
             auto part = std::make_unique<uint8_t[]>(static_cast<size_t>(consumed));

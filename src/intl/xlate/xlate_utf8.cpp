@@ -805,8 +805,9 @@ template <auto Block>
 #endif
 
 // From set From to utf8.
-template <class From>
+template <class From_>
 struct ToUtf8 {
+    using From = From_;
     // The fast loop's usual character (see blocks()): its packed translation, the word
     // stored whole. A pair's second byte may be read past the source, where bytes that no set
     // reads as part of a character follow it.
@@ -1149,6 +1150,8 @@ template <class Dir>
     return (a.full ? COM_XLT_TRUNCATED : 0) | (a.bad ? COM_XLT_BADCHAR : 0);
 }
 
+#include "jis_short.h"
+
 #if defined(COMN_XLT_SHUFFLE) && defined(COMN_XLT_UTF8_WINDOWS)
 // A utf8 value of n bytes, n in [1, k_window_value], into a set of the windows whose longest
 // translation fits the room, in registers: read in place, stored back as it is when ASCII
@@ -1172,8 +1175,9 @@ template <class Dir>
 #endif
 
 // A converter. A utf8 value of up to 32 bytes into a set of the windows goes to window_value
-// where the processor has AVX2, ahead of the frame of translate_text (its local buffers),
-// which costs about as much as translating such a value.
+// where the processor has AVX2, and an eucjis or sjis value of up to 32 bytes into utf8 to
+// pairs_short_to_utf8, ahead of the frame of translate_text (its local buffers), which costs
+// about as much as translating such a value.
 template <class Dir>
 int32_t translate(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstlen,
                   int32_t *consumed, int32_t *produced) {
@@ -1182,6 +1186,13 @@ int32_t translate(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstl
         if (srclen > 0 && srclen <= k_window_value &&
             int64_t{dstlen} * 2 >= int64_t{srclen} * growth_x2<Dir> && k_avx2)
             return window_value<Dir>(src, srclen, dst, dstlen, consumed, produced);
+#endif
+#ifdef COMN_XLT_SHUFFLE
+    if constexpr (requires { requires k_pairs_short<typename Dir::From>; })
+        if (k_packed && srclen > 0 && srclen <= k_pairs_value &&
+            int64_t{dstlen} * 2 >= int64_t{srclen} * growth_x2<Dir> && has_shuffle())
+            return pairs_short_to_utf8<typename Dir::From>(src, srclen, dst, dstlen, consumed,
+                                                           produced);
 #endif
     return translate_text<Dir>(src, srclen, dst, dstlen, consumed, produced);
 }
