@@ -25,10 +25,12 @@ int32_t noop_conv(ComContext *, DataFormat *, void *, DataFormat *, void *, int3
     return CS_SUCCEED;
 }
 
-// Loads the message file of the default locale the way start-up does.
+// Loads the message file of the default locale the way start-up does, with a few preloads.
 int32_t load_messages(ComContext *ctx) {
     ComErrCtx errctx{ctx->conv.default_locale->message, "cslib.loc"};
-    return com_err_init(ctx, &errctx, Com_msg_sections, COM_MSG_SECTION_COUNT, nullptr, 0);
+    const ComErrKey pre[] = {
+        {COM_ERRSEC_FALLBACK, 1}, {COM_ERRSEC_FALLBACK, 4}, {COM_ERRSEC_STATUS, 1}};
+    return com_err_init(ctx, &errctx, Com_msg_sections, COM_MSG_SECTION_COUNT, pre, 3);
 }
 
 void run(const Scenario &s) {

@@ -1,21 +1,10 @@
 #!/usr/bin/env python3
 """Differential check of the translation converters and the dispatch table against Python's
-codecs, through ctypes over libcomn.so:
-
-  - the twenty single-byte converters between iso_1, cp850, cp437, roman8 and mac, and the
-    ASCII one: every byte alone and all bytes at once against the codecs with the departures
-    listed by the tables' generator (tools/gen/gen_xlate_tables.py, rebuilt here in memory,
-    not read from the committed header), with the substitution bit set exactly for the bytes
-    written as "?", every destination size and negative lengths; the test set's converter;
-  - the dispatch table Com_fou_xlt_map: every cell's ids, mode and the converter it names;
-  - translation between utf8 and every other set, both ways: every character of each set,
-    random texts of characters, undefined characters and ill-formed UTF-8 (expected: Python's
-    decoder with errors="replace", which gives one U+FFFD per maximal ill-formed subpart),
-    and every destination size from 0 (expected: the longest run of whole characters that
-    fits, with exact consumed and produced counts);
-  - translation among the Japanese sets and from them to ASCII, against a model of their
-    JIS X 0208 row and cell arithmetic that is itself held to Python's codecs: every code of
-    each set alone, random texts at every destination size, characters cut by the end.
+codecs, through ctypes over libcomn.so: the single-byte converters against their generator's
+tables (rebuilt in memory), every cell of Com_fou_xlt_map, utf8 to and from every other set
+(every character, random texts, ill-formed input as Python's decoder with errors="replace"
+splits it into maximal subparts, every destination size), and the Japanese sets among
+themselves against a model of the JIS X 0208 grid that is itself held to Python's codecs.
 
 usage: check_xlate.py <path to libcomn.so> <tools/gen directory> [seed]
 """

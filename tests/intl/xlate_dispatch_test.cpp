@@ -96,32 +96,6 @@ TEST_F(XlateLocales, EveryPairResolvesAsTheTableSays) {
     EXPECT_EQ(com__intl_get_csid(nullptr), COM_XLT_ISO1);
 }
 
-TEST_F(XlateLocales, FormatsWithoutLocaleTakeTheContextDefault) {
-    DataFormat s = fmt(nullptr, CS_CHAR, 1), d = fmt("cp437", CS_CHAR, 1);
-    int32_t m = -1;
-    // No default at all: the built-in iso_1 attributes.
-    ASSERT_EQ(com_intl_will_xlate(&ctx, &s, &d, &m), CS_SUCCEED);
-    EXPECT_EQ(m, COM_XLT_MODE_CONVERT);
-    ASSERT_EQ(com_intl_will_xlate(nullptr, &s, &d, &m), CS_SUCCEED);
-    EXPECT_EQ(m, COM_XLT_MODE_CONVERT);
-    ctx.conv.default_locale = &handles["cp437"];
-    ASSERT_EQ(com_intl_will_xlate(&ctx, &s, &d, &m), CS_SUCCEED);
-    EXPECT_EQ(m, COM_XLT_MODE_COPY);
-    // Different handles over the same set copy too; so does a bare handle against iso_1.
-    LocaleRecord rec{};
-    rec.charset_desc = records["cp437"].charset_desc;
-    LocaleHandle other{};
-    other.ctype = &rec;
-    s.locale = &other;
-    ASSERT_EQ(com_intl_will_xlate(&ctx, &s, &d, &m), CS_SUCCEED);
-    EXPECT_EQ(m, COM_XLT_MODE_COPY);
-    s.locale = &bare;
-    d.locale = &handles["iso_1"];
-    ASSERT_EQ(com_intl_will_xlate(&ctx, &s, &d, &m), CS_SUCCEED);
-    EXPECT_EQ(m, COM_XLT_MODE_COPY);
-    EXPECT_EQ(com_intl_will_xlate(&ctx, nullptr, &d, &m), CS_FAIL);
-}
-
 TEST_F(XlateLocales, DriverTranslatesThroughTheLocales) {
     struct {
         const char *from, *to;
