@@ -81,9 +81,9 @@ inline int32_t model_pad(std::string &out, int32_t n, int32_t m, uint32_t flags,
 }
 
 // What a text of n bytes becomes when it does not fit m bytes (with its terminator): a lone
-// "*" (numbers), the first m bytes with truncation (text copies), or whole hexadecimal pairs
-// (binary as text).
-enum class Short { Star, Truncate, HexPairs };
+// "*" (numbers), the first m bytes with overflow (exact numerics, money) or with truncation
+// (text copies), or whole hexadecimal pairs (binary as text).
+enum class Short { Star, Cut, Truncate, HexPairs };
 
 // A produced text in a text destination of maxlength m with the given flags.
 inline Outcome model_text(const std::string &text, int32_t m, uint32_t flags, Short rule) {

@@ -1,8 +1,6 @@
-// Every allocation of context start-up, locale load, message load and user conversion install
-// fails in turn through the allocation seam's hook. Each failing run must answer CS_MEM_ERROR,
-// leave the context usable (the same operation then succeeds), and leak nothing once the
-// context is torn down. The loop stops at the first run in which no failure was injected, and
-// must have run once for every allocation that successful run made.
+// Every allocation of start-up, locale load, message load and user conversion install fails in
+// turn: each run answers CS_MEM_ERROR, leaves the context usable and leaks nothing; the loop
+// runs once per allocation of the first run that injected no failure.
 #include <gtest/gtest.h>
 
 #include <functional>

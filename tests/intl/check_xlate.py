@@ -78,8 +78,6 @@ def conv_name(a, b):
     return JA_PAIRS.get((a, b), "%s_to_%s" % (a, b))
 
 
-# ---- the single-byte converters and the dispatch table ----
-
 def check_single_byte(lib):
     import gen_xlate_tables
     expected = {"%s_to_%s" % pair: [b if b < 0x80 else table[b - 0x80] or ord("?")
@@ -129,8 +127,6 @@ def check_dispatch_table(lib):
                 fail("map %s -> %s: ids %d/%d mode %d, not %s" % (src, dst, row.src_id,
                                                                  cell.dest_id, cell.mode, name))
 
-
-# ---- expected results, unit by unit: (source bytes, output bytes, bad) ----
 
 def encode_char(ch, codec):
     if ch in LOSSY and codec in ("euc_jp", "shift_jis"):
@@ -183,8 +179,6 @@ def check_units(lib, name, units, what, rooms=None):
                 out[at:at + 12]))
             return
 
-
-# ---- units of each set ----
 
 def set_chars(name, codec):
     """Every character of a set: (its bytes, its text), found by decoding every sequence of
@@ -345,8 +339,6 @@ def check_translation(lib, rng):
                 fail("utf8->%s ill-formed %r: %r want %r" % (
                     name, src, lib.xlate("utf8", name, src, 4 * len(src) + 4), want))
 
-
-# ---- the Japanese sets among themselves ----
 
 def jis_codes(name):
     """Every two-byte code of a Japanese set: (bytes, (row, cell)) for the JIS X 0208 grid, and

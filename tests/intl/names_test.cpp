@@ -44,6 +44,7 @@ TEST(IntlNames, ForwardTranslationFailures) {
     } cases[] = {
         {nullptr, COM_INTL_ERROR, INTL_E_OPEN},
         {"[unix]\nlocale = default, us_english, iso_1\n", 0, 0},
+        {"[linux]\nalias = default, a, b\nlocale = default, us_english, iso_1\n", 0, 0},
         {"[linux]\nlocale = x, y, z\nbroken line\nlocale = default, a, b\n", COM_INTL_ERROR,
          INTL_E_SYNTAX},
     };

@@ -1,7 +1,5 @@
-// Translation through locales: character sets loaded from the bundled home, hung on locale
-// handles as the locale cache does, and the context's default handle for formats without one;
-// the driver's statuses, state words and CS_VARCHAR framing, where lengths change with utf8,
-// and its plain copy of CS_VARCHAR records and damaged length words.
+// Translation through locales: sets hung on locale handles as the locale cache does, the
+// driver's statuses, state words and CS_VARCHAR framing, and its plain copy of CS_VARCHAR.
 #include <cstring>
 #include <map>
 #include <utility>

@@ -1,4 +1,5 @@
-// The error cache: preloads and on-demand loading against a model of the cache.
+// The error cache: preloads and on-demand loading against a model of the cache; SQL states
+// and escapes.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -66,6 +67,27 @@ TEST(ErrCache, RandomLookupsFollowAFirstInFirstOutModel) {
             ASSERT_NE(h.cached(s, n), nullptr) << s << " " << n;
     }
     expect_consistent(h);
+}
+
+// An SQL state is kept to seven characters; a buffer too small for it gets nothing but the length.
+TEST(ErrCache, SqlStates) {
+    MsgHome h;
+    h.write("[fallback]\n[msgs]\n3 = 22003, \"three\"\n10 = ABCDEFGHIJ, \"ten\"\n");
+    ASSERT_EQ(com_err_init(&h.ctx, &h.ec, kSections, 2, nullptr, 0), CS_SUCCEED);
+    char state[8];
+    int32_t len = -1;
+    EXPECT_EQ(com_err_sqlstate(&h.ctx, &h.ec, 10, 7, state, 8, &len), CS_SUCCEED);
+    EXPECT_EQ(std::string(state, static_cast<size_t>(len)), "ABCDEFG");
+    EXPECT_EQ(com_err_sqlstate(&h.ctx, &h.ec, 3, 7, state, 4, &len), CS_FAIL);
+    EXPECT_EQ(len, 5);
+}
+
+// Escapes resolve in place: a known one to its character, any other to a backslash alone; a
+// backslash that ends the text stays.
+TEST(ErrCache, EscapesAreResolvedInPlace) {
+    std::string text = "a\\nb\\qc\\\\d\\\"\\b\\f\\r\\tend\\";
+    EXPECT_EQ(com__err_filterescape(text.data()), CS_SUCCEED);
+    EXPECT_STREQ(text.c_str(), "a\nb\\c\\d\"\b\f\r\tend\\");
 }
 
 } // namespace
