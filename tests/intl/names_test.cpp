@@ -16,13 +16,11 @@ struct Home {
     }
 };
 
-std::string lookup(ComContext *ctx, const char *name, int32_t *rc) {
-    char lang[256] = "", cs[256] = "", so[256] = "";
-    *rc = com__intl_lookup(ctx, name, static_cast<int32_t>(strlen(name)), lang, 256, cs, 256, so);
-    return std::string(lang) + "/" + cs + "/" + so;
+int32_t lookup_default(ComContext *ctx) {
+    char lang[256], cs[256], so[256];
+    return com__intl_lookup(ctx, "default", 7, lang, 256, cs, 256, so);
 }
 
-// (Locale and charset file paths are checked where those files are verified and loaded.)
 TEST(IntlPaths, InterfacesFileAndTheFittingRule) {
     Home h;
     const std::string p = h.home.path;
@@ -50,8 +48,7 @@ TEST(IntlNames, ForwardTranslationFailures) {
     };
     for (const auto &c : cases) {
         Home h(c.locales);
-        int32_t rc = 0;
-        lookup(&h.ctx, "default", &rc);
+        const int32_t rc = lookup_default(&h.ctx);
         EXPECT_EQ(rc, c.rc);
         if (rc != 0) {
             EXPECT_EQ(h.ctx.intl_status, c.status);
@@ -59,9 +56,7 @@ TEST(IntlNames, ForwardTranslationFailures) {
     }
     const std::string long_language = "[linux]\nlocale = default, " + std::string(400, 'l');
     Home h((long_language + ", iso_1\n").c_str());
-    int32_t rc = 0;
-    lookup(&h.ctx, "default", &rc);
-    EXPECT_EQ(rc, 0);
+    EXPECT_EQ(lookup_default(&h.ctx), 0);
 }
 
 // The missing files come in order (the diagnostic below lists them all); a client layer needs

@@ -1,4 +1,4 @@
-// The platform reader: file syntax and failures.
+// The platform reader: file syntax and failures, and the home directory.
 #include "intl/reader/reader_internal.h"
 #include "intl_test_util.h"
 
@@ -87,6 +87,16 @@ TEST(IntlReader, OpenFailures) {
     ASSERT_EQ(intl_open((home.path + "/ok.loc").c_str(), &f), 0);
     EXPECT_STREQ(intl_nextsection(f, &st), "s");
     EXPECT_EQ(intl_close(f), 0);
+}
+
+// A value fits when the buffer also holds its terminator.
+TEST(IntlPlatform, HomeFitsWithItsTerminator) {
+    EnvGuard veldar("VELDAR");
+    char buf[8];
+    veldar.set("/opt/x");
+    EXPECT_EQ(intl_home(buf, 7), 6);
+    EXPECT_STREQ(buf, "/opt/x");
+    EXPECT_EQ(intl_home(buf, 6), INTL_E_TOOLONG);
 }
 
 } // namespace
