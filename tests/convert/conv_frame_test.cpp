@@ -33,11 +33,9 @@ std::vector<std::pair<int32_t, int32_t>> user_list(const ComContext &c) {
     return out;
 }
 
-// Two contexts under random installs and resets, against a model of each: the pairs set
-// since the start over the default table. After every step the routine and the header's
-// inline form look up what the model says for every pair around the table's edge (negative
-// ids never find anything), the user list holds one entry per user pair in the order of first
-// installation, grouped by source id, and the default table stays as it was.
+// Two contexts under random installs and resets against a model of each: after every step both
+// lookup forms answer as the model for every pair around the table's edge, the user list holds
+// the user pairs in order of first installation grouped by source, the default table is intact.
 TEST(ConvFrame, InstallsAndResetsFollowAModelPerContext) {
     const ComConvFunc *table;
     uint32_t dim;

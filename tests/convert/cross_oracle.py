@@ -2,18 +2,12 @@
 """Differential test of the money and exact-numeric cross conversions against Python's decimal.
 
 Requests (fixed seed) go to the driver named on the command line; every answer is checked:
-- exact numerics to text and varchar: the exact decimal text;
-- exact numerics to double: the correctly rounded float of the decimal; to single: that
-  double rounded to single (clamped, with overflow, beyond the largest single); to integers:
-  that double truncated toward zero within the destination's bounds, else the nearest end and
-  overflow (the "i8" upper bound is 2^31, which then wraps to -2^31); to bit: non-zero is 1;
-- integers and floats into numerics: the exact value (a float's exact binary value) rounded
-  half away from zero at the destination scale, or overflow and a zero when it does not fit
-  the precision, NaN and infinities included;
-- money and small money to text and varchar: the value rounded half away from zero to the
-  places the destination precision asks (0 or less: 2, above 4: 4), "-" for negative values;
-- the outcomes around the values: see domain_case and into_case.
-Value generators and the text form are shared with tests/numeric/decimal_oracle.py.
+exact numerics to text (the exact decimal text), to floats (correctly rounded, clamped with
+overflow beyond the largest single) and to integers (truncated within the destination's
+bounds, else the nearest end with overflow; the "i8" bound 2^31 wraps); integers and floats
+into numerics (rounded half away from zero at the scale, or overflow and zero); money to text
+(rounded half away from zero to the places the precision asks). Value generators and the text
+form are shared with tests/numeric/decimal_oracle.py.
 """
 import math
 import os

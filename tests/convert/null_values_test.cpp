@@ -35,15 +35,21 @@ std::string want(int32_t len, const std::string &bytes, size_t dstlen) {
     return std::to_string(CS_SUCCEED) + " " + std::to_string(len) + " " + b;
 }
 
-TEST(NullValues, DefaultsAreZeroCutToTheDestination) {
+// Defaults are zeros cut to the destination; exact numerics carry the format's precision and
+// scale; a user type has no value; rows 1 and 2 are crossed: a null CS_BINARY pads like text, a
+// CS_LONGCHAR like binary.
+TEST(NullValues, DefaultsAndPadding) {
     NullCtx n;
     const std::string zeros(8, '\0');
-    EXPECT_EQ(n.get(CS_INT, 4), want(4, zeros.substr(0, 4), 4));
     EXPECT_EQ(n.get(CS_INT, 2), want(2, zeros.substr(0, 2), 2));
     EXPECT_EQ(n.get(CS_MONEY4, 4), want(4, zeros.substr(0, 4), 4));
-    // Exact numerics carry the format's precision and scale, then a zero value.
     EXPECT_EQ(n.get(CS_NUMERIC, 35, 0, 10, 2), want(6, std::string("\x0a\x02\0\0\0\0", 6), 35));
-    EXPECT_EQ(n.get(100, 8), want(0, "", 8)); // a user type without a value
+    EXPECT_EQ(n.get(100, 8), want(0, "", 8));
+    char v[] = "NUL";
+    ASSERT_EQ(com_null_set(&n.c, CS_CHAR, v, 3), CS_SUCCEED);
+    EXPECT_EQ(n.get(CS_CHAR, 10, CS_FMT_PADBLANK), want(10, "NUL       ", 10));
+    EXPECT_EQ(n.get(CS_BINARY, 4, CS_FMT_PADBLANK), want(4, "    ", 4));
+    EXPECT_EQ(n.get(CS_LONGCHAR, 4, CS_FMT_PADBLANK), want(0, "", 4));
 }
 
 TEST(NullValues, SetReplacesAndReinstallRestores) {
@@ -66,16 +72,6 @@ TEST(NullValues, SetReplacesAndReinstallRestores) {
     EXPECT_EQ(n.get(CS_INT, 4), want(0, "", 4));
     ASSERT_EQ(com_null_reinstall(&n.c, CS_INT), CS_SUCCEED);
     EXPECT_EQ(n.get(CS_INT, 4), want(4, std::string(4, '\0'), 4));
-}
-
-TEST(NullValues, TextNullsArePaddedLikeText) {
-    NullCtx n;
-    char v[] = "NUL";
-    ASSERT_EQ(com_null_set(&n.c, CS_CHAR, v, 3), CS_SUCCEED);
-    EXPECT_EQ(n.get(CS_CHAR, 10, CS_FMT_PADBLANK), want(10, "NUL       ", 10));
-    // Rows 1 and 2 are crossed: a null CS_BINARY pads like text, a CS_LONGCHAR like binary.
-    EXPECT_EQ(n.get(CS_BINARY, 4, CS_FMT_PADBLANK), want(4, "    ", 4));
-    EXPECT_EQ(n.get(CS_LONGCHAR, 4, CS_FMT_PADBLANK), want(0, "", 4));
 }
 
 TEST(NullValues, VoidConvertsToTheNullOfAnyType) {

@@ -95,26 +95,18 @@ TEST(NumberText, FloatsMatchPrintf) {
     com_setfltfmt(before);
 }
 
-TEST(NumberText, BitDigitsAndDomain) {
+// A bit writes its digit wherever there is room, even where the terminator then takes its place.
+TEST(NumberText, BitDigits) {
     DataFormat sf = text_format(CS_BIT, 1);
-    for (uint8_t b : {0, 1}) {
-        const std::string digit(1, static_cast<char>('0' + b));
+    for (uint8_t b : {0, 1})
         for (uint32_t flags = 0; flags < 8; ++flags)
             for (int32_t m = 0; m <= 4; ++m) {
-                Outcome want = model_text(digit, m, flags, Short::Star);
+                Outcome want =
+                    model_text(std::string(1, static_cast<char>('0' + b)), m, flags, Short::Star);
                 if (m == 1 && (flags & CS_FMT_NULLTERM)) want.bytes = std::string(1, '\0');
                 EXPECT_EQ(run_conv(comn_bittochar, nullptr, sf, &b, CS_CHAR, m, flags), want)
                     << int(b) << " m=" << m << " flags=" << flags;
             }
-    }
-    for (int v = 2; v < 256; ++v) {
-        const auto b = static_cast<uint8_t>(v);
-        for (ComConvFunc f : {comn_bittochar, comn_bittovarchar, comn_bittobin, comn_bittovarbin}) {
-            const Outcome o = run_conv(f, nullptr, sf, &b, CS_CHAR, 258, 0);
-            EXPECT_EQ(o.rc, CS_CONV_DOMAIN);
-            EXPECT_EQ(o.bytes, std::string(258, kUntouched));
-        }
-    }
 }
 
 } // namespace

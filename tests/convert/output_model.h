@@ -1,6 +1,5 @@
-// Test helpers for text and binary destinations: a destination buffer of maxlength bytes
-// with a guard after it, and a plain model of what the destination flags do to a produced
-// text, written from the rules rather than the code.
+// Helpers for text and binary destinations: a buffer with a guard after its maxlength bytes,
+// and a model of what the destination flags do to a produced text, written from the rules.
 #pragma once
 
 #include <gtest/gtest.h>

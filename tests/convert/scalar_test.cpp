@@ -1,8 +1,6 @@
-// The integer, bit and float family, every pair of the routine list against a model written
-// from the rules: a value outside the destination's inclusive range writes the nearest end
-// with overflow, floats truncate toward zero, the "i8" upper bound for floats is 2^31 (which
-// then wraps), NaN gives 0 with overflow, bit destinations test for non-zero, a double beyond
-// the largest single clamps, and a bit source above 1 writes nothing, not even the length.
+// The integer, bit and float family, every pair against a model written from the rules: out of
+// range writes the nearest end with overflow, floats truncate toward zero, the "i8" bound for
+// floats is 2^31 (which wraps), NaN gives 0 with overflow, a bit source above 1 writes nothing.
 #include <gtest/gtest.h>
 
 #include <cmath>

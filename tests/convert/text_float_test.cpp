@@ -1,9 +1,6 @@
-// Text to real and float against the C library: a model of the conversion built directly on
-// strtod and errno is run beside comn_chartoflt8 and comn_chartoflt4 over a million generated
-// texts (decimal mantissas short and long, halfway cases, the double and single limits,
-// subnormals, hexadecimal floats, infinity and NaN spellings, white space and junk, texts
-// either side of the longest that is scanned), and status, result length and destination bits
-// must agree. The scanner must also ignore a process locale whose decimal point is not ".".
+// Text to real and float against a model built on strtod and errno, over a million generated
+// texts (long mantissas, halfway cases, limits, subnormals, hexadecimal, infinity and NaN
+// spellings, blanks and junk); and the scanner ignores a process locale with a decimal comma.
 #include <gtest/gtest.h>
 
 #include <cerrno>

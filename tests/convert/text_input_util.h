@@ -1,6 +1,5 @@
-// Helpers of the text input tests: a context with locales loaded from the bundled home, a
-// source format carrying one of them, and the full-width forms of ASCII number text in the
-// shipped Japanese sets.
+// Text input helpers: a context with bundled locales, a source format carrying one, and the
+// full-width forms of ASCII number text in the shipped Japanese sets.
 #pragma once
 
 #include <cstring>

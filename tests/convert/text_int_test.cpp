@@ -1,7 +1,5 @@
-// Text to tinyint, smallint, int, the platform long and bit: a model of the scanner (blanks,
-// one sign, digits, blanks; wrapped low bits for the narrow types, clamping for 32 bits) run
-// beside the conversions over random texts of every width; then full-width numbers in each
-// shipped Japanese set against their ASCII twins, and the cut multibyte character.
+// Text to the integers and bit against a model of the scanner over random texts of every width;
+// full-width numbers in each Japanese set against their ASCII twins; the cut character.
 #include <gtest/gtest.h>
 
 #include <random>

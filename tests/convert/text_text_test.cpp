@@ -1,6 +1,5 @@
-// Text to text: the plain copy against a model of the length, terminator and padding rules;
-// every pair of bundled character sets against their translation routines called directly;
-// and shortening within a multibyte set, which must never cut a character.
+// Text to text: the plain copy against a model of the flag rules, every pair of bundled sets
+// against their converters, and shortening within a multibyte set, never cutting a character.
 #include <gtest/gtest.h>
 
 #include <cstdlib>

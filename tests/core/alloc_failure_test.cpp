@@ -1,8 +1,6 @@
-// Every allocation of context start-up, locale load, message load and user conversion install
-// fails in turn through the allocation seam's hook. Each failing run must answer CS_MEM_ERROR,
-// leave the context usable (the same operation then succeeds), and leak nothing once the
-// context is torn down. The loop stops at the first run in which no failure was injected, and
-// must have run once for every allocation that successful run made.
+// Every allocation of start-up, locale load, message load and user conversion install fails in
+// turn: each run answers CS_MEM_ERROR, leaves the context usable and leaks nothing; the loop
+// runs once per allocation of the first run that injected no failure.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -25,10 +23,12 @@ int32_t noop_conv(ComContext *, DataFormat *, void *, DataFormat *, void *, int3
     return CS_SUCCEED;
 }
 
-// Loads the message file of the default locale the way start-up does.
+// Loads the message file of the default locale the way start-up does, with a few preloads.
 int32_t load_messages(ComContext *ctx) {
     ComErrCtx errctx{ctx->conv.default_locale->message, "cslib.loc"};
-    return com_err_init(ctx, &errctx, Com_msg_sections, COM_MSG_SECTION_COUNT, nullptr, 0);
+    const ComErrKey pre[] = {
+        {COM_ERRSEC_FALLBACK, 1}, {COM_ERRSEC_FALLBACK, 4}, {COM_ERRSEC_STATUS, 1}};
+    return com_err_init(ctx, &errctx, Com_msg_sections, COM_MSG_SECTION_COUNT, pre, 3);
 }
 
 void run(const Scenario &s) {

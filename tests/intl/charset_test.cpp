@@ -1,6 +1,5 @@
-// The character set and sort order loaders over the bundled home and over broken files in
-// temporary homes. (What the loaded records answer for each character is compared with Python
-// by check_charsets.py.)
+// The character set and sort order loaders over the bundled home and broken files in temporary
+// homes. (Each record's answers are compared with Python by check_charsets.py.)
 #include <cstring>
 #include <iterator>
 #include <utility>

@@ -1,13 +1,11 @@
 #!/usr/bin/env python3
 """Differential check of the character attribute records against Python's codecs and
-unicodedata, through ctypes over libcomn.so (VELDAR pointing at the bundled home): every
-class test, both case mappings, the ASCII equivalent and both widths of every character of
-each loaded set (Japanese sets: what Python's codec decodes; utf8: every one- and two-byte
-character and a sample of the longer ones) and of the built-in iso_1 record. Expected: ASCII
-as the C locale classifies it (0E and 0F also space); above it case from str.isupper and
-str.islower, digits from category Nd, space from Zs, punctuation from P* and S*; case
-mapping as str.upper/str.lower when the result is a character of the same length and lead
-byte; longer characters copied whole, without class; iso_1's departures as listed.
+unicodedata, through ctypes over libcomn.so: every class test, both case mappings, the ASCII
+equivalent and both widths of every character of each loaded set and of the built-in iso_1
+record. ASCII classes as the C locale (0E and 0F also space); above it case from str.isupper
+and str.islower, digits from Nd, space from Zs, punctuation from P* and S*; case mapping as
+str.upper/str.lower when the result has the same length and lead byte; iso_1's departures as
+listed.
 
 usage: check_charsets.py <path to libcomn.so>
 """

@@ -1,21 +1,10 @@
 #!/usr/bin/env python3
 """Differential check of the translation converters and the dispatch table against Python's
-codecs, through ctypes over libcomn.so:
-
-  - the twenty single-byte converters between iso_1, cp850, cp437, roman8 and mac, and the
-    ASCII one: every byte alone and all bytes at once against the codecs with the departures
-    listed by the tables' generator (tools/gen/gen_xlate_tables.py, rebuilt here in memory,
-    not read from the committed header), with the substitution bit set exactly for the bytes
-    written as "?", every destination size and negative lengths; the test set's converter;
-  - the dispatch table Com_fou_xlt_map: every cell's ids, mode and the converter it names;
-  - translation between utf8 and every other set, both ways: every character of each set,
-    random texts of characters, undefined characters and ill-formed UTF-8 (expected: Python's
-    decoder with errors="replace", which gives one U+FFFD per maximal ill-formed subpart),
-    and every destination size from 0 (expected: the longest run of whole characters that
-    fits, with exact consumed and produced counts);
-  - translation among the Japanese sets and from them to ASCII, against a model of their
-    JIS X 0208 row and cell arithmetic that is itself held to Python's codecs: every code of
-    each set alone, random texts at every destination size, characters cut by the end.
+codecs, through ctypes over libcomn.so: the single-byte converters against their generator's
+tables (rebuilt in memory), every cell of Com_fou_xlt_map, utf8 to and from every other set
+(every character, random texts, ill-formed input as Python's decoder with errors="replace"
+splits it into maximal subparts, every destination size), and the Japanese sets among
+themselves against a model of the JIS X 0208 grid that is itself held to Python's codecs.
 
 usage: check_xlate.py <path to libcomn.so> <tools/gen directory> [seed]
 """
@@ -89,8 +78,6 @@ def conv_name(a, b):
     return JA_PAIRS.get((a, b), "%s_to_%s" % (a, b))
 
 
-# ---- the single-byte converters and the dispatch table ----
-
 def check_single_byte(lib):
     import gen_xlate_tables
     expected = {"%s_to_%s" % pair: [b if b < 0x80 else table[b - 0x80] or ord("?")
@@ -140,8 +127,6 @@ def check_dispatch_table(lib):
                 fail("map %s -> %s: ids %d/%d mode %d, not %s" % (src, dst, row.src_id,
                                                                  cell.dest_id, cell.mode, name))
 
-
-# ---- expected results, unit by unit: (source bytes, output bytes, bad) ----
 
 def encode_char(ch, codec):
     if ch in LOSSY and codec in ("euc_jp", "shift_jis"):
@@ -194,8 +179,6 @@ def check_units(lib, name, units, what, rooms=None):
                 out[at:at + 12]))
             return
 
-
-# ---- units of each set ----
 
 def set_chars(name, codec):
     """Every character of a set: (its bytes, its text), found by decoding every sequence of
@@ -356,8 +339,6 @@ def check_translation(lib, rng):
                 fail("utf8->%s ill-formed %r: %r want %r" % (
                     name, src, lib.xlate("utf8", name, src, 4 * len(src) + 4), want))
 
-
-# ---- the Japanese sets among themselves ----
 
 def jis_codes(name):
     """Every two-byte code of a Japanese set: (bytes, (row, cell)) for the JIS X 0208 grid, and

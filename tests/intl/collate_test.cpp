@@ -1,6 +1,5 @@
-// Collation: padding, ligatures, expansions, secondary tie-breaks and tertiary order, over the
-// bundled sort orders and a small hand-made weight table; differential checks of the binary
-// and nocase orders against memcmp and strcasecmp.
+// Collation over the bundled sort orders and a hand-made weight table; the binary and nocase
+// orders against strcmp and strcasecmp.
 #include <strings.h>
 
 #include <cstring>

@@ -1,6 +1,5 @@
-// Helpers of the localisation tests: a temporary installation home, environment guards, a
-// context whose locale area is released at scope end, and an encoder of expected names through
-// glibc's iconv. CTest points VELDAR at the bundled home.
+// Localisation test helpers: a temporary home, environment guards, a context released at scope
+// end, and an iconv encoder of expected names. CTest points VELDAR at the bundled home.
 #pragma once
 
 #include <iconv.h>

@@ -1,22 +1,10 @@
-// Installation paths, the locale name of a category, the locales file translations and the
-// readability checks, over temporary installation homes.
-#include <vector>
-
+// Installation paths, failures of the locales file lookup and the readability checks, over
+// temporary installation homes.
 #include "intl_test_util.h"
 
 namespace {
 
-const char *Locales = "; test locales\n"
-                      "[other]\nlocale = fr, german, iso_1\n"
-                      "[linux]\n"
-                      "locale = default, us_english, iso_1\n"
-                      "locale = french, french, iso_1, dict\n"
-                      "locale = fr, wrong, iso_1\n"
-                      "locale = short, lang\n"
-                      "locale = ja, japanese, eucjis\n"
-                      "locale = us_english.cp850, us_english, cp850, nocase\n"
-                      "alias = hidden, german, iso_1\n"
-                      "locale = hidden, german, iso_1\n";
+const char *Locales = "[linux]\nlocale = default, us_english, iso_1\n";
 
 struct Home {
     TempHome home;
@@ -28,13 +16,11 @@ struct Home {
     }
 };
 
-std::string lookup(ComContext *ctx, const char *name, int32_t *rc) {
-    char lang[256] = "", cs[256] = "", so[256] = "";
-    *rc = com__intl_lookup(ctx, name, static_cast<int32_t>(strlen(name)), lang, 256, cs, 256, so);
-    return std::string(lang) + "/" + cs + "/" + so;
+int32_t lookup_default(ComContext *ctx) {
+    char lang[256], cs[256], so[256];
+    return com__intl_lookup(ctx, "default", 7, lang, 256, cs, 256, so);
 }
 
-// (Locale and charset file paths are checked where those files are verified and loaded.)
 TEST(IntlPaths, InterfacesFileAndTheFittingRule) {
     Home h;
     const std::string p = h.home.path;
@@ -49,77 +35,6 @@ TEST(IntlPaths, InterfacesFileAndTheFittingRule) {
     EXPECT_STREQ(buf, "*");
 }
 
-TEST(IntlPaths, HomeOf1024BytesLeavesNoRoomAndNoHomeIsAnIntlError) {
-    EnvGuard veldar("VELDAR");
-    ComContext ctx{};
-    veldar.set("/" + std::string(1023, 'h'));
-    char buf[COM_INTL_PATH_SIZE + 1];
-    EXPECT_EQ(com_path_ifile(&ctx, buf, COM_INTL_PATH_SIZE), 0);
-    EXPECT_EQ(com__path_locfile(&ctx, nullptr, nullptr, "locales.dat", buf, COM_INTL_PATH_SIZE), 0);
-    EXPECT_EQ(com__path_charfile(&ctx, "x", "y", nullptr, buf, COM_INTL_PATH_SIZE), 0);
-    IntlFile *f = nullptr;
-    EXPECT_EQ(com__open_locfile(&ctx, nullptr, nullptr, "locales.dat", &f), 0);
-
-    veldar.set("/" + std::string(5000, 'h')); // longer than any home the layer will hold
-    EXPECT_EQ(com_path_ifile(&ctx, buf, COM_INTL_PATH_SIZE), COM_INTL_ERROR);
-    EXPECT_EQ(ctx.intl_status, INTL_E_TOOLONG);
-    EXPECT_EQ(com__verify_msgfile(&ctx, "a", "b", "c", buf, COM_INTL_PATH_SIZE), COM_INTL_ERROR);
-    EXPECT_STREQ(buf, "*");
-}
-
-TEST(IntlNames, EnvironmentLocaleOfEachCategory) {
-    ComContext ctx{};
-    const char *vars[] = {"LC_COLLATE", "LC_CTYPE", "LC_MESSAGE", "LC_MONETARY",
-                          "LC_NUMERIC", "LC_TIME",  "LC_ALL",     "LANG"};
-    const std::vector<EnvGuard> guards(std::begin(vars), std::end(vars));
-    EnvGuard messages("LC_MESSAGES");
-    for (const auto &g : guards)
-        g.unset();
-    messages.set("not_this_one");
-    char buf[64];
-    for (int32_t cat = 0; cat <= 8; ++cat) {
-        EXPECT_EQ(com_intl_envloc(&ctx, cat, buf, sizeof buf), 1);
-        EXPECT_STREQ(buf, "default") << cat;
-    }
-    guards[7].set("lang_value");
-    for (int32_t cat = 1; cat <= 7; ++cat) {
-        guards[cat - 1].set(std::string("v") + std::to_string(cat));
-        EXPECT_EQ(com_intl_envloc(&ctx, cat, buf, sizeof buf), 1);
-        EXPECT_EQ(std::string(buf), "v" + std::to_string(cat));
-    }
-    EXPECT_EQ(com_intl_envloc(&ctx, 8, buf, sizeof buf), 1);
-    EXPECT_STREQ(buf, "lang_value");
-    guards[7].set(std::string(300, 'x')); // an absurd value is an intl error, not a crash
-    EXPECT_EQ(com_intl_envloc(&ctx, 0, buf, sizeof buf), COM_INTL_ERROR);
-    EXPECT_EQ(ctx.intl_status, INTL_E_TOOLONG);
-}
-
-TEST(IntlNames, ForwardTranslation) {
-    Home h;
-    int32_t rc = 0;
-    struct Case {
-        const char *name;
-        int32_t rc;
-        const char *want;
-    } cases[] = {
-        {"default", 1, "us_english/iso_1/binary"},
-        {"french", 1, "french/iso_1/dict"},
-        {"fr", 1, "french/iso_1/dict"}, // two bytes compared: the first entry beginning "fr"
-        {"ja", 1, "japanese/eucjis/binary"},
-        {"short", 0, "//"},  // too few values
-        {"hidden", 0, "//"}, // behind an entry with another key
-        {"nosuch", 0, "//"},
-        {"us_english.cp850", 1, "us_english/cp850/nocase"},
-    };
-    for (const auto &c : cases) {
-        EXPECT_EQ(lookup(&h.ctx, c.name, &rc), c.want) << c.name;
-        EXPECT_EQ(rc, c.rc) << c.name;
-    }
-    char small[4];
-    char cs[256], so[256];
-    EXPECT_EQ(com__intl_lookup(&h.ctx, "french", 6, small, sizeof small, cs, 256, so), 0);
-}
-
 TEST(IntlNames, ForwardTranslationFailures) {
     struct Case {
         const char *locales; // none: no locales file
@@ -127,13 +42,13 @@ TEST(IntlNames, ForwardTranslationFailures) {
     } cases[] = {
         {nullptr, COM_INTL_ERROR, INTL_E_OPEN},
         {"[unix]\nlocale = default, us_english, iso_1\n", 0, 0},
+        {"[linux]\nalias = default, a, b\nlocale = default, us_english, iso_1\n", 0, 0},
         {"[linux]\nlocale = x, y, z\nbroken line\nlocale = default, a, b\n", COM_INTL_ERROR,
          INTL_E_SYNTAX},
     };
     for (const auto &c : cases) {
         Home h(c.locales);
-        int32_t rc = 0;
-        lookup(&h.ctx, "default", &rc);
+        const int32_t rc = lookup_default(&h.ctx);
         EXPECT_EQ(rc, c.rc);
         if (rc != 0) {
             EXPECT_EQ(h.ctx.intl_status, c.status);
@@ -141,64 +56,28 @@ TEST(IntlNames, ForwardTranslationFailures) {
     }
     const std::string long_language = "[linux]\nlocale = default, " + std::string(400, 'l');
     Home h((long_language + ", iso_1\n").c_str());
-    int32_t rc = 0;
-    lookup(&h.ctx, "default", &rc);
-    EXPECT_EQ(rc, 0);
+    EXPECT_EQ(lookup_default(&h.ctx), 0);
 }
 
-TEST(IntlNames, ReverseTranslation) {
+// The missing files come in order (the diagnostic below lists them all); a client layer needs
+// its own message file too, and a single message file is looked up for a record's language.
+TEST(IntlVerify, ClientLayerAndSingleMessageFile) {
     Home h;
-    struct Case {
-        const char *language, *charset, *sortorder; // charset and sortorder may be null
-        int32_t room, rc;
-        const char *want;
-    } cases[] = {
-        {"", nullptr, nullptr, 64, 1, "default"},
-        {"french", "iso_1", "dict", 64, 1, "french"},
-        {"japanese", "eucjis", nullptr, 64, 1, "ja"},
-        {"us_english", "cp850", "nocase", 5, CS_CONV_OVERFLOW, "us_en"},
-        {"german", "iso_1", nullptr, 64, 0, nullptr}, // behind an entry with another key
-        {"french", "iso_1", nullptr, 64, 0, nullptr}, // french comes with dict only
-    };
-    for (const auto &c : cases) {
-        char name[64];
-        int32_t len = -1;
-        const auto n = [](const char *s) { return s ? static_cast<int32_t>(strlen(s)) : 0; };
-        EXPECT_EQ(com_intl_locname(&h.ctx, c.language, n(c.language), c.charset, n(c.charset),
-                                   c.sortorder, n(c.sortorder), name, c.room, &len),
-                  c.rc)
-            << c.language;
-        if (c.want) {
-            EXPECT_EQ(std::string(name, len), c.want);
-        }
-    }
-}
-
-TEST(IntlVerify, LocaleFilesInOrder) {
-    Home h;
-    const std::string p = h.home.path;
     char path[COM_INTL_PATH_SIZE + 1];
-    auto verify = [&] {
-        return com_intl_verify_locfiles(&h.ctx, "french", "iso_1", "dict", path,
-                                        COM_INTL_PATH_SIZE);
-    };
-    // Each missing file is named in turn until all are there.
     for (const char *rel : {"locales/french/iso_1/common.loc", "locales/french/iso_1/cslib.loc",
-                            "charsets/iso_1/dict.srt", "charsets/iso_1/charset.loc"}) {
-        EXPECT_EQ(verify(), 0);
-        EXPECT_EQ(path, p + "/" + rel);
+                            "charsets/iso_1/dict.srt", "charsets/iso_1/charset.loc"})
         h.home.write(rel, "");
-    }
-    EXPECT_EQ(verify(), 1);
     h.ctx.flags = COM_CTX_CLIENT_LAYER;
-    EXPECT_EQ(verify(), 0);
-    EXPECT_EQ(path, p + "/locales/french/iso_1/ctlib.loc");
-
+    EXPECT_EQ(com_intl_verify_locfiles(&h.ctx, "french", "iso_1", "dict", path, COM_INTL_PATH_SIZE),
+              0);
+    EXPECT_EQ(path, h.home.path + "/locales/french/iso_1/ctlib.loc");
     LocaleRecord rec{};
     rec.language = const_cast<char *>("french");
     rec.charset = const_cast<char *>("iso_1");
     EXPECT_EQ(com_intl_verify_a_msgfile(&h.ctx, &rec, "cslib.loc", path, COM_INTL_PATH_SIZE), 1);
     EXPECT_EQ(com_intl_verify_a_msgfile(&h.ctx, &rec, "other.loc", path, COM_INTL_PATH_SIZE), 0);
+    EXPECT_EQ(com_intl_verify_a_msgfile(&h.ctx, nullptr, "cslib.loc", path, COM_INTL_PATH_SIZE), 0);
+    EXPECT_STREQ(path, "*");
 }
 
 // Runs the diagnostic and returns what it printed.

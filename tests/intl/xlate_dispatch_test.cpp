@@ -1,7 +1,5 @@
-// Translation through locales: character sets loaded from the bundled home, hung on locale
-// handles as the locale cache does, and the context's default handle for formats without one;
-// the driver's statuses, state words and CS_VARCHAR framing, where lengths change with utf8,
-// and its plain copy of CS_VARCHAR records and damaged length words.
+// Translation through locales: sets hung on locale handles as the locale cache does, the
+// driver's statuses, state words and CS_VARCHAR framing, and its plain copy of CS_VARCHAR.
 #include <cstring>
 #include <map>
 #include <utility>
@@ -94,32 +92,6 @@ TEST_F(XlateLocales, EveryPairResolvesAsTheTableSays) {
     check("utf8", "utf8", COM_XLT_MODE_COPY, nullptr);
     check("other", "other", COM_XLT_MODE_COPY, nullptr); // same handle
     EXPECT_EQ(com__intl_get_csid(nullptr), COM_XLT_ISO1);
-}
-
-TEST_F(XlateLocales, FormatsWithoutLocaleTakeTheContextDefault) {
-    DataFormat s = fmt(nullptr, CS_CHAR, 1), d = fmt("cp437", CS_CHAR, 1);
-    int32_t m = -1;
-    // No default at all: the built-in iso_1 attributes.
-    ASSERT_EQ(com_intl_will_xlate(&ctx, &s, &d, &m), CS_SUCCEED);
-    EXPECT_EQ(m, COM_XLT_MODE_CONVERT);
-    ASSERT_EQ(com_intl_will_xlate(nullptr, &s, &d, &m), CS_SUCCEED);
-    EXPECT_EQ(m, COM_XLT_MODE_CONVERT);
-    ctx.conv.default_locale = &handles["cp437"];
-    ASSERT_EQ(com_intl_will_xlate(&ctx, &s, &d, &m), CS_SUCCEED);
-    EXPECT_EQ(m, COM_XLT_MODE_COPY);
-    // Different handles over the same set copy too; so does a bare handle against iso_1.
-    LocaleRecord rec{};
-    rec.charset_desc = records["cp437"].charset_desc;
-    LocaleHandle other{};
-    other.ctype = &rec;
-    s.locale = &other;
-    ASSERT_EQ(com_intl_will_xlate(&ctx, &s, &d, &m), CS_SUCCEED);
-    EXPECT_EQ(m, COM_XLT_MODE_COPY);
-    s.locale = &bare;
-    d.locale = &handles["iso_1"];
-    ASSERT_EQ(com_intl_will_xlate(&ctx, &s, &d, &m), CS_SUCCEED);
-    EXPECT_EQ(m, COM_XLT_MODE_COPY);
-    EXPECT_EQ(com_intl_will_xlate(&ctx, nullptr, &d, &m), CS_FAIL);
 }
 
 TEST_F(XlateLocales, DriverTranslatesThroughTheLocales) {

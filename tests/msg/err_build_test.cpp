@@ -1,4 +1,4 @@
-// Error message assembly: joining, truncation, origin 5, templates and the fallback chain.
+// Error message assembly: joining, truncation, origin 5, templates and failing allocations.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -124,42 +124,6 @@ TEST_F(BuildTest, TemplatesWithTwoAndThreeValuesInBothOrders) {
     EXPECT_EQ(build(h, kNum(2, 2), bad).text, "f: common library: usage error: Value %1! refused.");
     bad.count = 4;
     EXPECT_EQ(build(h, kNum(2, 2), bad).text, "f: common library: usage error: Value %1! refused.");
-}
-
-TEST_F(BuildTest, FallbackChain) {
-    // Unknown layer, origin and message: the file's own fallback texts.
-    EXPECT_EQ(build(h, COM_ERRNUM(9, 8, 7, 99), p).text,
-              "ct_convert(): file: no layer: file: no origin: file: no message");
-    const char *text;
-    EXPECT_EQ(com__get_failerr(&h.ctx, &h.ec, 77, &text), CS_SUCCEED);
-    EXPECT_STREQ(text, "bad default error number");
-    EXPECT_EQ(com__get_failerr(&h.ctx, &h.ec, 1, &text), CS_SUCCEED);
-    EXPECT_STREQ(text, "file: no memory");
-    // No file loaded for this name: the built-in texts.
-    MsgHome other("absent.loc");
-    EXPECT_EQ(build(other, COM_ERRNUM(9, 8, 7, 99), p).text,
-              "ct_convert(): unable to get layer message string: "
-              "unable to get origin message string: unable to get error string");
-    EXPECT_EQ(com__get_failerr(&other.ctx, &other.ec, 1, &text), CS_SUCCEED);
-    EXPECT_STREQ(text, "unable to get string due to lack of memory");
-}
-
-TEST_F(BuildTest, NamesFetchedEarlierSurviveEvictionByLaterLoads) {
-    // Fill the cache so that the layer name is the oldest entry: the origin and message
-    // loads that follow evict it while the message is being built.
-    std::string file = std::string(kFile);
-    for (int i = 100; i < 200; ++i)
-        file += std::to_string(i) + " = S, \"filler " + std::to_string(i) + "\"\n";
-    MsgHome full;
-    full.write(file);
-    ComErrKey pre[100] = {{2, 4}};
-    for (int i = 1; i < 100; ++i)
-        pre[i] = {7, 100 + i};
-    ASSERT_EQ(com_err_init(&full.ctx, &full.ec, kSections, 4, pre, 100), CS_SUCCEED);
-    ASSERT_EQ(full.count(), 100);
-    EXPECT_EQ(build(full, kNum(2, 2), p).text,
-              "ct_convert(): common library: usage error: Value %1! refused.");
-    EXPECT_EQ(full.cached(2, 4), nullptr);
 }
 
 TEST_F(BuildTest, FailingAllocationsLeaveTheTemplateOrTheMemoryText) {
