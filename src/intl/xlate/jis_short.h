@@ -5,9 +5,9 @@
 // A value of up to 32 bytes is read in place into two vectors. The bytes that may start a pair
 // (any byte from 80 in eucjis, 81-9F and E0-FC in sjis) come from compares; where they stand
 // together, the first of each run starts a pair, and every other one after it, which mask
-// arithmetic finds for the whole value at once (pair_leads). Every other character is then a
-// byte of its own, so the output position of each byte is its own position plus one for each
-// pair before it: the ASCII is spread to those positions 8 bytes at a time with one shuffle,
+// arithmetic finds for the whole value at once (pair_firsts, jis_windows.h). Every other character
+// is then a byte of its own, so the output position of each byte is its own position plus one for
+// each pair before it: the ASCII is spread to those positions 8 bytes at a time with one shuffle,
 // and a loop over the pairs alone looks up each pair's packed translation and stores it, its
 // position coming from the mask and a count rather than from the character before. Mixed ASCII
 // and kanji thus cost no branch at each change.
@@ -19,29 +19,6 @@
 #pragma once
 
 #ifdef COMN_XLT_SHUFFLE
-
-// The first bytes of the pairs among a value's bytes that may start one (bit j for byte j,
-// bits 32 and up clear): in each run of such bytes, its first byte and every other one after
-// it, since the byte before the run ends a character.
-constexpr uint64_t pair_leads(uint64_t may) {
-    constexpr uint64_t even = 0x5555555555555555ULL;
-    const uint64_t starts = may & ~(may << 1);
-    // Adding a run's first bit clears the run (the carry stops at the byte after it): what
-    // is left of the runs are those starting at an odd byte.
-    const uint64_t even_runs = may & ~(may + (starts & even));
-    return (even_runs & even) | (may & ~even_runs & ~even);
-}
-// The same as reading the bytes one at a time, for every mask of 12 bytes and its last
-// byte's neighbours.
-static_assert([] {
-    for (uint64_t may = 0; may < 1U << 12; ++may) {
-        uint64_t leads = 0;
-        for (int j = 0; j < 12; ++j)
-            if (may >> j & 1) leads |= uint64_t{1} << j++; // the byte after a lead is its own
-        if (pair_leads(may) != leads || pair_leads(may << 20) != leads << 20) return false;
-    }
-    return true;
-}());
 
 // What the routine below needs of a set, bytes FF in a vector where a test holds: the bytes
 // that may start a pair (framing: any byte from 80 in eucjis, 81-9F and E0-FC in sjis), the
@@ -144,7 +121,7 @@ template <class From>
         *consumed = *produced = n;
         return 0;
     }
-    const uint64_t leads = pair_leads(value_mask(P::may_lead(lo), P::may_lead(hi)));
+    const uint64_t leads = pair_firsts(value_mask(P::may_lead(lo), P::may_lead(hi)));
     // Each pair's second byte within the value, every byte from 80 part of a pair, and the
     // pairs' bytes of the kinds the table holds.
     const uint64_t trails = leads << 1;

@@ -34,6 +34,30 @@ namespace comn {
 constexpr int32_t k_euc_ascii = 128;
 constexpr int32_t k_euc_words = k_euc_ascii + 94 * 94;
 
+// The first bytes of the pairs in a mask of bytes that may start one (bit j for byte j; bit 0
+// starts a run, the byte before it having ended a character): in each run of such bytes, its
+// first byte and every other one after it. Adding a run's first bit clears the run (the carry
+// stops at the byte after it), which finds the runs that start at an odd position.
+constexpr uint64_t pair_firsts(uint64_t may) {
+    constexpr uint64_t even = 0x5555555555555555ULL;
+    const uint64_t starts = may & ~(may << 1);
+    const uint64_t odd_runs = may & ~(may + (starts & ~even));
+    return may & (even ^ odd_runs);
+}
+// The same as reading the bytes one at a time, for every mask of 12 bytes and its last
+// byte's neighbours.
+static_assert([] {
+    for (uint64_t may = 0; may < 1U << 12; ++may) {
+        uint64_t firsts = 0;
+        for (int j = 0; j < 12; ++j)
+            if (may >> j & 1) firsts |= uint64_t{1} << j++; // the byte after a first is its own
+        if (pair_firsts(may) != firsts || pair_firsts(may << 20) != firsts << 20 ||
+            pair_firsts(may << 52) != firsts << 52)
+            return false;
+    }
+    return true;
+}());
+
 #ifdef COMN_XLT_UTF8_WINDOWS
 
 // Bytes A1-FE of a window (high), and any byte from 80 that is not (bad), 16 bytes At on.
@@ -55,16 +79,6 @@ template <int At>
     }
     (std::make_integer_sequence<int, k_window / 16>{});
     return _mm_movemask_epi8(bad) == 0;
-}
-
-// The first bytes of pairs in the mask of bytes A1-FE: in each run, every other byte from the
-// run's first (bit 0 starts a run: the window starts on a character). A run that starts at an
-// odd position is found by adding its first bit, which carries through the run and clears it.
-constexpr uint64_t euc_pair_firsts(uint64_t high) {
-    constexpr uint64_t even = 0x5555555555555555ULL;
-    const uint64_t firsts_of_runs = high & ~(high << 1);
-    const uint64_t odd_runs = high & ~(high + (firsts_of_runs & ~even));
-    return high & (even ^ odd_runs);
 }
 
 // The bits set in x, without a library call where the processor's count is not assumed.
@@ -130,7 +144,7 @@ struct EucWindows {
 
     [[gnu::always_inline]] bool simple(const uint8_t *p) {
         if (!euc_window_bytes(p, bytes)) return false;
-        firsts = euc_pair_firsts(bytes);
+        firsts = pair_firsts(bytes);
         seconds = bytes & ~firsts;
         return seconds == firsts << 1; // no run of odd length ends inside
     }

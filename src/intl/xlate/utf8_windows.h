@@ -70,16 +70,14 @@ template <int At>
     odd = _mm_or_si128(odd, _mm_cmpeq_epi8(_mm_max_epu8(v, bytes(0xF0)), v));
 }
 
-// The masks of the first Bytes bytes at w (a multiple of 16, at most k_window).
-template <int Bytes = k_window>
+// The masks of the window at w.
 [[gnu::always_inline]] inline Window window_masks(const uint8_t *w) {
-    static_assert(Bytes % 16 == 0 && Bytes <= k_window);
     Window win;
     __m128i odd = _mm_setzero_si128();
     [&]<int... G>(std::integer_sequence<int, G...>) {
         (window_group_masks<G * 16>(w, win, odd), ...);
     }
-    (std::make_integer_sequence<int, Bytes / 16>{});
+    (std::make_integer_sequence<int, k_window / 16>{});
     win.lead = win.high & ~win.cont;
     win.lead3 &= win.lead;
     win.odd = _mm_movemask_epi8(odd) != 0;
@@ -111,12 +109,11 @@ template <int At>
     _mm_store_si128(reinterpret_cast<__m128i *>(code + At + 8), _mm_unpackhi_epi8(below, above));
 }
 
-template <int Bytes = k_window>
 [[gnu::always_inline]] inline void window_codes(const uint8_t *w, uint16_t *code) {
     [&]<int... G>(std::integer_sequence<int, G...>) {
         (window_group_codes<G * 16>(w, code), ...);
     }
-    (std::make_integer_sequence<int, Bytes / 16>{});
+    (std::make_integer_sequence<int, k_window / 16>{});
 }
 
 // Whether the masks are of the simplest well-formed text: each lead's continuation bytes, and

@@ -1131,6 +1131,13 @@ template <class Dir>
     a = t;
 }
 
+// Whether a value of n bytes is short (up to limit) and the room of m bytes takes its longest
+// translation, which the short-value paths need.
+template <class Dir>
+constexpr bool short_fits(int32_t n, int32_t m, int32_t limit) {
+    return n > 0 && n <= limit && int64_t{m} * 2 >= int64_t{n} * growth_x2<Dir>;
+}
+
 // A converter: a short value through local buffers when the room takes its longest
 // translation, else the fast loop while far from both ends, then the careful loop.
 template <class Dir>
@@ -1138,7 +1145,7 @@ template <class Dir>
                                          int32_t dstlen, int32_t *consumed, int32_t *produced) {
     const int32_t n = std::max(srclen, 0), m = std::max(dstlen, 0);
     At a;
-    if (k_packed && n > 0 && n <= k_short && int64_t{m} * 2 >= int64_t{n} * growth_x2<Dir>) {
+    if (k_packed && short_fits<Dir>(n, m, k_short)) {
         short_value<Dir>(src, n, dst, a);
     } else {
         if (k_packed && n > k_src_margin && m > k_dst_margin)
@@ -1183,14 +1190,12 @@ int32_t translate(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstl
                   int32_t *consumed, int32_t *produced) {
 #if defined(COMN_XLT_SHUFFLE) && defined(COMN_XLT_UTF8_WINDOWS)
     if constexpr (window_words<Dir> != nullptr)
-        if (srclen > 0 && srclen <= k_window_value &&
-            int64_t{dstlen} * 2 >= int64_t{srclen} * growth_x2<Dir> && k_avx2)
+        if (short_fits<Dir>(srclen, dstlen, k_window_value) && k_avx2)
             return window_value<Dir>(src, srclen, dst, dstlen, consumed, produced);
 #endif
 #ifdef COMN_XLT_SHUFFLE
     if constexpr (requires { requires k_pairs_short<typename Dir::From>; })
-        if (k_packed && srclen > 0 && srclen <= k_pairs_value &&
-            int64_t{dstlen} * 2 >= int64_t{srclen} * growth_x2<Dir> && has_shuffle())
+        if (k_packed && short_fits<Dir>(srclen, dstlen, k_pairs_value) && has_shuffle())
             return pairs_short_to_utf8<typename Dir::From>(src, srclen, dst, dstlen, consumed,
                                                            produced);
 #endif
