@@ -8,6 +8,8 @@
 
 #include <comnlib/intl.h>
 
+#include "intl/ctype/charattr_internal.h"
+
 #include <array>
 #include <cstddef>
 
@@ -38,7 +40,7 @@ inline const ComXltCell *xlate_cell(int32_t src_id, int32_t dst_id) {
 inline int32_t record_csid(const LocaleRecord *rec) {
     if (rec != nullptr && rec->charset_desc != nullptr && rec->charset_desc->attr != nullptr)
         return rec->charset_desc->attr->xlate_id;
-    return com_get_charattrib()->xlate_id;
+    return Iso1_attrib.xlate_id;
 }
 
 struct XltPair {

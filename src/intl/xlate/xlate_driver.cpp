@@ -44,32 +44,18 @@ void set_varchar_len(const DataFormat *fmt, void *v, int32_t len) {
     std::memcpy(v, &l16, sizeof l16);
 }
 
-// The driver proper, inlined into the public entry point, which runs once per value.
-[[gnu::always_inline]] inline int32_t run(int32_t mode, ComXlateFunc func, const DataFormat *srcfmt,
-                                          const void *src, const DataFormat *destfmt, void *dest,
-                                          int32_t *outlen, int32_t *state) {
-    if (mode == COM_XLT_MODE_NONE || (mode != COM_XLT_MODE_COPY && func == nullptr)) {
-        state[0] = state[1] = 0;
-        *outlen = 0;
-        return CS_CONV_NOXLT;
-    }
+// A value through its converter: the path of every value whose sets differ. The public entry
+// point resolves the pair without a call and jumps here, so that only this routine's few
+// registers (the state words, the length and the varchar length word, kept across the
+// converter's call) are saved per value.
+[[gnu::noinline]] int32_t convert(ComXlateFunc func, const DataFormat *srcfmt, const void *src,
+                                  const DataFormat *destfmt, void *dest, int32_t *outlen,
+                                  int32_t *state) {
     const Text in = source_text(srcfmt, src);
     const Text out = dest_text(destfmt, dest);
-
-    if (mode == COM_XLT_MODE_COPY) {
-        const int32_t count = std::min(in.len, out.len);
-        *outlen = count;
-        state[0] = count;
-        // The copy starts at the source address as given, so a CS_VARCHAR source is copied
-        // from its length word on, not from its text. Callers rely on that offset being kept.
-        if (in.p != out.p) std::memmove(out.p, src, static_cast<size_t>(count));
-        set_varchar_len(destfmt, dest, state[0]);
-        return count < in.len ? CS_CONV_OVERFLOW : CS_SUCCEED;
-    }
-
     // The length word tells the bytes written, which is what the destination holds; they
     // differ from the bytes taken for the test set's converter and for translation to or
-    // from utf8. Where it goes is settled before the call, so that less is kept across it.
+    // from utf8.
     auto *len_word = destfmt->datatype == CS_VARCHAR ? static_cast<int16_t *>(dest) : nullptr;
     const int32_t bits = func(in.p, in.len, out.p, out.len, &state[0], &state[1]);
     const int32_t made = state[1];
@@ -83,9 +69,26 @@ void set_varchar_len(const DataFormat *fmt, void *v, int32_t len) {
 
 } // namespace
 
+// Any mode: no translation, a copy (the sets are the same), or a converter.
 int32_t xlate_run(int32_t mode, ComXlateFunc func, const DataFormat *srcfmt, const void *src,
                   const DataFormat *destfmt, void *dest, int32_t *outlen, int32_t *state) {
-    return run(mode, func, srcfmt, src, destfmt, dest, outlen, state);
+    if (mode == COM_XLT_MODE_NONE || (mode != COM_XLT_MODE_COPY && func == nullptr)) {
+        state[0] = state[1] = 0;
+        *outlen = 0;
+        return CS_CONV_NOXLT;
+    }
+    if (mode != COM_XLT_MODE_COPY) [[likely]]
+        return convert(func, srcfmt, src, destfmt, dest, outlen, state);
+    const Text in = source_text(srcfmt, src);
+    const Text out = dest_text(destfmt, dest);
+    const int32_t count = std::min(in.len, out.len);
+    *outlen = count;
+    state[0] = count;
+    // The copy starts at the source address as given, so a CS_VARCHAR source is copied from
+    // its length word on, not from its text. Callers rely on that offset being kept.
+    if (in.p != out.p) std::memmove(out.p, src, static_cast<size_t>(count));
+    set_varchar_len(destfmt, dest, state[0]);
+    return count < in.len ? CS_CONV_OVERFLOW : CS_SUCCEED;
 }
 
 } // namespace comn
@@ -97,7 +100,9 @@ COMN_API int32_t com_intl_xlate(ComContext *ctx, DataFormat *srcfmt, void *src, 
     if (srcfmt == nullptr || destfmt == nullptr || outlen == nullptr || state == nullptr)
         return CS_FAIL;
     const comn::XltPair p = comn::xlate_resolve(ctx, srcfmt, destfmt);
-    return comn::run(p.mode, p.func, srcfmt, src, destfmt, dest, outlen, state);
+    if (p.mode > COM_XLT_MODE_COPY && p.func != nullptr) [[likely]]
+        return comn::convert(p.func, srcfmt, src, destfmt, dest, outlen, state);
+    return comn::xlate_run(p.mode, p.func, srcfmt, src, destfmt, dest, outlen, state);
 }
 
 COMN_API int32_t comb__intl_xlate(ComContext *ctx, DataFormat *srcfmt, void *src,
