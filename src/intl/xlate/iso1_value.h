@@ -23,9 +23,9 @@ constexpr int32_t k_iso1_value = 32; // longest value taken
 
 // The vector constants, 32 bytes each: all one byte but the last, which adds 8 to the first 8
 // bytes of each half and 80 to the others.
-enum Iso1Const { c_bf, c_c2, c_c3, c_fe, c_40, c_7f, c_second8, c_count };
+enum Iso1Const { c_bf, c_c0, c_c2, c_c3, c_fe, c_40, c_7f, c_second8, c_count };
 alignas(32) constexpr auto Iso1_consts = [] {
-    constexpr uint8_t fill[] = {0xBF, 0xC2, 0xC3, 0xFE, 0x40, 0x7F};
+    constexpr uint8_t fill[] = {0xBF, 0xC0, 0xC2, 0xC3, 0xFE, 0x40, 0x7F};
     std::array<std::array<uint8_t, 32>, c_count> t{};
     for (size_t k = 0; k < t.size(); ++k)
         for (size_t j = 0; j < 32; ++j)
@@ -63,16 +63,17 @@ alignas(32) constexpr auto Iso1_consts = [] {
     return _mm_or_si128(shift_down(a, ka + kb - 16), shift_up(b, 16 - kb));
 }
 
-// Writes o bytes, o in [0, 32], whose first 16 are front and last 16 those of back (when o
-// is 16 or more: two stores that overlap).
+// Writes o bytes, o in [16, 32], whose first 16 are front and last 16 back: two stores that
+// overlap.
 [[COMN_XLT_ISO1_AVX2]] inline void store_ends(uint8_t *dst, int32_t o, __m128i front,
                                               __m128i back) {
-    if (o >= 16) {
-        _mm_storeu_si128(reinterpret_cast<__m128i *>(dst), front);
-        _mm_storeu_si128(reinterpret_cast<__m128i *>(dst + o - 16), back);
-    } else {
-        store_value(dst, o, front, _mm_setzero_si128());
-    }
+    _mm_storeu_si128(reinterpret_cast<__m128i *>(dst), front);
+    _mm_storeu_si128(reinterpret_cast<__m128i *>(dst + o - 16), back);
+}
+
+// The o bytes at the front of v, o in [0, 16), stored exactly.
+[[COMN_XLT_ISO1_AVX2]] inline void store_front(uint8_t *dst, int32_t o, __m128i v) {
+    store_value(dst, o, v, _mm_setzero_si128());
 }
 
 // The 16 bytes at lo, then the 16 at hi.
@@ -124,9 +125,12 @@ alignas(32) constexpr auto Iso1_consts = [] {
     const int32_t k_head = 8 + std::popcount(high & 0xFF),
                   k_tail = 8 + std::popcount(high >> 16 & 0xFF);
     const __m128i front = front16(_mm256_castsi256_si128(g0), k_head, _mm256_castsi256_si128(g1));
-    store_ends(dst, o, front,
-               back16(_mm256_extracti128_si256(g0, 1), k_tail, _mm256_extracti128_si256(g1, 1),
-                      8 + std::popcount(high >> 24)));
+    if (o < 16)
+        store_front(dst, o, front);
+    else
+        store_ends(dst, o, front,
+                   back16(_mm256_extracti128_si256(g0, 1), k_tail, _mm256_extracti128_si256(g1, 1),
+                          8 + std::popcount(high >> 24)));
     return true;
 }
 
@@ -141,7 +145,7 @@ alignas(32) constexpr auto Iso1_consts = [] {
     const __m256i v = _mm256_set_m128i(hi, lo);
     const uint8_t *c = iso1_consts();
     const uint64_t high = mask256(v);
-    const uint64_t cont = ~mask256(_mm256_cmpgt_epi8(v, const256(c, c_bf))) & 0xFFFFFFFF;
+    const uint64_t cont = mask256(_mm256_cmpgt_epi8(const256(c, c_c0), v)); // signed: 80-BF
     const uint64_t lead =
         mask256(_mm256_cmpeq_epi8(_mm256_and_si256(v, const256(c, c_fe)), const256(c, c_c2)));
     // Every byte from 80 a lead followed by its continuation (a lead at the value's end has
@@ -167,10 +171,14 @@ alignas(32) constexpr auto Iso1_consts = [] {
     const __m256i packed = _mm256_shuffle_epi8(val, ctrl);
     const __m128i a = _mm256_castsi256_si128(packed), b = _mm256_extracti128_si256(packed, 1);
     // The first half's bytes kept (the 00s after a value of under 16 bytes among them), and
-    // the bytes produced (the last 16 are asked for only when there are 16).
+    // the bytes produced.
     const int32_t ka = 16 - std::popcount(lead & 0xFFFF), o = n - std::popcount(lead);
     *produced = o;
-    store_ends(dst, o, front16(a, ka, b), back16(a, ka, b, std::max(o - ka, 0)));
+    const __m128i front = front16(a, ka, b);
+    if (o < 16)
+        store_front(dst, o, front);
+    else
+        store_ends(dst, o, front, back16(a, ka, b, o - ka));
     return true;
 }
 
