@@ -71,9 +71,18 @@ alignas(32) constexpr auto Iso1_consts = [] {
     _mm_storeu_si128(reinterpret_cast<__m128i *>(dst + o - 16), back);
 }
 
-// The o bytes at the front of v, o in [0, 16), stored exactly.
+// The o bytes at the front of v, o in [0, 16), stored exactly: the last few from a register,
+// since a buffer in memory (as store_value has) would make these routines realign the stack.
 [[COMN_XLT_ISO1_AVX2]] inline void store_front(uint8_t *dst, int32_t o, __m128i v) {
-    store_value(dst, o, v, _mm_setzero_si128());
+    if (o >= 8) {
+        _mm_storel_epi64(reinterpret_cast<__m128i *>(dst), v);
+        _mm_storel_epi64(reinterpret_cast<__m128i *>(dst + o - 8), shift_down(v, o - 8));
+        return;
+    }
+    const auto w = static_cast<uint64_t>(_mm_cvtsi128_si64(v));
+    store_upto8(dst, o, [&]<class W>(W) {
+        return std::pair{static_cast<W>(w), static_cast<W>(w >> 8 * (o - sizeof(W)))};
+    });
 }
 
 // The 16 bytes at lo, then the 16 at hi.

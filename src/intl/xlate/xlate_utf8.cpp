@@ -31,6 +31,7 @@
 #include <bit>
 #include <cstring>
 #include <type_traits>
+#include <utility>
 #ifdef __SSE2__
 #include <emmintrin.h>
 #endif
@@ -519,22 +520,32 @@ template <class Usual, class Step>
     to = static_cast<int32_t>(o);
 }
 
-// Copies k bytes, k in [0, 8], with at most two stores of each width: the ASCII ahead of a
-// character, which must not spill past the bytes produced.
-[[gnu::always_inline]] inline void copy_upto8(const uint8_t *from, uint8_t *to, int32_t k) {
+// Stores k bytes, k in [0, 8], as two stores of one width that may overlap, so that nothing
+// lands past them: ends(W) gives the words of type W of their first and of their last bytes.
+template <class Ends>
+[[gnu::always_inline]] inline void store_upto8(uint8_t *to, int32_t k, Ends ends) {
     auto two = [&]<class W>(W) {
-        W lo, hi;
-        std::memcpy(&lo, from, sizeof lo);
-        std::memcpy(&hi, from + k - sizeof hi, sizeof hi);
-        std::memcpy(to, &lo, sizeof lo);
-        std::memcpy(to + k - sizeof hi, &hi, sizeof hi);
+        const auto [first, last] = ends(W{});
+        std::memcpy(to, &first, sizeof first);
+        std::memcpy(to + k - sizeof last, &last, sizeof last);
     };
     if (k >= 4)
         two(uint32_t{});
     else if (k >= 2)
         two(uint16_t{});
     else if (k == 1)
-        to[0] = from[0];
+        two(uint8_t{});
+}
+
+// Copies k bytes, k in [0, 8], with at most two stores of each width: the ASCII ahead of a
+// character, which must not spill past the bytes produced.
+[[gnu::always_inline]] inline void copy_upto8(const uint8_t *from, uint8_t *to, int32_t k) {
+    store_upto8(to, k, [&]<class W>(W) {
+        W first, last;
+        std::memcpy(&first, from, sizeof first);
+        std::memcpy(&last, from + k - sizeof last, sizeof last);
+        return std::pair{first, last};
+    });
 }
 
 // Where a translation stands: source and destination positions and result bits so far.
@@ -747,19 +758,9 @@ template <auto Block>
         _mm_storel_epi64(reinterpret_cast<__m128i *>(p), lo);
         _mm_storel_epi64(reinterpret_cast<__m128i *>(p + k - 8), shift_down(lo, k - 8));
     } else {
-        // From a register: a buffer in memory would make AVX callers realign their stack.
-        const auto w = static_cast<uint64_t>(_mm_cvtsi128_si64(lo));
-        auto two = [&]<class W>(W) {
-            const auto first = static_cast<W>(w), last = static_cast<W>(w >> 8 * (k - sizeof(W)));
-            std::memcpy(p, &first, sizeof first);
-            std::memcpy(p + k - sizeof last, &last, sizeof last);
-        };
-        if (k >= 4)
-            two(uint32_t{});
-        else if (k >= 2)
-            two(uint16_t{});
-        else if (k == 1)
-            p[0] = static_cast<uint8_t>(w);
+        uint8_t w[8]; // read back whole from the one store that wrote it
+        _mm_storel_epi64(reinterpret_cast<__m128i *>(w), lo);
+        copy_upto8(w, p, k);
     }
 }
 
