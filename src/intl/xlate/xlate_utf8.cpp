@@ -31,6 +31,7 @@
 #include <bit>
 #include <cstring>
 #include <type_traits>
+#include <utility>
 #ifdef __SSE2__
 #include <emmintrin.h>
 #endif
@@ -519,22 +520,32 @@ template <class Usual, class Step>
     to = static_cast<int32_t>(o);
 }
 
-// Copies k bytes, k in [0, 8], with at most two stores of each width: the ASCII ahead of a
-// character, which must not spill past the bytes produced.
-[[gnu::always_inline]] inline void copy_upto8(const uint8_t *from, uint8_t *to, int32_t k) {
+// Stores k bytes, k in [0, 8], as two stores of one width that may overlap, so that nothing
+// lands past them: ends(W) gives the words of type W of their first and of their last bytes.
+template <class Ends>
+[[gnu::always_inline]] inline void store_upto8(uint8_t *to, int32_t k, Ends ends) {
     auto two = [&]<class W>(W) {
-        W lo, hi;
-        std::memcpy(&lo, from, sizeof lo);
-        std::memcpy(&hi, from + k - sizeof hi, sizeof hi);
-        std::memcpy(to, &lo, sizeof lo);
-        std::memcpy(to + k - sizeof hi, &hi, sizeof hi);
+        const auto [first, last] = ends(W{});
+        std::memcpy(to, &first, sizeof first);
+        std::memcpy(to + k - sizeof last, &last, sizeof last);
     };
     if (k >= 4)
         two(uint32_t{});
     else if (k >= 2)
         two(uint16_t{});
     else if (k == 1)
-        to[0] = from[0];
+        two(uint8_t{});
+}
+
+// Copies k bytes, k in [0, 8], with at most two stores of each width: the ASCII ahead of a
+// character, which must not spill past the bytes produced.
+[[gnu::always_inline]] inline void copy_upto8(const uint8_t *from, uint8_t *to, int32_t k) {
+    store_upto8(to, k, [&]<class W>(W) {
+        W first, last;
+        std::memcpy(&first, from, sizeof first);
+        std::memcpy(&last, from + k - sizeof last, sizeof last);
+        return std::pair{first, last};
+    });
 }
 
 // Where a translation stands: source and destination positions and result bits so far.
@@ -613,12 +624,11 @@ constexpr auto Shift_window = [] {
 // utf8 to iso_1 over the 16 bytes v when they hold ASCII and whole characters C2/C3 80-BF
 // (a lead in the last byte is left for the next block): their translation packed at the
 // front of out, width bytes taken, made bytes given; false for any other block. A block of
-// ASCII alone is taken apart first when Ascii_test, else like any other.
-template <bool Ascii_test = true>
+// ASCII alone is taken apart first.
 [[gnu::target("ssse3,popcnt"), gnu::always_inline]] inline bool
 iso1_from_utf8_v(__m128i v, __m128i &out, uint32_t &width, uint32_t &made) {
     const auto high = static_cast<uint32_t>(_mm_movemask_epi8(v));
-    if (Ascii_test && high == 0) {
+    if (high == 0) {
         out = v;
         width = made = k_block;
         return true;
@@ -752,54 +762,6 @@ template <auto Block>
         _mm_storel_epi64(reinterpret_cast<__m128i *>(w), lo);
         copy_upto8(w, p, k);
     }
-}
-
-// A value of up to 32 bytes between iso_1 and utf8 whose longest translation fits the room,
-// in registers: read in place, translated as at most two blocks, written exactly. false,
-// having written nothing, when it is not ASCII and whole characters of both sets (the caller
-// then takes the general path, which sorts out the rest).
-[[gnu::target("ssse3,popcnt")]] bool iso1_short_from_utf8(const uint8_t *src, int32_t n,
-                                                          uint8_t *dst, At &a) {
-    __m128i lo, hi, first, second = _mm_setzero_si128();
-    load_value(src, n, lo, hi);
-    uint32_t took, made, took2 = 0, made2 = 0;
-    if (!iso1_from_utf8_v<false>(lo, first, took, made)) return false;
-    if (n > static_cast<int32_t>(took)) {
-        // The rest starts at the first block's end (byte 15 when a character crosses it).
-        const __m128i rest = took == k_block ? hi : _mm_alignr_epi8(hi, lo, k_block - 1);
-        if (!iso1_from_utf8_v<false>(rest, second, took2, made2) ||
-            static_cast<int32_t>(took + took2) < n)
-            return false; // a character cut by the value's end, or more than 16 bytes left
-    }
-    // The bytes 00 after the value were taken as ASCII, a byte each at the end: not kept.
-    const auto k = static_cast<int32_t>(made);
-    const int32_t o = k + static_cast<int32_t>(made2) - (static_cast<int32_t>(took + took2) - n);
-    store_value(dst, o, _mm_or_si128(first, shift_up(second, k)), shift_down(second, k_block - k));
-    a.i = n;
-    a.o = o;
-    return true;
-}
-
-[[gnu::target("ssse3,popcnt")]] bool iso1_short_to_utf8(const uint8_t *src, int32_t n, uint8_t *dst,
-                                                        At &a) {
-    __m128i half[2];
-    load_value(src, n, half[0], half[1]);
-    int32_t o = 0;
-    for (int32_t h = 0; h < 2 && h * k_block < n; ++h) {
-        // Each half's bytes 00 after the value's end come last and give a byte each.
-        const int32_t len = std::min(n - h * k_block, k_block);
-        const auto high = static_cast<uint32_t>(_mm_movemask_epi8(half[h]));
-        const int32_t made = len + std::popcount(high);
-        // No test for a half of ASCII alone, which a value of mixed text makes hard to predict.
-        __m128i lo, hi;
-        iso1_to_utf8_v(half[h], high, lo, hi);
-        const int32_t k = 8 + std::popcount(high & 0xFF);
-        store_value(dst + o, made, _mm_or_si128(lo, shift_up(hi, k)), shift_down(hi, k_block - k));
-        o += made;
-    }
-    a.i = n;
-    a.o = o;
-    return true;
 }
 
 #endif
@@ -1087,9 +1049,9 @@ void careful(const uint8_t *src, int32_t n, uint8_t *dst, int32_t m, At &a) {
     std::memcpy(p + 8, &w, sizeof w);
 }
 
-// A short value whose longest translation fits the room (n in [1, k_short]). Between iso_1
-// and utf8, a value of up to 32 bytes goes through registers where it can. Otherwise in local
-// buffers: a value of ASCII alone is the same in every set and is copied once; between
+// A short value whose longest translation fits the room (n in [1, k_short]), in local
+// buffers (a value between iso_1 and utf8 of up to 32 bytes has tried registers first, in
+// iso1_value): a value of ASCII alone is the same in every set and is copied once; between
 // iso_1 and utf8 the blocks run over the value and bytes 00 after it (ASCII, so they come
 // last and give a byte each, and no character reaches into them: a lead byte before them is
 // a cut character, which the blocks leave), and the bytes of the 00s are taken back; the
@@ -1097,13 +1059,6 @@ void careful(const uint8_t *src, int32_t n, uint8_t *dst, int32_t m, At &a) {
 // copied out exactly.
 template <class Dir>
 [[gnu::always_inline]] inline void short_value(const uint8_t *src, int32_t n, uint8_t *dst, At &a) {
-#ifdef COMN_XLT_SHUFFLE
-    if constexpr (iso1_block<Dir> != nullptr) {
-        constexpr auto in_registers =
-            iso1_block<Dir> == iso1_to_utf8_block ? iso1_short_to_utf8 : iso1_short_from_utf8;
-        if (n <= 2 * k_block && has_shuffle() && in_registers(src, n, dst, a)) return;
-    }
-#endif
     uint8_t in[k_short + k_pad], out[k_short * 3 + k_pad];
     if ((copy_short(src, in, n) & 0x8080808080808080ULL) == 0) {
         copy_short(in, dst, n);
@@ -1157,6 +1112,7 @@ template <class Dir>
     return (a.full ? COM_XLT_TRUNCATED : 0) | (a.bad ? COM_XLT_BADCHAR : 0);
 }
 
+#include "iso1_value.h"
 #include "jis_short.h"
 
 #if defined(COMN_XLT_SHUFFLE) && defined(COMN_XLT_UTF8_WINDOWS)
@@ -1182,7 +1138,8 @@ template <class Dir>
 #endif
 
 // A converter. A utf8 value of up to 32 bytes into a set of the windows goes to window_value
-// where the processor has AVX2, and an eucjis or sjis value of up to 32 bytes into utf8 to
+// and a value of up to 32 bytes between iso_1 and utf8 to iso1_value where the processor has
+// AVX2, and an eucjis or sjis value of up to 32 bytes into utf8 to
 // pairs_short_to_utf8, ahead of the frame of translate_text (its local buffers), which costs
 // about as much as translating such a value.
 template <class Dir>
@@ -1194,6 +1151,9 @@ int32_t translate(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstl
             return window_value<Dir>(src, srclen, dst, dstlen, consumed, produced);
 #endif
 #ifdef COMN_XLT_SHUFFLE
+    if constexpr (iso1_block<Dir> != nullptr)
+        if (short_fits<Dir>(srclen, dstlen, k_iso1_value) && k_avx2)
+            return iso1_value<Dir>(src, srclen, dst, dstlen, consumed, produced);
     if constexpr (requires { requires k_pairs_short<typename Dir::From>; })
         if (k_packed && short_fits<Dir>(srclen, dstlen, k_pairs_value) && has_shuffle())
             return pairs_short_to_utf8<typename Dir::From>(src, srclen, dst, dstlen, consumed,
