@@ -1137,10 +1137,10 @@ template <class Dir>
 }
 #endif
 
-// A converter. A utf8 value of up to 32 bytes into a set of the windows goes to window_value
-// and a value of up to 32 bytes between iso_1 and utf8 to iso1_value where the processor has
-// AVX2, and an eucjis or sjis value of up to 32 bytes into utf8 to
-// pairs_short_to_utf8, ahead of the frame of translate_text (its local buffers), which costs
+// A converter. Where the processor has AVX2, a utf8 value of up to 32 bytes into a set of the
+// windows goes to window_value, an eucjis or sjis value of up to 32 bytes into utf8 to
+// pairs_short_to_utf8 and a value of up to 32 bytes between iso_1 and utf8 to iso1_value,
+// ahead of the frame of translate_text (its local buffers), which costs
 // about as much as translating such a value.
 template <class Dir>
 int32_t translate(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstlen,
@@ -1149,15 +1149,15 @@ int32_t translate(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstl
     if constexpr (window_words<Dir> != nullptr)
         if (short_fits<Dir>(srclen, dstlen, k_window_value) && k_avx2)
             return window_value<Dir>(src, srclen, dst, dstlen, consumed, produced);
+    if constexpr (requires { requires k_pairs_short<typename Dir::From>; })
+        if (k_packed && short_fits<Dir>(srclen, dstlen, k_pairs_value) && k_avx2)
+            return pairs_short_to_utf8<typename Dir::From>(src, srclen, dst, dstlen, consumed,
+                                                           produced);
 #endif
 #ifdef COMN_XLT_SHUFFLE
     if constexpr (iso1_block<Dir> != nullptr)
         if (short_fits<Dir>(srclen, dstlen, k_iso1_value) && k_avx2)
             return iso1_value<Dir>(src, srclen, dst, dstlen, consumed, produced);
-    if constexpr (requires { requires k_pairs_short<typename Dir::From>; })
-        if (k_packed && short_fits<Dir>(srclen, dstlen, k_pairs_value) && has_shuffle())
-            return pairs_short_to_utf8<typename Dir::From>(src, srclen, dst, dstlen, consumed,
-                                                           produced);
 #endif
     return translate_text<Dir>(src, srclen, dst, dstlen, consumed, produced);
 }
