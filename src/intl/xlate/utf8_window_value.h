@@ -138,7 +138,12 @@ constexpr auto Pack_words = [] {
         const __m128i out = _mm_shuffle_epi8(
             w, _mm_load_si128(reinterpret_cast<const __m128i *>(Pack_words[two].b)));
         const int32_t made = std::min(left, k_round) + std::popcount(two);
-        store_value(q, made, out, _mm_setzero_si128());
+        if (made >= 8) { // the usual case, [8, 16]: two stores that overlap
+            _mm_storel_epi64(reinterpret_cast<__m128i *>(q), out);
+            _mm_storel_epi64(reinterpret_cast<__m128i *>(q + made - 8), shift_down(out, made - 8));
+        } else {
+            store_value(q, made, out, _mm_setzero_si128());
+        }
         q += made;
         left -= k_round;
     } while (left > 0);
