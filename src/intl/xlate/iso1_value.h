@@ -15,14 +15,11 @@
 #pragma once
 
 #ifdef COMN_XLT_SHUFFLE
-#include <immintrin.h>
 
 constexpr int32_t k_iso1_value = 32; // longest value taken
 
-#define COMN_XLT_ISO1_AVX2 gnu::target("avx2,bmi,bmi2,popcnt"), gnu::always_inline
-
 // The vector constants, 32 bytes each: all one byte but the last, which adds 8 to the first 8
-// bytes of each half and 80 to the others.
+// bytes of each half and 80 to the others. Read through unseen.
 enum Iso1Const { c_bf, c_c0, c_c2, c_c3, c_fe, c_40, c_7f, c_second8, c_count };
 alignas(32) constexpr auto Iso1_consts = [] {
     constexpr uint8_t fill[] = {0xBF, 0xC0, 0xC2, 0xC3, 0xFE, 0x40, 0x7F};
@@ -33,47 +30,32 @@ alignas(32) constexpr auto Iso1_consts = [] {
     return t;
 }();
 
-// Where the constants are read: through a pointer the compiler does not follow, so that they
-// come from memory as operands, where it would otherwise build each one from an immediate in
-// two or three instructions.
-[[gnu::always_inline]] inline const uint8_t *iso1_consts() {
-    const uint8_t *p = Iso1_consts[0].data();
-    asm("" : "+r"(p));
-    return p;
-}
-
-[[COMN_XLT_ISO1_AVX2]] inline __m256i const256(const uint8_t *c, Iso1Const k) {
+[[COMN_XLT_AVX2]] inline __m256i const256(const uint8_t *c, Iso1Const k) {
     return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(c + 32 * k));
-}
-
-// The bits 0x80 of the 32 bytes x, 64 bits wide.
-[[COMN_XLT_ISO1_AVX2]] inline uint64_t mask256(__m256i x) {
-    return uint64_t{static_cast<uint32_t>(_mm256_movemask_epi8(x))};
 }
 
 // The first 16 bytes of the k bytes at the front of a followed by the bytes of b (a's bytes
 // after its k are 00, k in [0, 16]).
-[[COMN_XLT_ISO1_AVX2]] inline __m128i front16(__m128i a, int32_t k, __m128i b) {
+[[COMN_XLT_AVX2]] inline __m128i front16(__m128i a, int32_t k, __m128i b) {
     return _mm_or_si128(a, shift_up(b, k));
 }
 
 // The last 16 bytes of the ka bytes at the front of a followed by the kb bytes at the front of
 // b (the bytes after them 00, ka and kb in [0, 16], ka + kb >= 16).
-[[COMN_XLT_ISO1_AVX2]] inline __m128i back16(__m128i a, int32_t ka, __m128i b, int32_t kb) {
+[[COMN_XLT_AVX2]] inline __m128i back16(__m128i a, int32_t ka, __m128i b, int32_t kb) {
     return _mm_or_si128(shift_down(a, ka + kb - 16), shift_up(b, 16 - kb));
 }
 
 // Writes o bytes, o in [16, 32], whose first 16 are front and last 16 back: two stores that
 // overlap.
-[[COMN_XLT_ISO1_AVX2]] inline void store_ends(uint8_t *dst, int32_t o, __m128i front,
-                                              __m128i back) {
+[[COMN_XLT_AVX2]] inline void store_ends(uint8_t *dst, int32_t o, __m128i front, __m128i back) {
     _mm_storeu_si128(reinterpret_cast<__m128i *>(dst), front);
     _mm_storeu_si128(reinterpret_cast<__m128i *>(dst + o - 16), back);
 }
 
 // The o bytes at the front of v, o in [0, 16), stored exactly: the last few from a register,
 // since a buffer in memory (as store_value has) would make these routines realign the stack.
-[[COMN_XLT_ISO1_AVX2]] inline void store_front(uint8_t *dst, int32_t o, __m128i v) {
+[[COMN_XLT_AVX2]] inline void store_front(uint8_t *dst, int32_t o, __m128i v) {
     if (o >= 8) {
         _mm_storel_epi64(reinterpret_cast<__m128i *>(dst), v);
         _mm_storel_epi64(reinterpret_cast<__m128i *>(dst + o - 8), shift_down(v, o - 8));
@@ -86,13 +68,13 @@ alignas(32) constexpr auto Iso1_consts = [] {
 }
 
 // The 16 bytes at lo, then the 16 at hi.
-[[COMN_XLT_ISO1_AVX2]] inline __m256i load2x16(const uint8_t *lo, const uint8_t *hi) {
+[[COMN_XLT_AVX2]] inline __m256i load2x16(const uint8_t *lo, const uint8_t *hi) {
     return _mm256_set_m128i(_mm_loadu_si128(reinterpret_cast<const __m128i *>(hi)),
                             _mm_loadu_si128(reinterpret_cast<const __m128i *>(lo)));
 }
 
 // The 8 bytes at lo, 00s, the 8 bytes at hi, 00s.
-[[COMN_XLT_ISO1_AVX2]] inline __m256i load2x8(const uint8_t *lo, const uint8_t *hi) {
+[[COMN_XLT_AVX2]] inline __m256i load2x8(const uint8_t *lo, const uint8_t *hi) {
     return _mm256_set_m128i(_mm_loadl_epi64(reinterpret_cast<const __m128i *>(hi)),
                             _mm_loadl_epi64(reinterpret_cast<const __m128i *>(lo)));
 }
@@ -102,8 +84,8 @@ alignas(32) constexpr auto Iso1_consts = [] {
 // from the value's first 16 bytes (its head), the last 16 from its last 16 (its tail), since
 // each byte gives one or two; a value of under 16 bytes is its own head, with 00s after it,
 // and its own tail, with 00s before it (a byte each).
-[[COMN_XLT_ISO1_AVX2]] inline bool iso1_value_to_utf8(const uint8_t *src, int32_t n, uint8_t *dst,
-                                                      int32_t *produced) {
+[[COMN_XLT_AVX2]] inline bool iso1_value_to_utf8(const uint8_t *src, int32_t n, uint8_t *dst,
+                                                 int32_t *produced) {
     __m128i head, tail;
     if (n >= 16) {
         head = _mm_loadu_si128(reinterpret_cast<const __m128i *>(src));
@@ -113,13 +95,13 @@ alignas(32) constexpr auto Iso1_consts = [] {
         tail = shift_up(head, 16 - n);
     }
     const __m256i v = _mm256_set_m128i(tail, head);
-    const uint64_t high = mask256(v);
+    const uint64_t high = mask32(v);
     // The head's bytes from 80, and the tail's past the head (the last n - 16 of it).
     const int32_t o = n + std::popcount(high & 0xFFFF) + std::popcount(high >> (48 - n));
     if (o > 2 * k_block) return false;
     *produced = o;
     // A byte from 80 gives C2 or C3 (C3 from C0), then itself less its bit 40.
-    const uint8_t *c = iso1_consts();
+    const uint8_t *c = unseen(Iso1_consts[0].data());
     const __m256i above_bf = _mm256_cmpgt_epi8(v, const256(c, c_bf)); // signed: C0-FF, ASCII
     const __m256i lead = _mm256_sub_epi8(const256(c, c_c2), above_bf);
     const __m256i first = _mm256_blendv_epi8(v, lead, v);
@@ -147,16 +129,16 @@ alignas(32) constexpr auto Iso1_consts = [] {
 // when the value is not ASCII and whole characters C2/C3 80-BF. The value, with bytes 00 after
 // it, is one 256-bit register: each continuation byte becomes its character's iso_1 byte (plus
 // 40 after C3), and each half's bytes but the leads are gathered to its front by one shuffle.
-[[COMN_XLT_ISO1_AVX2]] inline bool iso1_value_from_utf8(const uint8_t *src, int32_t n, uint8_t *dst,
-                                                        int32_t *produced) {
+[[COMN_XLT_AVX2]] inline bool iso1_value_from_utf8(const uint8_t *src, int32_t n, uint8_t *dst,
+                                                   int32_t *produced) {
     __m128i lo, hi;
     load_value(src, n, lo, hi);
     const __m256i v = _mm256_set_m128i(hi, lo);
-    const uint8_t *c = iso1_consts();
-    const uint64_t high = mask256(v);
-    const uint64_t cont = mask256(_mm256_cmpgt_epi8(const256(c, c_c0), v)); // signed: 80-BF
+    const uint8_t *c = unseen(Iso1_consts[0].data());
+    const uint64_t high = mask32(v);
+    const uint64_t cont = mask32(_mm256_cmpgt_epi8(const256(c, c_c0), v)); // signed: 80-BF
     const uint64_t lead =
-        mask256(_mm256_cmpeq_epi8(_mm256_and_si256(v, const256(c, c_fe)), const256(c, c_c2)));
+        mask32(_mm256_cmpeq_epi8(_mm256_and_si256(v, const256(c, c_fe)), const256(c, c_c2)));
     // Every byte from 80 a lead followed by its continuation (a lead at the value's end has
     // a byte 00 after it).
     if (cont != lead << 1 || high != (lead | cont)) return false;
@@ -204,7 +186,5 @@ template <class Dir>
     *consumed = n;
     return 0;
 }
-
-#undef COMN_XLT_ISO1_AVX2
 
 #endif

@@ -22,7 +22,6 @@
 #include "jis_codes.h"
 #include "jis_windows.h"
 #include "unicode_tables.h"
-#include "utf8_window_value.h"
 #include "utf8_windows.h"
 #include "xlate_internal.h"
 
@@ -37,6 +36,7 @@
 #endif
 #if defined(__SSE2__) && defined(__GNUC__) // byte shuffles, when the processor has them
 #define COMN_XLT_SHUFFLE 1
+#include <immintrin.h> // and AVX2, chosen at run time
 #include <tmmintrin.h>
 #endif
 
@@ -594,7 +594,7 @@ const bool k_shuffle =
     (__builtin_cpu_init(), __builtin_cpu_supports("ssse3") && __builtin_cpu_supports("popcnt"));
 const bool k_avx2 =
     (__builtin_cpu_init(), __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi") &&
-                               __builtin_cpu_supports("bmi2"));
+                               __builtin_cpu_supports("bmi2") && __builtin_cpu_supports("popcnt"));
 
 inline bool has_shuffle() {
     return k_shuffle;
@@ -1112,8 +1112,10 @@ template <class Dir>
     return (a.full ? COM_XLT_TRUNCATED : 0) | (a.bad ? COM_XLT_BADCHAR : 0);
 }
 
+#include "avx2_value.h"
 #include "iso1_value.h"
 #include "jis_short.h"
+#include "utf8_window_value.h"
 
 #if defined(COMN_XLT_SHUFFLE) && defined(COMN_XLT_UTF8_WINDOWS)
 // A utf8 value of n bytes, n in [1, k_window_value], into a set of the windows whose longest
@@ -1121,9 +1123,9 @@ template <class Dir>
 // alone, else translated as one window straight into dst; a value the window does not take
 // goes to translate_text, which writes over what the window stored.
 template <class Dir>
-[[gnu::target("avx2,bmi,bmi2")]] int32_t window_value(const uint8_t *src, int32_t n, uint8_t *dst,
-                                                      int32_t m, int32_t *consumed,
-                                                      int32_t *produced) {
+[[gnu::target("avx2,bmi,bmi2,popcnt")]] int32_t window_value(const uint8_t *src, int32_t n,
+                                                             uint8_t *dst, int32_t m,
+                                                             int32_t *consumed, int32_t *produced) {
     __m128i lo, hi;
     load_value(src, n, lo, hi);
     int32_t o = n;
