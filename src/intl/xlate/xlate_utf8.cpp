@@ -1142,8 +1142,8 @@ template <class Dir>
 // A converter. Where the processor has AVX2, a utf8 value of up to 32 bytes into a set of the
 // windows goes to window_value, an eucjis or sjis value of up to 32 bytes into utf8 to
 // pairs_short_to_utf8 and a value of up to 32 bytes between iso_1 and utf8 to iso1_value,
-// ahead of the frame of translate_text (its local buffers), which costs
-// about as much as translating such a value.
+// ahead of the frame of translate_text (its local buffers), which costs about as much as
+// translating such a value.
 template <class Dir>
 int32_t translate(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstlen,
                   int32_t *consumed, int32_t *produced) {
