@@ -36,6 +36,7 @@
 #endif
 #if defined(__SSE2__) && defined(__GNUC__) // byte shuffles, when the processor has them
 #define COMN_XLT_SHUFFLE 1
+#include <cpuid.h>
 #include <immintrin.h> // and AVX2, chosen at run time
 #include <tmmintrin.h>
 #endif
@@ -596,6 +597,17 @@ const bool k_avx2 =
     (__builtin_cpu_init(), __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi") &&
                                __builtin_cpu_supports("bmi2") && __builtin_cpu_supports("popcnt"));
 
+// Whether PEXT takes a few cycles, as everywhere but on AMD (and Hygon) processors before
+// family 19h, which run it as microcode, tens to hundreds of cycles.
+const bool k_fast_pext = [] {
+    unsigned a = 0, b = 0, c = 0, d = 0;
+    if (__get_cpuid(0, &a, &b, &c, &d) == 0) return false;
+    if (b != 0x68747541 && b != 0x6F677948) return true; // "Auth"enticAMD, "Hygo"nGenuine
+    __get_cpuid(1, &a, &b, &c, &d);
+    const unsigned base = a >> 8 & 0xF;
+    return base + (base == 0xF ? (a >> 20 & 0xFF) : 0) >= 0x19;
+}();
+
 inline bool has_shuffle() {
     return k_shuffle;
 }
@@ -1121,8 +1133,9 @@ template <class Dir>
 // A utf8 value of n bytes, n in [1, k_window_value], into a set of the windows whose longest
 // translation fits the room, in registers: read in place, stored back as it is when ASCII
 // alone, else translated as one window straight into dst; a value the window does not take
-// goes to translate_text, which writes over what the window stored.
-template <class Dir>
+// goes to translate_text, which writes over what the window stored. Pext: whether the
+// processor's PEXT is quick (see utf8_window_value).
+template <class Dir, bool Pext>
 [[gnu::target("avx2,bmi,bmi2,popcnt")]] int32_t window_value(const uint8_t *src, int32_t n,
                                                              uint8_t *dst, int32_t m,
                                                              int32_t *consumed, int32_t *produced) {
@@ -1131,7 +1144,7 @@ template <class Dir>
     int32_t o = n;
     if (const __m256i v = _mm256_set_m128i(hi, lo); _mm256_movemask_epi8(v) == 0)
         store_value(dst, n, lo, hi);
-    else if (o = utf8_window_value(v, n, dst, window_words<Dir>); o < 0)
+    else if (o = utf8_window_value<Pext>(v, n, dst, window_words<Dir>); o < 0)
         return translate_text<Dir>(src, n, dst, m, consumed, produced);
     *consumed = n;
     *produced = o;
@@ -1150,7 +1163,9 @@ int32_t translate(const uint8_t *src, int32_t srclen, uint8_t *dst, int32_t dstl
 #if defined(COMN_XLT_SHUFFLE) && defined(COMN_XLT_UTF8_WINDOWS)
     if constexpr (window_words<Dir> != nullptr)
         if (short_fits<Dir>(srclen, dstlen, k_window_value) && k_avx2)
-            return window_value<Dir>(src, srclen, dst, dstlen, consumed, produced);
+            return k_fast_pext
+                       ? window_value<Dir, true>(src, srclen, dst, dstlen, consumed, produced)
+                       : window_value<Dir, false>(src, srclen, dst, dstlen, consumed, produced);
     if constexpr (requires { requires k_pairs_short<typename Dir::From>; })
         if (k_packed && short_fits<Dir>(srclen, dstlen, k_pairs_value) && k_avx2)
             return pairs_short_to_utf8<typename Dir::From>(src, srclen, dst, dstlen, consumed,
