@@ -1,7 +1,7 @@
 // What the AVX2 short-value routines share (iso1_value.h, jis_short.h, utf8_window_value.h):
-// their target attribute, 32-byte constants and masks, and the pointer barrier that keeps
-// vector constants in memory. Part of xlate_utf8.cpp, included after its intrinsics headers; x86
-// with AVX2, BMI1, BMI2 and POPCNT, chosen at run time by the callers.
+// their target attribute, 32-byte constants, tables of them and masks, and the pointer barrier
+// that keeps vector constants in memory. Part of xlate_utf8.cpp, included after its intrinsics
+// headers; x86 with AVX2, BMI1, BMI2 and POPCNT, chosen at run time by the callers.
 #pragma once
 
 #ifdef COMN_XLT_SHUFFLE
@@ -16,6 +16,14 @@
 // The bits 0x80 of the 32 bytes x, 64 bits wide.
 [[COMN_XLT_AVX2]] inline uint64_t mask32(__m256i x) {
     return uint64_t{static_cast<uint32_t>(_mm256_movemask_epi8(x))};
+}
+
+// Row r of a table of 32-byte rows of vector constants, whole or its first 16 bytes.
+[[COMN_XLT_AVX2]] inline __m256i row32(const void *table, int r) {
+    return _mm256_loadu_si256(static_cast<const __m256i *>(table) + r);
+}
+[[COMN_XLT_AVX2]] inline __m128i row16(const void *table, int r) {
+    return _mm_loadu_si128(static_cast<const __m128i *>(table) + 2 * r);
 }
 
 // p, through a barrier the compiler does not see through. In target-attributed AVX code GCC

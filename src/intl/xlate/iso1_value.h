@@ -30,10 +30,6 @@ alignas(32) constexpr auto Iso1_consts = [] {
     return t;
 }();
 
-[[COMN_XLT_AVX2]] inline __m256i const256(const uint8_t *c, Iso1Const k) {
-    return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(c + 32 * k));
-}
-
 // The first 16 bytes of the k bytes at the front of a followed by the bytes of b (a's bytes
 // after its k are 00, k in [0, 16]).
 [[COMN_XLT_AVX2]] inline __m128i front16(__m128i a, int32_t k, __m128i b) {
@@ -102,10 +98,10 @@ alignas(32) constexpr auto Iso1_consts = [] {
     *produced = o;
     // A byte from 80 gives C2 or C3 (C3 from C0), then itself less its bit 40.
     const uint8_t *c = unseen(Iso1_consts[0].data());
-    const __m256i above_bf = _mm256_cmpgt_epi8(v, const256(c, c_bf)); // signed: C0-FF, ASCII
-    const __m256i lead = _mm256_sub_epi8(const256(c, c_c2), above_bf);
+    const __m256i above_bf = _mm256_cmpgt_epi8(v, row32(c, c_bf)); // signed: C0-FF, ASCII
+    const __m256i lead = _mm256_sub_epi8(row32(c, c_c2), above_bf);
     const __m256i first = _mm256_blendv_epi8(v, lead, v);
-    const __m256i second = _mm256_and_si256(v, const256(c, c_bf));
+    const __m256i second = _mm256_and_si256(v, row32(c, c_bf));
     // Each group of 8 bytes spread to 8 to 16: its bytes from 80 followed by their second.
     const __m256i g0 = _mm256_shuffle_epi8(
         _mm256_unpacklo_epi64(first, second),
@@ -136,25 +132,24 @@ alignas(32) constexpr auto Iso1_consts = [] {
     const __m256i v = _mm256_set_m128i(hi, lo);
     const uint8_t *c = unseen(Iso1_consts[0].data());
     const uint64_t high = mask32(v);
-    const uint64_t cont = mask32(_mm256_cmpgt_epi8(const256(c, c_c0), v)); // signed: 80-BF
+    const uint64_t cont = mask32(_mm256_cmpgt_epi8(row32(c, c_c0), v)); // signed: 80-BF
     const uint64_t lead =
-        mask32(_mm256_cmpeq_epi8(_mm256_and_si256(v, const256(c, c_fe)), const256(c, c_c2)));
+        mask32(_mm256_cmpeq_epi8(_mm256_and_si256(v, row32(c, c_fe)), row32(c, c_c2)));
     // Every byte from 80 a lead followed by its continuation (a lead at the value's end has
     // a byte 00 after it).
     if (cont != lead << 1 || high != (lead | cont)) return false;
     const __m256i before = _mm256_alignr_epi8(v, _mm256_permute2x128_si256(v, v, 0x08), 15);
-    const __m256i after_c3 = _mm256_cmpeq_epi8(before, const256(c, c_c3));
-    const __m256i val = _mm256_or_si256(v, _mm256_and_si256(after_c3, const256(c, c_40)));
+    const __m256i after_c3 = _mm256_cmpeq_epi8(before, row32(c, c_c3));
+    const __m256i val = _mm256_or_si256(v, _mm256_and_si256(after_c3, row32(c, c_40)));
 
     // The shuffle of each half: the indexes of its kept bytes among the first 8 (the fillers,
     // 80, made 00 and covered by what follows), then those among the other 8 after them, 80 (a
     // byte 00) after all.
     const auto keep = static_cast<uint32_t>(~lead);
     const __m256i firsts = _mm256_and_si256(
-        load2x8(Gather8[keep & 0xFF].data(), Gather8[keep >> 16 & 0xFF].data()), const256(c, c_7f));
-    const __m256i seconds =
-        _mm256_add_epi8(load2x8(Gather8[keep >> 8 & 0xFF].data(), Gather8[keep >> 24].data()),
-                        const256(c, c_second8));
+        load2x8(Gather8[keep & 0xFF].data(), Gather8[keep >> 16 & 0xFF].data()), row32(c, c_7f));
+    const __m256i seconds = _mm256_add_epi8(
+        load2x8(Gather8[keep >> 8 & 0xFF].data(), Gather8[keep >> 24].data()), row32(c, c_second8));
     const uint8_t *up = Shift_window.data() + 16; // moves by the bytes kept of the first 8
     const __m256i ctrl = _mm256_or_si256(
         firsts, _mm256_shuffle_epi8(seconds, load2x16(up - std::popcount(keep & 0xFF),

@@ -33,14 +33,6 @@ constexpr WindowConstants k_window_constants = [] {
     return t;
 }();
 
-// Constant c of the table k, 32 bytes or 16.
-[[COMN_XLT_AVX2]] inline __m256i bytes32(const WindowConstants *k, WindowConstants::Id c) {
-    return _mm256_load_si256(reinterpret_cast<const __m256i *>(k->w[c]));
-}
-[[COMN_XLT_AVX2]] inline __m128i bytes16(const WindowConstants *k, WindowConstants::Id c) {
-    return _mm_load_si128(reinterpret_cast<const __m128i *>(k->w[c]));
-}
-
 constexpr int k_round = 8; // characters a round
 
 // For each mask of which of eight words are two bytes, the shuffle that packs their bytes (the
@@ -74,30 +66,30 @@ template <bool Pext>
                                                    const uint16_t *words) {
     // The masks of a window, 64 bits wide so that a lead in the last byte expects its
     // continuation past them.
-    const WindowConstants *k = unseen(&k_window_constants);
+    const auto *k = unseen(&k_window_constants)->w; // rows by WindowConstants::Id
     using enum WindowConstants::Id;
-    const __m256i is_cont = _mm256_cmpgt_epi8(bytes32(k, xC0), v); // signed: 80-BF are the lowest
+    const __m256i is_cont = _mm256_cmpgt_epi8(row32(k, xC0), v); // signed: 80-BF are the lowest
     const uint64_t cont = mask32(is_cont);
     const uint64_t lead = mask32(v) & ~cont;
     const uint64_t lead3 = mask32(_mm256_slli_epi16(v, 2)) & lead; // bit 5 of every byte
-    __m256i odd = _mm256_cmpeq_epi8(_mm256_and_si256(v, bytes32(k, xFE)), bytes32(k, xC0));
-    odd = _mm256_or_si256(odd, _mm256_cmpeq_epi8(v, bytes32(k, xE0)));
-    odd = _mm256_or_si256(odd, _mm256_cmpeq_epi8(_mm256_max_epu8(v, bytes32(k, xF0)), v));
+    __m256i odd = _mm256_cmpeq_epi8(_mm256_and_si256(v, row32(k, xFE)), row32(k, xC0));
+    odd = _mm256_or_si256(odd, _mm256_cmpeq_epi8(v, row32(k, xE0)));
+    odd = _mm256_or_si256(odd, _mm256_cmpeq_epi8(_mm256_max_epu8(v, row32(k, xF0)), v));
     if (!_mm256_testz_si256(odd, odd) || cont != (lead << 1 | lead3 << 2)) return -1;
 
     // The code point at each byte, as window_group_codes works it out, from the bytes one and
     // two places before (00 before the value).
     const __m256i up = _mm256_permute2x128_si256(v, v, 0x08); // 00s, then the first 16 bytes
     const __m256i v1 = _mm256_alignr_epi8(v, up, 15), v2 = _mm256_alignr_epi8(v, up, 14);
-    const __m256i lo = _mm256_and_si256(v, bytes32(k, x7F));
-    const __m256i mid = _mm256_and_si256(_mm256_and_si256(v1, bytes32(k, x3F)), is_cont);
+    const __m256i lo = _mm256_and_si256(v, row32(k, x7F));
+    const __m256i mid = _mm256_and_si256(_mm256_and_si256(v1, row32(k, x3F)), is_cont);
     const __m256i hi =
-        _mm256_and_si256(_mm256_and_si256(v2, bytes32(k, x0F)),
-                         _mm256_and_si256(is_cont, _mm256_cmpgt_epi8(bytes32(k, xC0), v1)));
+        _mm256_and_si256(_mm256_and_si256(v2, row32(k, x0F)),
+                         _mm256_and_si256(is_cont, _mm256_cmpgt_epi8(row32(k, xC0), v1)));
     const __m256i below =
-        _mm256_or_si256(lo, _mm256_slli_epi16(_mm256_and_si256(mid, bytes32(k, x03)), 6));
+        _mm256_or_si256(lo, _mm256_slli_epi16(_mm256_and_si256(mid, row32(k, x03)), 6));
     const __m256i above = _mm256_or_si256(
-        _mm256_and_si256(_mm256_srli_epi16(mid, 2), bytes32(k, x0F)), _mm256_slli_epi16(hi, 4));
+        _mm256_and_si256(_mm256_srli_epi16(mid, 2), row32(k, x0F)), _mm256_slli_epi16(hi, 4));
     // The in-lane unpacks give the codes of bytes 0-7 and 16-23, and of 8-15 and 24-31: each
     // 16-byte half stored in its place.
     const __m256i first = _mm256_unpacklo_epi8(below, above);
@@ -110,7 +102,7 @@ template <bool Pext>
 
     // The last bytes of the characters, then bits set above them: a step past the characters
     // reads a code after the value's 32, 'A', whose word is one byte and not counted.
-    _mm_store_si128(reinterpret_cast<__m128i *>(code + k_window_value), bytes16(k, code_A));
+    _mm_store_si128(reinterpret_cast<__m128i *>(code + k_window_value), row16(k, code_A));
     uint64_t ends = _bzhi_u64(~cont >> 1, static_cast<uint32_t>(n)) | ~uint64_t{0}
                                                                           << k_window_value;
     int32_t left = std::popcount(static_cast<uint32_t>(ends)); // characters
@@ -135,7 +127,7 @@ template <bool Pext>
         const __m128i w = _mm_or_si128(w0, w1);
         if (_mm_movemask_epi8(_mm_cmpeq_epi16(w, _mm_setzero_si128())) != 0)
             return -1; // a character without a word
-        const __m128i wide = _mm_cmpeq_epi16(_mm_max_epu16(w, bytes16(k, w100)), w);
+        const __m128i wide = _mm_cmpeq_epi16(_mm_max_epu16(w, row16(k, w100)), w);
         const auto words_two =
             static_cast<uint32_t>(_mm_movemask_epi8(_mm_packs_epi16(wide, wide))) & 0xFF;
         uint32_t two = words_two;
